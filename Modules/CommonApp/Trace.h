@@ -1,0 +1,44 @@
+// The flow trace: one line a message into the process-wide log, and the scope that each operation opens.
+#pragma once
+
+#include "Format.h"
+
+namespace Streams {
+
+/// Levels of the flow trace. All are written; the level only makes the tag of the line.
+enum TraceLevel : unsigned { TraceError = 1, TraceWarning = 2, TraceInfo = 4, TraceDebug = 8 };
+
+/// True when a log stream is open and healthy, so that building a message is worth it.
+bool IsTraceOn() noexcept;
+
+/// Writes one line under the lock of the process-wide streams; drops it when there is no healthy log stream.
+/// Never throws.
+void WriteTrace(unsigned level, const char* file, const char* function, const std::string& message) noexcept;
+
+/// The Enter and Exit lines of an operation. `function` must outlive the scope: pass a literal.
+class TraceScope {
+public:
+    TraceScope(const char* file, const char* function) noexcept;
+    ~TraceScope();
+    TraceScope(const TraceScope&) = delete;
+    TraceScope& operator=(const TraceScope&) = delete;
+
+private:
+    const char* m_file;
+    const char* m_function;
+};
+
+}  // namespace Streams
+
+/// Opens the trace scope of an operation: `TRACE_SCOPE("CLmnSA::AddSweep");` as its first line. TRACE below uses the
+/// name given here.
+#define TRACE_SCOPE(name)                                  \
+    static constexpr const char* traceFunctionName = name; \
+    const ::Streams::TraceScope traceScope(__FILE__, traceFunctionName)
+
+/// One trace line, `message` being anything that converts to a std::string: it is only evaluated when a log is open.
+#define TRACE(level, message)                                                           \
+    do {                                                                                \
+        if (::Streams::IsTraceOn())                                                     \
+            ::Streams::WriteTrace((level), __FILE__, traceFunctionName, ::std::string(message)); \
+    } while (false)

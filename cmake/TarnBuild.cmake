@@ -1,0 +1,49 @@
+# Settings that every target of this tree shares, and the one function that makes a module.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+
+find_package(Threads REQUIRED)
+find_program(TARN_CCACHE ccache)
+if(TARN_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${TARN_CCACHE})
+endif()
+
+# Private to our own targets, so that a consumer never meets them.
+add_library(tarn_options INTERFACE)
+target_compile_options(tarn_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align -Wunused -Wnull-dereference
+  $<$<BOOL:${TARN_WERROR}>:-Werror>)
+if(TARN_SANITIZE)
+  target_compile_options(tarn_options INTERFACE
+    -fsanitize=${TARN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -Wno-null-dereference)
+  target_link_options(tarn_options INTERFACE -fsanitize=${TARN_SANITIZE})
+endif()
+
+# tarn_module(NAME [SHARED] [PUBLIC targets...] [PRIVATE targets...] [EXCLUDE regex])
+# Makes a library of all sources in the current folder. Its own folder is its include folder, so that a header can only
+# be included by a target that links this one.
+function(tarn_module name)
+  cmake_parse_arguments(ARG "SHARED" "EXCLUDE" "PUBLIC;PRIVATE" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
+  if(ARG_EXCLUDE)
+    list(FILTER sources EXCLUDE REGEX ${ARG_EXCLUDE})
+  endif()
+  if(ARG_SHARED)
+    add_library(${name} SHARED ${sources})
+  else()
+    add_library(${name} STATIC ${sources})
+  endif()
+  set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+  target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} $<BUILD_INTERFACE:tarn_options>)
+endfunction()
