@@ -22,6 +22,7 @@ endif()
 add_library(tarn_options INTERFACE)
 target_compile_options(tarn_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Wcast-align -Wunused -Wnull-dereference
+  $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict> # g++ 12 sees overlaps in every "literal" + std::string
   $<$<BOOL:${TARN_WERROR}>:-Werror>)
 if(TARN_SANITIZE)
   target_compile_options(tarn_options INTERFACE

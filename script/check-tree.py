@@ -17,8 +17,8 @@ FORBIDDEN = [
 ]
 INCLUDE_UP = re.compile(r'#\s*include\s+"\.\./')
 SYSTEM_HEADER = re.compile(r"#\s*include\s+<(sys/|unistd|fcntl|dlfcn|pthread|semaphore|signal|termios|windows)")
-# Where system headers may stand: the operating-system layer, the host's terminal and loader, tests, benchmarks.
-SYSTEM_FOLDERS = ("Modules/QuayLLs/QuayShared/OSAL/", "Tools/TRN/TarnHost/", "tests/", "benchmarks/")
+# Where system headers may stand: the operating-system layer, the host (terminal, loader), tests, benchmarks, examples.
+SYSTEM_FOLDERS = ("Modules/QuayLLs/QuayShared/OSAL/", "Tools/TRN/TarnHost/", "tests/", "benchmarks/", "examples/")
 CODE = (".cpp", ".h")
 TEXT = CODE + (".md", ".py", ".txt", ".cmake", ".json", ".1", ".sh", ".ts", ".css", ".html", "")
 

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <exception>
 #include <memory>
-#include <optional>
 #include <string>
 
 namespace Common {
@@ -46,16 +45,11 @@ class OptionalText {
 public:
     OptionalText() = default;
     explicit OptionalText(const char* text) { Set(text); }
-    void Set(const char* text) {
-        if (text && *text)
-            m_text = text;
-        else
-            m_text.reset();
-    }
-    const char* Get() const { return m_text ? m_text->c_str() : nullptr; }
+    void Set(const char* text) { m_text = text ? text : ""; }
+    const char* Get() const { return m_text.empty() ? nullptr : m_text.c_str(); }
 
 private:
-    std::optional<std::string> m_text;
+    std::string m_text;
 };
 
 /// Where an error was raised.

@@ -32,6 +32,7 @@ public:
 
 private:
     FormatProviders() = default;
+    ~FormatProviders() = default;
     std::vector<PreProcessor> m_preProcessors;
     std::vector<PostProcessor> m_postProcessors;
 };
@@ -63,9 +64,9 @@ concept HasFormatText = requires(const T& value) {
 class Format {
 public:
     Format(std::string text);  // implicit: a plain literal is a template without arguments
-    Format(const char* text) : Format(std::string(text)) {}
+    Format(const char* text) : Format(std::string(text ? text : "")) {}
 
-    Format& operator%(const char* value) { return Apply(value); }
+    Format& operator%(const char* value) { return Apply(value ? value : ""); }
     Format& operator%(const std::string& value) { return Apply(value); }
     Format& operator%(std::string_view value) { return Apply(value); }
     Format& operator%(bool value) { return Apply(value ? "1" : "0"); }

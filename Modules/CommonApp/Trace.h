@@ -8,11 +8,11 @@ namespace Streams {
 /// Levels of the flow trace. All are written; the level only makes the tag of the line.
 enum TraceLevel : unsigned { TraceError = 1, TraceWarning = 2, TraceInfo = 4, TraceDebug = 8 };
 
-/// True when a log stream is open and healthy, so that building a message is worth it.
+/// True when there is a log stream, so that building a message is worth it. Costs two loads.
 bool IsTraceOn() noexcept;
 
 /// Writes one line under the lock of the process-wide streams; drops it when there is no healthy log stream.
-/// Never throws.
+/// `file` is not written. Never throws.
 void WriteTrace(unsigned level, const char* file, const char* function, const std::string& message) noexcept;
 
 /// The Enter and Exit lines of an operation. `function` must outlive the scope: pass a literal.
@@ -37,8 +37,8 @@ private:
     const ::Streams::TraceScope traceScope(__FILE__, traceFunctionName)
 
 /// One trace line, `message` being anything that converts to a std::string: it is only evaluated when a log is open.
-#define TRACE(level, message)                                                           \
-    do {                                                                                \
-        if (::Streams::IsTraceOn())                                                     \
+#define TRACE(level, message)                                                                    \
+    do {                                                                                         \
+        if (::Streams::IsTraceOn())                                                              \
             ::Streams::WriteTrace((level), __FILE__, traceFunctionName, ::std::string(message)); \
     } while (false)

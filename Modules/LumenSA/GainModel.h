@@ -14,6 +14,14 @@ enum class GainFamily { Plain, ElmOak, FirYew, Ash2, Bay, Ash4, Pine, Rowan };
 /// The family of a hardware type; nothing for an unknown one.
 std::optional<GainFamily> FamilyOfHardware(std::uint32_t hwType);
 
+/// Which of a family's channel ranges a channel lies in; the rows of the correction table speak of these.
+/// Pine and Rowan: `Marked` is 3, 4, 5 and 13 of band 0, `Low` is up to 140 (band 1) or 69 (band 2), `High` above.
+/// The other families: band 1 has `Low` 36 to 64 and `High` 100 to 165, band 2 `Low` from 1 to below 100 and `High` 100
+/// to 233. `Others` is every channel that no range takes; a row for `All` takes any channel.
+enum class ChannelClass { All, Low, High, Marked, Others };
+
+ChannelClass ClassOfChannel(GainFamily family, std::uint32_t band, double channel);
+
 /// Gain in dB between antenna and ADC.
 /// @param preLna        pre-LNA setting
 /// @param internalGain  internal gain index

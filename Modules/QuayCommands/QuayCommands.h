@@ -11,13 +11,13 @@ namespace quayCommand {
 
 /// Receiver set-up. Words without a meaning here pass through to the radio as they are.
 struct RxConfig {
-    std::uint32_t m_channel = 0;          ///< channel number
-    std::uint32_t m_band = 0;             ///< 0 is 2.4 GHz, 1 is 5.2 GHz, 2 is 6-7 GHz
-    std::uint32_t mode = 0;               ///< belongs to the radio
-    std::uint32_t antennaMask = 0;        ///< bit 0 chain A, bit 1 chain B
-    std::uint32_t m_currChain = 0;        ///< 1 chain A, 2 chain B, 3 both
+    std::uint32_t m_channel = 0;    ///< channel number
+    std::uint32_t m_band = 0;       ///< 0 is 2.4 GHz, 1 is 5.2 GHz, 2 is 6-7 GHz
+    std::uint32_t mode = 0;         ///< belongs to the radio
+    std::uint32_t antennaMask = 0;  ///< bit 0 chain A, bit 1 chain B
+    std::uint32_t m_currChain = 0;  ///< 1 chain A, 2 chain B, 3 both
     std::uint32_t reserved = 0;
-    std::uint32_t m_Bandwidth = 0;        ///< 0 is 20 MHz, 1 is 40, 2 is 80, 3 is 160, 4 is 320
+    std::uint32_t m_Bandwidth = 0;  ///< 0 is 20 MHz, 1 is 40, 2 is 80, 3 is 160, 4 is 320
     std::uint32_t secondBandwidth = 0;
     std::uint64_t further = 0;
     std::uint32_t antennaSelection = 0;
@@ -27,7 +27,7 @@ static_assert(sizeof(RxConfig) == 144);
 
 /// How the capture engine of the radio is fed.
 struct AdcConfig {
-    std::uint64_t chainMode = 0;          ///< 2 for one chain, 3 for two
+    std::uint64_t chainMode = 0;  ///< 2 for one chain, 3 for two
     std::uint32_t word0 = 0;
     std::uint32_t word1 = 0;
     std::uint8_t chainAEnable = 0;
@@ -35,7 +35,7 @@ struct AdcConfig {
     std::uint8_t chainCEnable = 0;
     std::uint32_t word2 = 0;
     std::uint64_t last = 0;
-    std::array<std::uint64_t, 3> rest{};
+    std::array<std::uint64_t, 4> rest{};
 };
 static_assert(sizeof(AdcConfig) == 64);
 
@@ -52,7 +52,7 @@ struct ChainGain {
 struct GainConfig {
     std::uint32_t enable = 0;
     std::uint32_t reserved = 0;
-    std::array<ChainGain, 3> chains{};    ///< A, B, C
+    std::array<ChainGain, 3> chains{};  ///< A, B, C
     std::uint64_t last = 0;
 };
 

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "QuayCommands.h"
 
@@ -18,7 +19,8 @@ struct RadioSetup {
     std::string air;
     /// File that gets a line for each call the flows make on the radio. Empty: none.
     std::string journalPath;
-    /// "OPERATION:N[,...]": the n-th call of that operation throws. Empty: none.
+    /// "OPERATION:N[:KIND][,...]": the n-th call of that operation throws, N counting from 1 or "*" for each call; KIND
+    /// is common (the default), quay or std. Empty: none.
     std::string faults;
 };
 
@@ -35,5 +37,19 @@ QUAY_COMMANDS_API std::string DescribeAir();
 
 /// The reason why the radio stopped being usable though no call failed, such as a journal that can't be written.
 QUAY_COMMANDS_API std::optional<std::string> RadioTrouble();
+
+/// Tells the air that a stress workload runs on the machine (or no longer does), so that a scene's workload noise
+/// rises.
+/// @return false when the air has no use for it, such as stored captures
+QUAY_COMMANDS_API bool SetRadioWorkload(bool running);
+
+/// Names of the shipped scenes, in alphabetical order.
+QUAY_COMMANDS_API std::vector<std::string> ShippedSceneNames();
+
+/// JSON text of a shipped scene; nothing for an unknown name.
+QUAY_COMMANDS_API std::optional<std::string> ShippedSceneText(const std::string& name);
+
+/// Names of all operations that the journal writes and a fault plan knows, interface by interface.
+QUAY_COMMANDS_API std::vector<std::string> RadioOperationNames();
 
 }  // namespace quayCommand

@@ -24,12 +24,14 @@ constexpr std::string_view Flag = "true|false";
 
 constexpr auto table = std::to_array<KeyRow>({
     {"-channel_average_sweep_val", Int, "SWEEPS", "", Analysis, "sweeps of one averaging run, 1 to 100"},
-    {"-maxhold", Text, "FLAG", Flag, Analysis, "keep the largest value of each bin; channel power is then taken from it"},
+    {"-maxhold", Text, "FLAG", Flag, Analysis,
+     "keep the largest value of each bin; channel power is then taken from it"},
     {"-histogram", Text, "FLAG", Flag, Analysis, "count the ADC codes of each sweep in 20 buckets"},
     {"-frequency_compensation", Text, "FLAG", Flag, Analysis, "lift the receiver filter's edges back up"},
     {"-channel_average", Text, "FLAG", Flag, Analysis, "average sweeps; channel power is then taken from the average"},
     {"-get_channel_average", None, "", "", Analysis, "tell whether averaging is on"},
-    {"-channel_average_counter", Text, "N,N,N", "", Analysis, "sweeps that each chain's average already holds, 0 to 99"},
+    {"-channel_average_counter", Text, "N,N,N", "", Analysis,
+     "sweeps that each chain's average already holds, 0 to 99"},
     {"-update_spectrum", None, "", "", Look, "last spectrum, dBm in each bin, a line a chain"},
     {"-update_iq", None, "", "", Look, "last sweep's I and Q, ADC codes, two lines a chain"},
     {"-update_maxhold", None, "", "", Look, "max hold of the channel, dBm in each bin, a line a chain"},
@@ -71,7 +73,8 @@ constexpr auto table = std::to_array<KeyRow>({
 });
 
 bool SameLetters(std::string_view a, std::string_view b) {
-    return std::ranges::equal(a, b, [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
+    return std::ranges::equal(a, b,
+                              [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 // The command language as data: every key that a command line may hold, in the order in which keys take effect.
-// The plug-in registers its operations by this table; help, completion, tests and documentation read it.
+// Help, completion and documentation read it. The plug-in binds each key to its operation in a table of its own; a test
+// holds the two equal, name for name and in order.
 #pragma once
 
 #include <span>

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 
 namespace SyncObjectsOSAL {
 
@@ -66,18 +67,18 @@ private:
     std::unique_ptr<Impl> m_impl;
 };
 
-/// A recursive lock without time-out.
+/// A recursive lock without time-out. Making one can't fail here: it owns no handle.
 class CriticalSectionOSAL : public ICriticalSection {
 public:
-    CriticalSectionOSAL();
-    explicit CriticalSectionOSAL(std::uint32_t spinCount);
-    ~CriticalSectionOSAL() override;
+    CriticalSectionOSAL() = default;
+    /// @param spinCount tries before the thread goes to sleep
+    explicit CriticalSectionOSAL(std::uint32_t spinCount) : m_spinCount(spinCount) {}
     void Enter() override;
     void Leave() override;
 
 private:
-    struct Impl;
-    std::unique_ptr<Impl> m_impl;
+    std::recursive_mutex m_mutex;
+    std::uint32_t m_spinCount = 0;
 };
 
 /// Enters for a block. Works for `SyncObjectsOSAL` and `Synchronization` critical sections.
@@ -104,6 +105,31 @@ public:
 
 private:
     LockType& m_lock;
+};
+
+/// Told when a `ScopedLock` was taken and given back.
+class IScopeCompanion {
+public:
+    virtual void OnLocked() = 0;
+    virtual void OnUnlocked() = 0;
+
+protected:
+    ~IScopeCompanion() = default;
+};
+
+/// Locks for a block, waiting 10 seconds at most; lock and companion may each be null.
+/// @throws std::runtime_error "Failed to lock", and "Failed to unlock" at its end unless an exception is in flight
+class ScopedLock {
+public:
+    explicit ScopedLock(ILock* lock, IScopeCompanion* companion = nullptr);
+    ~ScopedLock() noexcept(false);
+    ScopedLock(const ScopedLock&) = delete;
+    ScopedLock& operator=(const ScopedLock&) = delete;
+
+private:
+    ILock* m_lock;
+    IScopeCompanion* m_companion;
+    int m_exceptionsAtStart;
 };
 
 /// The function that gets the lock objects' failures: level, function name and message. Installed by the layer that

@@ -13,9 +13,9 @@ public:
     virtual void Init() = 0;
 
     /// Runs one line of keys. Nothing is thrown.
-    /// @param line         in: the keys; out: what no key took
+    /// @param line         in: the keys; out: what no key took, or the line as it was when a key's failure ended it
     /// @param output       out: the text answer, or "ERROR:" and the error
-    /// @param error        out: the error text and a line end when an exception ended the line, else unchanged
+    /// @param error        out: the error text and a line end when an exception ended the line, else empty
     /// @param plainOutput  answers of the front-end variant come as text instead of JSON messages
     /// @return 0, or the exit code of the failure: 256 command line, 257 located message, 258 plain, 259 unknown
     virtual std::int32_t RunCommand(std::string& line, std::string& output, std::string& error, bool plainOutput) = 0;

@@ -10,8 +10,7 @@ std::string Joined(const char* description, const char* function) {
 }
 }  // namespace
 
-CQuayMsgException::CQuayMsgException(const char* description, const char* function, const char* file,
-                                     std::int32_t line)
+CQuayMsgException::CQuayMsgException(const char* description, const char* function, const char* file, std::int32_t line)
     : AQuayErrLocException(file, line), m_message(Joined(description, function)) {
     if (const auto hook = errorHook.load())
         hook({GetFile(), line, function ? function : "", description ? description : ""});

@@ -1,0 +1,162 @@
+// The frame of every tool of this family: one command line from the banner to the exit code.
+//
+// A plug-in doesn't call `Run`: it takes the processor with its parser, `AddKey`, the exception handlers and `exitCode`
+// from here, and puts `RunGuarded` around each command.
+#pragma once
+
+#include <array>
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <exception>
+#include <fstream>
+#include <mutex>
+#include <optional>
+#include <string>
+
+#include "CmdProcessor.h"
+#include "Exceptions.h"
+
+namespace XML {
+class Node;
+}
+
+namespace AnvilTool {
+
+/// Texts that one thread leaves for another.
+class BlockingQueue {
+public:
+    void Push(std::string text);
+    /// Waits until there is one.
+    std::string Pop();
+    std::optional<std::string> TryPop();
+
+private:
+    std::deque<std::string> m_texts;
+    std::mutex m_lock;
+    std::condition_variable m_added;
+};
+
+using Queues = std::array<BlockingQueue, 2>;
+
+class IAnvilTool {
+public:
+    virtual std::int32_t Run(int argc, char** argv) = 0;
+    virtual Queues& GetQueues() = 0;
+    virtual std::string GetStatus() = 0;
+    virtual ~IAnvilTool() = default;
+};
+
+}  // namespace AnvilTool
+
+namespace Common {
+
+/// Exit codes of failures that carry none of their own.
+enum ExitCode : std::int32_t {
+    ExitCommandLine = 256,
+    ExitLocatedMessage = 257,
+    ExitException = 258,
+    ExitUnknownException = 259,
+};
+
+/// `what()` of the exception being handled, thrown by value or as a pointer; none when it is no std::exception. Call it
+/// within a catch block: the exception stays in flight, and a pointer stays undeleted.
+std::optional<std::string> CurrentExceptionText();
+
+class Application : public AnvilTool::IAnvilTool {
+public:
+    Application(std::string name, std::string version, std::string date);
+    Application(const Application&) = delete;
+    Application& operator=(const Application&) = delete;
+
+    /// Prints the banner, parses, executes. Once for an object. No exception leaves it.
+    std::int32_t Run(int argc, char** argv) override;
+    AnvilTool::Queues& GetQueues() override { return m_queues; }
+    std::string GetStatus() override { return "{}"; }
+    ~Application() override;
+    virtual void ParseCommandLine(CmdLine::TokenList& tokens);
+    virtual std::int32_t Execute();
+    virtual void OnInitialize() {}
+    virtual void OnTerminate(std::int32_t code);
+    /// A node of the profile; null, as no tool of ours brings a profile.
+    virtual const XML::Node* FindConfiguration(const std::string& path);
+
+    // Each prints the failure and answers its exit code.
+    virtual std::int32_t HandleException(const std::exception& failure);
+    virtual std::int32_t HandleDriverException(const CSvDriverMsgException& failure);
+    virtual std::int32_t HandleMsgException(const CSvMsgException& failure);
+    virtual std::int32_t HandleErrorCodeException(const CSvErrorCodeException& failure);
+    virtual std::int32_t HandleErrorLevelException(const ErrorLevelException& failure);
+    virtual std::int32_t HandleParsingException(const CmdLine::Exceptions::ParsingException& failure);
+
+    virtual CmdProcessor::Processor& GetProcessor() { return m_processor; }
+    virtual void AddCommand(const CountedPtr<CmdProcessor::ICommand>& command);
+    virtual void AddKey(const CountedPtr<CmdLine::IKey>& key, bool atFront);
+    virtual std::string GetHeader() { return ""; }
+    virtual std::string GetCopyright();
+    virtual std::string GetHelp();
+    virtual std::string GetHelpFooter() { return ""; }
+    virtual std::string GetUserGuide();
+    virtual void OnCommandLineParsed() {}
+    virtual void ShowHelp() { m_showHelp = true; }
+    virtual void ShowUserGuide() { m_showUserGuide = true; }
+
+    /// The command "-help <OPTION>": prints the help item and ends the run with 0.
+    class CmdHelp : public CmdProcessor::ACommand {
+    public:
+        explicit CmdHelp(Application* application);
+        int Execute() override;
+
+    private:
+        Application* m_application;
+    };
+
+    /// Runs `body` and answers 0, or the exit code of what it threw. Nothing leaves it, and thrown pointers are
+    /// deleted.
+    template <typename Body>
+    std::int32_t RunGuarded(Body&& body) {
+        try {
+            body();
+            return 0;
+        } catch (...) {
+            return HandleCurrentException();
+        }
+    }
+
+    /// The exit code of the exception being handled, by the handlers above; deletes it when it is a pointer. Call it
+    /// within a catch block that ends then.
+    std::int32_t HandleCurrentException() noexcept;
+
+    /// Folder of the program, with its closing separator, once `Run` has begun.
+    static const std::string& GetDirectory();
+
+protected:
+    std::string m_name;
+    std::string m_date;
+    std::string m_path;
+    std::string m_version;
+    std::string m_year;  // of the date
+    Environment::AContext m_context;
+    std::ofstream m_traceFile;
+    bool m_showUserGuide = false;
+    CmdProcessor::Processor m_processor;
+    bool m_showHelp = false;
+    std::int32_t exitCode = 0;
+    AnvilTool::Queues m_queues;
+
+private:
+    void SetVariables();
+    void AddBuiltInKeys();
+    void FormatFile();
+
+    // Handlers of the built-in keys.
+    void PrintHelpItem(std::string item);
+    void SetDebugMask(unsigned long mask);
+    void OpenTraceFile(std::string path);
+    void SetTraceLevel(unsigned long level);
+
+    std::string m_formatTemplate;
+    std::string m_formatTarget;
+};
+
+}  // namespace Common

@@ -1,0 +1,49 @@
+// The stack of variable scopes in which commands run.
+#pragma once
+
+#include <list>
+
+#include "CountedPtr.h"
+#include "NamedStorage.h"
+
+namespace Environment {
+
+class IContext {
+public:
+    virtual ~IContext() = default;
+    virtual const Variables& GetLocal() const = 0;
+    virtual Variables& GetLocal() = 0;
+    virtual const Variables& GetGlobal() const = 0;
+    virtual Variables& GetGlobal() = 0;
+    /// Adds an innermost scope, which asks the one around it for what it doesn't know.
+    virtual void Push() = 0;
+    /// Removes the innermost scope; the outermost one stays.
+    virtual void Pop() = 0;
+    /// Copies the other's global variables into this one's.
+    virtual void Merge(const IContext* other) = 0;
+};
+
+class AContext : public IContext {
+public:
+    AContext() { m_scopes.push_front(MakeCounted<Variables>()); }
+    const Variables& GetLocal() const override { return *m_scopes.front(); }
+    Variables& GetLocal() override { return *m_scopes.front(); }
+    const Variables& GetGlobal() const override { return *m_scopes.back(); }
+    Variables& GetGlobal() override { return *m_scopes.back(); }
+    void Push() override {
+        auto scope = MakeCounted<Variables>();
+        scope->SetParent(&GetLocal());
+        m_scopes.push_front(scope);
+    }
+    void Pop() override {
+        if (m_scopes.size() > 1) m_scopes.pop_front();
+    }
+    void Merge(const IContext* other) override {
+        if (other) GetGlobal().Merge(other->GetGlobal());
+    }
+
+private:
+    std::list<CountedPtr<Variables>> m_scopes;  // innermost first
+};
+
+}  // namespace Environment

@@ -1,0 +1,116 @@
+#include "Trace.h"
+
+#include <array>
+
+#include "AppStreams.h"
+
+namespace Streams {
+
+namespace {
+
+constexpr std::streamoff rotationSize = 52428800;  // 50 MiB
+
+/// Copies the log to its numbered name and starts it anew. False when the path has become a link.
+bool Rotate(std::ostream& stream, const std::string& path) {
+    static std::string refusedPath;  // a link that was met before: don't copy it again for each line
+    if (path == refusedPath && OSAL::IsLink(path)) return false;
+    refusedPath.clear();
+
+    auto& counter = SingletonWrapper<AppStreams>::accessObject()->rotationCounter;
+    OSAL::CopyFile(path, path.substr(0, path.find(".txt")) + std::to_string(counter) + ".txt");
+    ++counter;
+    if (OSAL::IsLink(path)) {
+        refusedPath = path;
+        return false;
+    }
+    if (auto* file = dynamic_cast<std::ofstream*>(&stream)) {
+        file->close();
+        file->clear();
+        file->open(path, std::ios_base::out | std::ios_base::trunc);
+    }
+    return true;
+}
+
+void OnLockFailure(unsigned level, const char* function, const char* message) {
+    if (IsTraceOn()) WriteTrace(level, "", function, message);
+}
+
+void OnDebugOutput(const char* text) {
+    if (IsTraceOn()) WriteTrace(TraceDebug, "", "OSAL::OutputDebugString", text);
+}
+
+/// The layer below reports upward from the moment this module is loaded until it goes.
+struct HookInstaller {
+    HookInstaller() {
+        SyncObjectsOSAL::SetFailureHook(&OnLockFailure);
+        OSAL::SetDebugOutputHook(&OnDebugOutput);
+    }
+    ~HookInstaller() {
+        SyncObjectsOSAL::SetFailureHook(nullptr);
+        OSAL::SetDebugOutputHook(nullptr);
+    }
+};
+const HookInstaller hookInstaller;
+
+}  // namespace
+
+const char* LevelTag(unsigned level) {
+    switch (level) {
+        case TraceError:
+            return "[OEMERROR]";
+        case TraceWarning:
+            return "[OEMWARNING]";
+        case TraceInfo:
+            return "[OEMINFO]";
+        case TraceDebug:
+            return "[OEMTRACE]";
+        default:
+            return "";
+    }
+}
+
+void WriteLogLine(unsigned level, const char*, const char* function, const std::string& message, std::ostream& stream,
+                  const std::string& path) {
+    if (stream.fail()) return;
+    if (stream.tellp() >= std::streampos(rotationSize) && !Rotate(stream, path)) return;
+
+    std::array<char, 64> time{};
+    OSAL::FormatLocalTime("%F %a %h %T.", time.data(), time.size());
+    const auto milliseconds = std::to_string(1000 + OSAL::GetTickCount() % 1000).substr(1);
+    std::string line = PaddedRight(time.data(), 20) + milliseconds + " | ";
+    line += PaddedRight(LevelTag(level), 12);
+    line += "| ";
+    line += PaddedRight(function ? function : "", 40);
+    line += " | ";
+    line += message;
+    line += '\n';
+    stream.write(line.data(), static_cast<std::streamsize>(line.size()));
+    stream.flush();
+}
+
+bool IsTraceOn() noexcept {
+    const auto* streams = SingletonWrapper<AppStreams>::peekObject();
+    return streams && streams->logStream.load(std::memory_order_relaxed);
+}
+
+void WriteTrace(unsigned level, const char* file, const char* function, const std::string& message) noexcept {
+    try {
+        auto* streams = SingletonWrapper<AppStreams>::peekObject();
+        if (!streams) return;
+        const SyncObjectsOSAL::Locked<SyncObjectsOSAL::ILock> guard(streams->lock);
+        const std::string path = streams->logPath;
+        if (auto* stream = streams->logStream.load()) WriteLogLine(level, file, function, message, *stream, path);
+    } catch (...) {
+        // A log that can't be written drops the line.
+    }
+}
+
+TraceScope::TraceScope(const char* file, const char* function) noexcept : m_file(file), m_function(function) {
+    if (IsTraceOn()) WriteTrace(TraceInfo, m_file, m_function, "--------------------->Enter");
+}
+
+TraceScope::~TraceScope() {
+    if (IsTraceOn()) WriteTrace(TraceInfo, m_file, m_function, "<---------------------Exit");
+}
+
+}  // namespace Streams

@@ -1,0 +1,13 @@
+#include "LumenSAFirYew.h"
+
+#include "Trace.h"
+
+namespace LumenSpectrumAnalyzer {
+
+double CLmnFirYew::CalcManualGainFactor(unsigned preLNAGain, unsigned internalGain, unsigned band,
+                                        const std::string& chain) {
+    TRACE_SCOPE("CLmnFirYew::CalcManualGainFactor");
+    return FamilyGain(traceFunctionName, GainFamily::FirYew, preLNAGain, internalGain, band, chain, 0);
+}
+
+}  // namespace LumenSpectrumAnalyzer

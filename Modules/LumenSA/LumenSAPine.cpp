@@ -1,0 +1,21 @@
+#include "LumenSAPine.h"
+
+#include "Trace.h"
+
+namespace LumenSpectrumAnalyzer {
+
+double CLmnPine::CalcManualGainFactor(unsigned preLNAGain, unsigned internalGain, unsigned band,
+                                      const std::string& chain) {
+    TRACE_SCOPE("CLmnPine::CalcManualGainFactor");
+    return FamilyGain(traceFunctionName, GainFamily::Pine, preLNAGain, internalGain, band, chain, 0);
+}
+
+bool CLmnPine::Is5GHzLowChannel(double channel) {
+    return ClassOfChannel(GainFamily::Pine, 1, channel) == ChannelClass::Low;
+}
+
+bool CLmnPine::Is6GHzLowChannel(double channel) {
+    return ClassOfChannel(GainFamily::Pine, 2, channel) == ChannelClass::Low;
+}
+
+}  // namespace LumenSpectrumAnalyzer

@@ -1,0 +1,106 @@
+#include "SceneAir.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Format.h"
+#include "Random.h"
+#include "SceneSignal.h"
+
+namespace quayCommand {
+namespace {
+
+/// Envelopes to ADC codes: whole numbers of 16 bits.
+void Digitise(const std::vector<double>& envelope, double gain, std::span<double> codes) {
+    // Adding 1.5 * 2^52 leaves no room for a fraction: the fastest rounding that every compiler turns into vectors.
+    constexpr double Rounder = 0x1.8p52;
+    for (std::size_t n = 0; n < envelope.size(); ++n) {
+        const double clipped = std::min(std::max(envelope[n] * gain, -32768.0), 32767.0);
+        codes[n] = (clipped + Rounder) - Rounder;
+    }
+}
+
+void Digitise(const SceneSignal::Antenna& antenna, const ChainCapture& chain) {
+    const double gain = AmplitudeOf(chain.gainDb);
+    Digitise(antenna.re, gain, chain.i);
+    Digitise(antenna.im, gain, chain.q);
+    // A capture ends in a sample that isn't zero: zeros at its end would read as the padding of a shorter capture.
+    if (chain.i.back() == 0.0 && chain.q.back() == 0.0) chain.i.back() = 1.0;
+}
+
+/// Runs `add` on each source of the list that is on the air.
+template <typename T, typename Add>
+void AddAll(SceneSignal& signal, const Scene& scene, const std::vector<T>& sources, std::uint64_t kind, bool workload,
+            Add add) {
+    for (std::size_t k = 0; k < sources.size(); ++k) {
+        const Source& source = sources[k];
+        const auto state = StateAt(source, signal.startUs, workload);
+        if (!state.on) continue;
+        SourceLevel level;
+        level.id = kind << 32 | k;
+        // The two antennas stand apart, so that a source has another phase at each.
+        const double apart = Random(MixSeed({signal.sceneSeed, level.id})).Uniform();
+        for (std::size_t chain = 0; chain < 2; ++chain) {
+            const double gain =
+                AmplitudeOf(state.offsetDb + source.chainOffsetsDb[chain] + scene.chainOffsetsDb[chain]);
+            const auto phase = UnitAt(chain == 0 ? 0.0 : apart);
+            level.chainFactors[chain] = {gain * phase.re, gain * phase.im};
+        }
+        add(signal, sources[k], level);
+    }
+}
+
+}  // namespace
+
+SceneAir::SceneAir(std::string name, Scene scene, std::uint64_t seed)
+    : m_name(std::move(name)), m_scene(std::move(scene)), m_signal(std::make_unique<SceneSignal>()), m_seed(seed) {}
+
+SceneAir::~SceneAir() = default;
+
+std::string SceneAir::Describe() const {
+    const std::string text = Common::Format("simulated scene ${1}") % m_name;
+    return m_scene.description.empty() ? text : text + ": " + m_scene.description;
+}
+
+bool SceneAir::Capture(const CaptureRequest& request) {
+    if (request.chains.empty() || request.chains.front().i.empty() || !(request.sampleRateMhz > 0.0)) return false;
+    auto& signal = *m_signal;
+    signal.centreMhz = request.centreMhz;
+    signal.sampleRateMhz = request.sampleRateMhz;
+    signal.startUs = static_cast<double>(m_captures) * m_scene.captureIntervalUs;
+    signal.captureSeed = MixSeed({m_seed, m_captures});
+    signal.sceneSeed = m_seed;
+    signal.samples = request.chains.front().i.size();
+    signal.antennas.resize(request.chains.size());
+    for (std::size_t k = 0; k < request.chains.size(); ++k) {
+        signal.antennas[k].chain = request.chains[k].chain;
+        signal.antennas[k].re.assign(signal.samples, 0.0);
+        signal.antennas[k].im.assign(signal.samples, 0.0);
+    }
+    ++m_captures;
+
+    AddThermalNoise(signal, m_scene.noiseFigureDb);
+    AddAll(signal, m_scene, m_scene.noise, 1, m_workload, AddNoiseBand);
+    AddAll(signal, m_scene, m_scene.accessPoints, 2, m_workload, AddAccessPoint);
+    AddAll(signal, m_scene, m_scene.combs, 3, m_workload, AddComb);
+    AddAll(signal, m_scene, m_scene.tones, 4, m_workload, AddTone);
+
+    for (std::size_t k = 0; k < request.chains.size(); ++k)
+        Digitise(signal.antennas[k], request.chains[k]);
+    return true;
+}
+
+SourceState StateAt(const Source& source, double timeUs, bool workload) {
+    if (source.activity != Activity::Always && (source.activity == Activity::Workload) != workload) return {false, 0.0};
+    if (source.repeatUs > 0.0) timeUs = std::fmod(timeUs, source.repeatUs);
+    const auto& changes = source.changes;
+    const auto next = std::upper_bound(changes.begin(), changes.end(), timeUs,
+                                       [](double time, const Change& change) { return time < change.atUs; });
+    const Change before = next == changes.begin() ? Change{} : *std::prev(next);
+    SourceState state{before.on, before.offsetDb};
+    if (next != changes.end() && next->ramp)
+        state.offsetDb += (next->offsetDb - before.offsetDb) * (timeUs - before.atUs) / (next->atUs - before.atUs);
+    return state;
+}
+
+}  // namespace quayCommand

@@ -1,0 +1,142 @@
+#include "SimulatedAdapter.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "ChannelPlan.h"
+#include "GainModel.h"
+#include "QuayExceptions.h"
+
+namespace quayCommand {
+namespace {
+
+constexpr const char* SourceName = "Modules/QuayCommands/SimulatedAdapter";
+// Nobody's ids: they say that no real adapter answers.
+constexpr std::uint32_t SimulatedVendorId = 0x5144;
+constexpr std::uint32_t SimulatedSubsystemId = 0x0001;
+constexpr std::uint32_t SimulatedRevisionId = 0x01;
+
+/// The engine's board number of the radio's answer.
+std::uint32_t BoardNumber(std::uint32_t answer) {
+    return answer == 1 ? 0 : answer == 2 ? 1 : 2;
+}
+
+/// Hardware types without a told rate (5 and 8 among them) capture like the others of their time: twice the narrowest
+/// channel, or the channel's width if that is more.
+double CaptureRateMhz(std::uint32_t hwType, std::uint32_t bandwidth) {
+    const double rate = LumenSpectrumAnalyzer::SampleRateMhz(hwType, bandwidth);
+    return rate > 0.0 ? rate : std::max(40.0, static_cast<double>(WidthMhz(bandwidth)));
+}
+
+}  // namespace
+
+void SimulatedAdc::Reset() {
+    m_tuned = false;
+    m_selector = 0;
+    m_gains = {};
+}
+
+void SimulatedAdc::ConfigTxRx(const RxConfig* config) {
+    if (!config) throw CQuayMsgException("no receiver record", "ConfigTxRx", SourceName, __LINE__);
+    if (config->m_band > 2 || config->m_Bandwidth > 4)
+        throw CQuayMsgException("no such band or bandwidth", "ConfigTxRx", SourceName, __LINE__);
+    m_tuning = *config;
+    m_tuned = true;
+}
+
+void SimulatedAdc::SetManualGainA(const GainConfig& gain) {
+    for (std::size_t c = 0; c < MaxChains; ++c)
+        m_gains[c] = {gain.chains[c].preLna, gain.chains[c].internalGain};
+}
+
+void SimulatedAdc::SetManualGainB(const GainConfigB& gain) {
+    m_gains = {GainSetting{gain[4], gain[3]}, GainSetting{gain[9], gain[8]}};
+}
+
+void SimulatedAdc::SetManualGainC(const GainConfigC& gain) {
+    m_gains = {GainSetting{gain[5], gain[4]}, GainSetting{gain[11], gain[10]}};
+}
+
+void SimulatedAdc::GetCaptureState(CaptureState& out) {
+    out = {};  // idle
+}
+
+double SimulatedAdc::GainDb(unsigned chain) const {
+    using namespace LumenSpectrumAnalyzer;
+    const auto family = FamilyOfHardware(m_adapter.hwType).value_or(GainFamily::Plain);
+    return ManualGain(family, m_gains[chain].preLna, m_gains[chain].internalGain, m_tuning.m_band,
+                      chain == 0 ? "A" : "B", m_tuning.m_channel, BoardNumber(m_adapter.boardSku & 0xFF));
+}
+
+bool SimulatedAdc::ReadCapture(const AdcReadRequest&, double** i, double** q) {
+    const auto selected = m_selector ? m_selector : m_tuning.m_currChain;
+    if (!m_tuned || selected == 0 || (selected & ~m_adapter.antennaMask) != 0) return false;
+    std::array<ChainCapture, MaxChains> chains;
+    std::size_t used = 0;
+    for (unsigned chain = 0; chain < MaxChains; ++chain) {
+        if ((selected >> chain & 1) == 0) continue;
+        chains[used] = {chain, GainDb(chain), {i[used], m_adapter.samples}, {q[used], m_adapter.samples}};
+        ++used;
+    }
+    CaptureRequest request;
+    request.centreMhz = ChannelCentreMhz(m_tuning.m_band, m_tuning.m_channel);
+    request.sampleRateMhz = CaptureRateMhz(m_adapter.hwType, m_tuning.m_Bandwidth);
+    request.bandwidthMhz = WidthMhz(m_tuning.m_Bandwidth);
+    request.chains = std::span(chains).first(used);
+    return m_air.Capture(request);
+}
+
+bool SimulatedAdc::ReadCaptureEx(const AdcReadRequest& request, double** i, double** q, std::uint8_t* metadata) {
+    if (metadata) std::memset(metadata, 0, CaptureMetadataBytes);
+    return ReadCapture(request, i, q);
+}
+
+void SimulatedAdc::GetUcodeVersion(std::array<std::uint32_t, 2>& out) {
+    out = {72, 1};
+}
+
+void SimulatedAdc::GetDriverVersion(std::array<char, 256>& out) {
+    constexpr char text[] = "0.1.0.0 simulated";
+    out.fill('\0');
+    std::memcpy(out.data(), text, sizeof text);
+}
+
+void SimulatedAdc::GetUscVersion(std::array<std::uint32_t, 4>& out) {
+    out = {0, 1, 0, 0};
+}
+
+void SimulatedAdc::GetSVDriverVersion(std::array<std::uint32_t, 4>& out) {
+    out = {0, 1, 0, 0};
+}
+
+std::uint32_t SimulatedWifi::GetVendorId() {
+    return SimulatedVendorId;
+}
+
+std::uint32_t SimulatedWifi::GetSubsystemId() {
+    return SimulatedSubsystemId;
+}
+
+std::uint32_t SimulatedWifi::GetRevisionId() {
+    return SimulatedRevisionId;
+}
+
+void SimulatedWifi::SetLmac(std::uint32_t band) {
+    if (band > 2) throw CQuayMsgException("no MAC for this band", "SetLmac", SourceName, __LINE__);
+}
+
+bool SimulatedNvm::IsChannelSupported(std::uint32_t channel, std::uint32_t bandwidth, std::uint32_t band) {
+    return m_adapter.bands.contains(band) && IsChannel(band, bandwidth, channel);
+}
+
+void SimulatedNvm::SetMcc(std::uint16_t code, bool apply) {
+    m_storedMcc = code;
+    m_applyStored = apply;
+}
+
+void SimulatedNvm::ApplyMcc() {
+    if (m_applyStored && !IsKnownCountry(m_storedMcc))
+        throw CQuayMsgException("no regulatory profile for this country", "ApplyMcc", SourceName, __LINE__);
+}
+
+}  // namespace quayCommand

@@ -1,0 +1,43 @@
+// The adapter in use with all that hangs on it, made from a set-up.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "MonitoredRadio.h"
+#include "RadioSetup.h"
+#include "SceneAir.h"
+#include "SimulatedAdapter.h"
+
+namespace quayCommand {
+
+/// Adapter, air, journal and fault plan of one set-up. Never moves: its parts point at each other.
+class Station {
+public:
+    /// @return the reason when the set-up is refused, else `out` is filled
+    static std::optional<std::string> Make(const RadioSetup& setup, std::unique_ptr<Station>& out);
+
+    IWifiCommands* Wifi() { return &m_wifi; }
+    NvmCommands* Nvm() { return &m_nvm; }
+    std::string AdapterDescriptionText() const { return AdapterText(m_adapter); }
+    std::string AirText() const { return m_air->Describe(); }
+    std::optional<std::string> Trouble() const { return m_journal.Trouble(); }
+    bool SetWorkload(bool running);
+
+private:
+    Station(AdapterDescription adapter, std::unique_ptr<IAir> air, SceneAir* scene, FaultPlan faults);
+
+    AdapterDescription m_adapter;
+    std::unique_ptr<IAir> m_air;
+    SceneAir* m_scene;  ///< the same air, when it is a scene
+    Journal m_journal;
+    FaultPlan m_faults;
+    CallMonitor m_monitor{m_journal, m_faults};
+    SimulatedWifi m_bareWifi;
+    SimulatedNvm m_bareNvm;
+    MonitoredWifi m_wifi;
+    MonitoredNvm m_nvm;
+};
+
+}  // namespace quayCommand

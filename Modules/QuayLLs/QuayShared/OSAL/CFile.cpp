@@ -1,0 +1,81 @@
+#include "CFile.h"
+
+#include <algorithm>
+
+#include "OSAL.h"
+
+namespace OSAL {
+
+namespace {
+using Guard = SyncObjectsOSAL::Entered<SyncObjectsOSAL::CriticalSectionOSAL>;
+}  // namespace
+
+std::string CFile::GetFullPath() const {
+    const Guard guard(m_lock);
+    return m_path;
+}
+
+void CFile::GetFileName(char* out) const {
+    constexpr std::size_t bufferSize = 260;
+    const Guard guard(m_lock);
+    const auto length = m_name.copy(out, bufferSize - 1);
+    out[length] = '\0';
+}
+
+bool CFile::Open() {
+    const Guard guard(m_lock);
+    try {
+        if (!m_directory.empty() && !CreateDirectory(m_directory)) return false;
+        m_stream.close();
+        m_stream.clear();
+        m_stream.open(m_path, std::ios_base::out | std::ios_base::trunc | std::ios_base::binary);
+        return m_stream.is_open();
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+bool CFile::Write(const std::vector<std::string>& strings) {
+    const Guard guard(m_lock);
+    for (const auto& text : strings)
+        m_stream << text;
+    return true;
+}
+
+bool CFile::Write(const std::string& text) {
+    const Guard guard(m_lock);
+    m_stream << text;
+    return true;
+}
+
+bool CFile::WriteLine(const std::string& text) {
+    const Guard guard(m_lock);
+    m_stream << text << "\r\n";
+    return true;
+}
+
+void CFile::Close() {
+    const Guard guard(m_lock);
+    m_stream.close();
+}
+
+void CFile::SetPath(const std::string& path) {
+    const Guard guard(m_lock);
+    m_path = path;
+    m_directory = DirectoryOf(path);
+    const auto file = FileNameOf(path);
+    m_name = StemOf(file);
+    m_extension = file.substr(m_name.size());
+}
+
+void CFile::Rename(const std::string& newName) {
+    const Guard guard(m_lock);
+    m_name = newName;
+    m_path = m_directory + m_name + m_extension;
+    m_stream.close();
+    m_stream.clear();
+    m_stream.open(m_path, std::ios_base::out | std::ios_base::app | std::ios_base::binary);
+    if (!m_stream.is_open()) throw std::ios_base::failure("Couldn't open file");
+}
+
+}  // namespace OSAL

@@ -1,0 +1,199 @@
+// Files and folders by POSIX calls. A path with a zero byte in it names nothing, as the system would cut it there.
+#include <dirent.h>
+#include <fcntl.h>
+#include <limits.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <system_error>
+#include <vector>
+
+#include "OSAL.h"
+
+namespace OSAL {
+
+namespace {
+
+struct Closer {
+    FileHandle handle;
+    ~Closer() { CloseFile(handle); }
+};
+
+bool IsUsable(const std::string& path) {
+    return !path.empty() && path.find('\0') == std::string::npos;
+}
+
+bool StatOf(const std::string& path, struct stat& status) {
+    return IsUsable(path) && stat(path.c_str(), &status) == 0;
+}
+
+bool LinkStatOf(const std::string& path, struct stat& status) {
+    return IsUsable(path) && lstat(path.c_str(), &status) == 0;
+}
+
+/// The open flags of a mode; false when the mode asks for nothing.
+bool FlagsOf(unsigned mode, bool openExisting, int& flags) {
+    if (mode & Append)
+        flags = O_APPEND | O_CREAT | (mode & (ReadOnly | ReadWrite) ? O_RDWR : O_WRONLY);
+    else if (mode & (ReadOnly | ReadWrite))
+        flags = (mode & ReadWrite ? O_RDWR : O_RDONLY) | (openExisting ? 0 : O_CREAT | O_TRUNC);
+    else
+        return false;
+    flags |= O_CLOEXEC;
+    return true;
+}
+
+ssize_t ReadSome(int file, void* buffer, std::size_t size) {
+    ssize_t got;
+    do {
+        got = read(file, buffer, size);
+    } while (got < 0 && errno == EINTR);
+    return got;
+}
+
+int CopyContents(FileHandle source, FileHandle target) {
+    std::vector<char> buffer(1 << 16);
+    for (;;) {
+        const auto got = ReadSome(static_cast<int>(source), buffer.data(), buffer.size());
+        if (got < 0) return Failure;
+        if (got == 0) return Success;
+        std::size_t written = 0;
+        if (WriteFile(target, buffer.data(), static_cast<std::size_t>(got), written) != Success) return Failure;
+    }
+}
+
+bool IsSameFile(FileHandle a, FileHandle b) {
+    struct stat first, second;
+    return fstat(static_cast<int>(a), &first) == 0 && fstat(static_cast<int>(b), &second) == 0 &&
+           first.st_dev == second.st_dev && first.st_ino == second.st_ino;
+}
+
+}  // namespace
+
+std::string NativePath(std::string path) {
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
+int GetModuleDirectory(std::string& out) {
+    std::array<char, PATH_MAX> buffer;
+    const auto length = readlink("/proc/self/exe", buffer.data(), buffer.size());
+    if (length <= 0 || static_cast<std::size_t>(length) == buffer.size()) return Failure;
+    out = DirectoryOf(std::string(buffer.data(), static_cast<std::size_t>(length)));
+    return Success;
+}
+
+bool IsLink(const std::string& path) {
+    struct stat status;
+    if (!LinkStatOf(path, status)) return false;
+    return S_ISLNK(status.st_mode) || (S_ISREG(status.st_mode) && status.st_nlink > 1);
+}
+
+int CopyFile(const std::string& from, const std::string& to) {
+    const Closer source{OpenFile(from, ReadOnly, true)};
+    if (source.handle == InvalidFile) return Failure;
+    // Opened without emptying it first: a file copied onto itself would be lost.
+    struct stat status;
+    const bool exists = StatOf(to, status);
+    const Closer target{OpenFile(to, ReadWrite, exists)};
+    if (target.handle == InvalidFile || IsSameFile(source.handle, target.handle)) return Failure;
+    if (exists && ftruncate(static_cast<int>(target.handle), 0) != 0) return Failure;
+    return CopyContents(source.handle, target.handle);
+}
+
+std::vector<std::string> ListDirectory(const std::string& folder) {
+    std::vector<std::string> names;
+    if (!IsUsable(folder)) return names;
+    struct CloseDirectory {
+        void operator()(DIR* directory) const { closedir(directory); }
+    };
+    const std::unique_ptr<DIR, CloseDirectory> directory(opendir(folder.c_str()));
+    if (!directory) return names;
+    while (const dirent* entry = readdir(directory.get())) {
+        const std::string name = entry->d_name;
+        if (name != "." && name != ".." && name != "result.csv") names.push_back(name);
+    }
+    return names;
+}
+
+bool DirectoryExists(const std::string& path) {
+    struct stat status;
+    return StatOf(path, status) && S_ISDIR(status.st_mode);
+}
+
+bool CreateDirectory(const std::string& path) {
+    if (!IsUsable(path)) return false;
+    std::error_code error;
+    std::filesystem::create_directories(path, error);
+    return DirectoryExists(path);
+}
+
+bool FileExists(const std::string& path) {
+    struct stat status;
+    if (!LinkStatOf(path, status)) return false;
+    if (S_ISDIR(status.st_mode) || DirectoryExists(path)) return false;
+    if (S_ISLNK(status.st_mode)) throw exception("the given file is a symbolic link - not supportted");
+    return true;
+}
+
+int ReplaceFile(const std::string& from, const std::string& to) {
+    if (!IsUsable(from) || !IsUsable(to)) return Failure;
+    if (std::rename(from.c_str(), to.c_str()) == 0) return Success;
+    if (errno != EXDEV) return Failure;
+    // Another file system: copy beside the target first, so that the target is never half written.
+    const std::string beside = to + ".new";
+    if (CopyFile(from, beside) == Success && std::rename(beside.c_str(), to.c_str()) == 0) {
+        unlink(from.c_str());
+        return Success;
+    }
+    unlink(beside.c_str());
+    return Failure;
+}
+
+FileHandle OpenFile(const std::string& path, unsigned mode, bool openExisting) {
+    int flags = 0;
+    if (!IsUsable(path) || !FlagsOf(mode, openExisting, flags)) return InvalidFile;
+    int file;
+    do {
+        file = open(path.c_str(), flags, 0666);
+    } while (file < 0 && errno == EINTR);
+    if (file < 0) return InvalidFile;
+    struct stat status;
+    if (fstat(file, &status) != 0 || S_ISDIR(status.st_mode)) {
+        close(file);
+        return InvalidFile;
+    }
+    return file;
+}
+
+int WriteFile(FileHandle file, const void* data, std::size_t size, std::size_t& written) {
+    written = 0;
+    if (file < 0 || (!data && size > 0)) return Failure;
+    const auto* bytes = static_cast<const char*>(data);
+    while (written < size) {
+        const auto count = write(static_cast<int>(file), bytes + written, size - written);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return Failure;
+        written += static_cast<std::size_t>(count);
+    }
+    return Success;
+}
+
+void CloseFile(FileHandle file) {
+    if (file >= 0) close(static_cast<int>(file));
+}
+
+int FormatSystemError(std::int32_t code, std::string& out) {
+    out = std::system_category().message(code);
+    if (!out.starts_with("Unknown error")) return Success;
+    out.clear();
+    return Failure;
+}
+
+}  // namespace OSAL

@@ -1,0 +1,80 @@
+// The command set: all keys of the flows, in the order of their turns on a line.
+#include <array>
+#include <vector>
+
+#include "FlowKeys.h"
+#include "TarnWifiFlows.h"
+#include "Trace.h"
+
+namespace {
+
+constexpr auto CommonKeys = std::to_array<FlowKey<TarnCommonFlows>>({
+    {"-channel_average_sweep_val", &TarnCommonFlows::SetChannelAverageSweepVal},
+    {"-maxhold", &TarnCommonFlows::SetMaxHold},
+    {"-histogram", &TarnCommonFlows::SetHistogram},
+    {"-frequency_compensation", &TarnCommonFlows::SetFrequencyCompensation},
+    {"-channel_average", &TarnCommonFlows::SetChannelAverage},
+    {"-get_channel_average", &TarnCommonFlows::GetChannelAverage},
+    {"-channel_average_counter", &TarnCommonFlows::SetChannelAverageCounter},
+    {"-update_spectrum", &TarnCommonFlows::UpdateSpectrum},
+    {"-update_iq", &TarnCommonFlows::UpdateIQ},
+    {"-update_maxhold", &TarnCommonFlows::UpdateMaxHold},
+    {"-update_channel_average", &TarnCommonFlows::UpdateChannelAverage},
+    {"-clear_average", &TarnCommonFlows::ClearAverage},
+    {"-update_histogram", &TarnCommonFlows::UpdateHistogram},
+    {"-get_power_per_chain", &TarnCommonFlows::GetPowerByChain},
+    {"-save_spectrum", &TarnCommonFlows::SaveSpectrum},
+    {"-save_IQ", &TarnCommonFlows::SaveIQ},
+    {"-save_maxhold", &TarnCommonFlows::SaveMaxHold},
+});
+
+constexpr auto WifiKeys = std::to_array<FlowKey<TarnWifiFlows>>({
+    {"-get_supported_config", &TarnWifiFlows::SupportedConfigToString},
+    {"-reset_config", &TarnWifiFlows::ResetConfig},
+    {"-band", &TarnWifiFlows::SetBand},
+    {"-bandwidth", &TarnWifiFlows::SetBandwidth},
+    {"-channel", &TarnWifiFlows::SetChannel},
+    {"-gain_file_name", &TarnWifiFlows::SetGainFileLoadingParams},
+    {"-set_gain_from_file", &TarnWifiFlows::SetGainFromFile},
+    {"-reset_first_run_flags", &TarnWifiFlows::ResetFirstRunFlags},
+    {"-internal_gain", &TarnWifiFlows::SetInternalGain},
+    {"-preLNA_resistor", &TarnWifiFlows::SetPreLnaResistor},
+    {"-external_gain", &TarnWifiFlows::SetExternalGain},
+    {"-chain", &TarnWifiFlows::SetChain},
+    {"-rbw", &TarnWifiFlows::SetRbw},
+    {"-power_deembedding", &TarnWifiFlows::SetPowerDeembedding},
+    {"-noise_floor", &TarnWifiFlows::SetNoiseFloor},
+    {"-save_rbw_power", &TarnWifiFlows::SaveSpectrumByRBW},
+    {"-find_peaks", &TarnWifiFlows::FindPeaks},
+    {"-update_peaks", &TarnWifiFlows::UpdatePeaksData},
+    {"-save_peaks", &TarnWifiFlows::SavePeaks},
+    {"-read_adc_samples_from_file", &TarnWifiFlows::ReadADCSamplesFromFile},
+    {"-get_supported_channels", &TarnWifiFlows::GetSupportedChannels},
+    {"-get_supported_chains", &TarnWifiFlows::GetSupportedChains},
+    {"-mcc_profile", &TarnWifiFlows::SetMccValue},
+    {"-set_mcc", &TarnWifiFlows::ReloadMccProfile},
+    {"-clear_freq_power_data", &TarnWifiFlows::ClearFreqPowerData},
+    {"-get_platform_info", &TarnWifiFlows::GetPlatformInfo},
+    {"-trigger_now", &TarnWifiFlows::TriggerNow},
+    {"-export_freq_power", &TarnWifiFlows::ExportAllFreqPowerData},
+});
+
+}  // namespace
+
+void TarnCommonFlows::Init() {
+    TRACE_SCOPE("TarnCommonFlows::Init");
+    AddFlowKeys<TarnCommonFlows>(*this, CommonKeys);
+}
+
+void TarnWifiFlows::RegisterKeys() {
+    AddFlowKeys<TarnWifiFlows>(*this, WifiKeys);
+}
+
+std::vector<std::string> TarnWifiFlows::KeyNames() {
+    std::vector<std::string> names;
+    for (const auto& key : CommonKeys)
+        names.emplace_back(key.name);
+    for (const auto& key : WifiKeys)
+        names.emplace_back(key.name);
+    return names;
+}

@@ -1,0 +1,221 @@
+// The flow object as the host drives it: Init, RunCommand, DeInit.
+#include <algorithm>
+#include <stdexcept>
+
+#include "CSampleClover.h"
+#include "CmdLine.h"
+#include "FlowFailure.h"
+#include "LumenSAAsh2.h"
+#include "LumenSAAsh4.h"
+#include "LumenSABay.h"
+#include "LumenSAElmOak.h"
+#include "LumenSAFirYew.h"
+#include "LumenSAPine.h"
+#include "LumenSARowan.h"
+#include "NvmDocuments.h"
+#include "TarnWifiFlows.h"
+
+using Streams::TraceInfo;
+using Streams::TraceWarning;
+namespace Engines = LumenSpectrumAnalyzer;
+
+namespace {
+
+constexpr std::array<std::uint32_t, 3> GlnPlatforms{0x7AF0, 0x51F0, 0x54F0};
+constexpr std::array<std::uint32_t, 2> CrkPlatforms{0x7F70, 0x7E40};
+constexpr const char* CrkWorkloadFile = "Workload_CRK.bitcfg";
+/// Hardware that starts with the profile of a country instead of the device's own.
+constexpr std::array<std::uint32_t, 7> CountryHardware{21, 22, 23, 26, 27, 29, 30};
+
+template <typename List>
+bool Holds(const List& list, std::uint32_t value) {
+    return std::ranges::find(list, value) != list.end();
+}
+
+}  // namespace
+
+TarnWifiFlows::TarnWifiFlows(IHostOutput* host) : m_host(host) {}
+
+TarnWifiFlows::~TarnWifiFlows() = default;
+
+// What an operation needs.
+
+quayCommand::IWifiCommands& TarnWifiFlows::Wifi() {
+    if (m_wifi) return *m_wifi;
+    ThrowLogged("TarnWifiFlows::Wifi", "There is no adapter: it was not initialised");
+}
+
+quayCommand::IAdcCommands& TarnWifiFlows::Adc() {
+    if (m_adc) return *m_adc;
+    ThrowLogged("TarnWifiFlows::Adc", "There is no receiver: the adapter was not initialised");
+}
+
+quayCommand::NvmCommands& TarnWifiFlows::Nvm() {
+    if (m_nvm) return *m_nvm;
+    ThrowLogged("TarnWifiFlows::Nvm", "There is no access to the adapter's memory: the adapter was not initialised");
+}
+
+quayCommand::IDeviceInfo& TarnWifiFlows::DeviceInfo() {
+    if (auto* info = Wifi().GetDeviceInfo()) return *info;
+    ThrowLogged("TarnWifiFlows::DeviceInfo", "The adapter tells nothing about itself");
+}
+
+WifiAdc::CSampleCommon& TarnWifiFlows::Sampler() {
+    if (m_sampler) return *m_sampler;
+    ThrowLogged("TarnWifiFlows::Sampler", "There is no capture object: the adapter was not initialised");
+}
+
+// Start and stop.
+
+void TarnWifiFlows::Release() {
+    m_sampler.reset();
+    m_lmnSA.reset();
+    for (auto& [tableId, rows] : m_channelTables)
+        rows.clear();
+    GetProcessor().GetParser().Clear();
+}
+
+void TarnWifiFlows::Init() {
+    TRACE_SCOPE("TarnWifiFlows::Init");
+    Release();  // a host that initialises twice: the adapter of before may be gone
+    m_adc = nullptr;
+    m_nvm = nullptr;
+    m_wifi = CommandFactory::GetInstance().getWifiInstance();
+    if (!Wifi().IsConnected()) {
+        TRACE(TraceWarning, "Wifi not connected");
+        return;
+    }
+    TarnCommonFlows::Init();
+    RegisterKeys();
+    m_cardType = m_wifi->GetCardType();
+    m_hwType = m_wifi->GetHwType();
+    TRACE(TraceInfo, Common::Format("m_hwType = ${1}, m_cardType = ${2}") % m_hwType % m_cardType);
+    m_adc = m_wifi->GetAdcObject();
+    InitLumen();
+    IdentifyPlatform();
+    m_nvm = CommandFactory::GetInstance().getNvmInstance();
+    if (const std::string* document = NvmDocumentOfHardware(m_hwType)) Nvm().SetMetadata(*document);
+    Nvm().GetMacAddress(m_macAddress);
+    if (Holds(CountryHardware, m_hwType)) SetMccValue("US");
+    TarnWifiFlows::ReloadMccProfile();  // text answers, in the front-end variant too
+    m_firstGainLookup = true;
+    m_consecutiveRuns = 0;
+}
+
+void TarnWifiFlows::InitLumen() {
+    TRACE_SCOPE("TarnWifiFlows::InitLumen");
+    const auto make = [this]<typename Engine, typename Capture, typename... Arguments>(Arguments... arguments) {
+        auto engine = std::make_unique<Engine>(arguments...);
+        m_sampler = std::make_unique<Capture>(m_adc, engine.get());
+        m_lmnSA = std::move(engine);
+    };
+    using namespace WifiAdc;
+    switch (m_hwType) {
+        case 5:
+        case 6:
+        case 7:
+        case 8:
+            return make.operator()<Engines::CLmnElmOak, CSampleSorrel>();
+        case 9:
+            return make.operator()<Engines::CLmnSA, CSampleTansy>();
+        case 11:
+        case 12:
+        case 13:
+        case 14:
+        case 15:
+            return make.operator()<Engines::CLmnSA, CSampleYarrow>();
+        case 16:
+        case 17:
+        case 20:
+        case 24:
+            return make.operator()<Engines::CLmnFirYew, CSampleYarrow>();
+        case 21:
+        case 25:
+        case 28:
+            return make.operator()<Engines::CLmnAsh2, CSampleYarrow>(GetAshBayBoardSKU());
+        case 22:
+            return make.operator()<Engines::CLmnBay, CSampleYarrow>(GetAshBayBoardSKU());
+        case 23:
+            return make.operator()<Engines::CLmnAsh4, CSampleYarrow>(GetAshBayBoardSKU());
+        case 26:
+        case 27:
+            return make.operator()<Engines::CLmnPine, CSampleClover>();
+        case 29:
+            return make.operator()<Engines::CLmnRowan, CSampleClover>(GetAshBayBoardSKU());
+        case 30:
+            return make.operator()<Engines::CLmnSA, CSampleClover>();
+        default:
+            TRACE(Streams::TraceError, "Unknown device");
+            throw std::runtime_error("Unknown device");
+    }
+}
+
+void TarnWifiFlows::IdentifyPlatform() {
+    TRACE_SCOPE("TarnWifiFlows::Init");
+    const std::uint32_t deviceId = m_wifi->GetPlatformDeviceId();
+    m_isGLN = Holds(GlnPlatforms, deviceId);
+    m_vesperChainMode = m_isGLN ? 2 : 1;
+    m_vesperIterations = m_isGLN ? 25 : 10;
+    if (m_isGLN) {
+        TRACE(TraceInfo, "GLN platform was identified");
+    } else {
+        m_lmnSA->SetIsBRK(true);
+        TRACE(TraceInfo, "None GLN platform was identified");
+    }
+    if (Holds(CrkPlatforms, deviceId)) {
+        TRACE(TraceInfo, "CRK Detected, Changing bitconfig file");
+        m_workloadFile = CrkWorkloadFile;
+    }
+}
+
+void TarnWifiFlows::DeInit() {
+    TRACE_SCOPE("TarnWifiFlows::DeInit");
+    const SyncObjectsOSAL::Locked locked(*m_sampleLock);
+    Release();
+}
+
+// One line of keys.
+
+void TarnWifiFlows::RunKeys(std::string& line) {
+    CmdLine::TokenList tokens = CmdLine::Tokenize(line);
+    GetProcessor().GetParser().Parse(tokens);
+    line = CmdLine::JoinTokens(tokens);
+    if (!tokens.empty()) throw new CmdLine::Exceptions::ParsingException("Unrecognized command line option: " + line);
+}
+
+std::int32_t TarnWifiFlows::RunCommand(std::string& line, std::string& output, std::string& error, bool plainOutput) {
+    TRACE_SCOPE("TarnWifiFlows::RunCommand");
+    exitCode = 0;
+    m_plainOutput = plainOutput;
+    error.clear();
+    exitCode = RunGuarded([&] {
+        try {
+            RunKeys(line);
+        } catch (...) {
+            // A capture that failed may have left the lock held; at its maximum nothing changes.
+            m_sampleLock->Release(1);
+            if (const auto text = Common::CurrentExceptionText()) error = *text + "\n";
+            throw;
+        }
+    });
+    if (!error.empty()) m_response = "ERROR:" + error;
+    output = std::move(m_response);
+    m_response.clear();
+    return exitCode;
+}
+
+// What the host gets.
+
+void TarnWifiFlows::Output(std::string text) {
+    TRACE_SCOPE("TarnWifiFlows::Output");
+    if (m_host) m_host->Output(std::move(text));
+}
+
+void TarnWifiFlows::OutputObject(std::string, std::string) {
+    TRACE_SCOPE("TarnWifiFlows::OutputObject");
+}
+
+void TarnWifiFlows::OutputError(std::string text) {
+    TRACE_SCOPE("TarnWifiFlows::OutputError");
+    if (m_host) m_host->OutputError(std::move(text));
+}

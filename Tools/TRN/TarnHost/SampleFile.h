@@ -1,0 +1,19 @@
+// Sample files as an analysis reads them: one sample a line, "I ,Q" in whole ADC codes.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "Outcome.h"
+#include "RadioCapture.h"
+
+namespace TarnHost {
+
+/// The text of a sample file. ADC codes are whole numbers of 16 bits.
+std::string SampleText(const Samples& samples);
+
+/// Writes beside the file's place and renames, so that a failure leaves nothing half written.
+std::optional<Failure> WriteWhole(const std::filesystem::path& path, const std::string& text);
+
+}  // namespace TarnHost

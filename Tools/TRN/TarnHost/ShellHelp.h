@@ -1,0 +1,23 @@
+// What the shell knows of the command language: help and completion, out of the one table of keys.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace TarnHost {
+
+/// How to begin, and every key by group.
+std::string HelpText();
+
+/// One key: argument, values, help. Nearby keys when there is none of that name; "-" may be left out.
+std::string HelpText(std::string_view key);
+
+/// Ends that the text before the cursor can take: whole replacements of its last word, sorted. Keys, values of the key
+/// before, entries of folders, the shell's own commands.
+std::vector<std::string> Completions(std::string_view beforeCursor);
+
+/// What all have in common at their start.
+std::string CommonStart(const std::vector<std::string>& candidates);
+
+}  // namespace TarnHost

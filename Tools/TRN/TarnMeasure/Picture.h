@@ -1,0 +1,19 @@
+// A measurement as a picture: PNG, SVG or PDF by the file's ending.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "Measurement.h"
+
+namespace TarnMeasure {
+
+/// Draws one channel (spectrum, max hold, average, peak marks, a panel a chain) or a scan (all channels on one axis,
+/// with a bar at each channel's power). Written beside and renamed, so that an old picture is never half replaced.
+/// @return the reason when it can't be written
+std::optional<std::string> WritePicture(const Result& result, const std::string& path);
+
+/// True for an ending that WritePicture knows.
+bool IsPicturePath(const std::string& path);
+
+}  // namespace TarnMeasure

@@ -1,0 +1,37 @@
+// A measurement as text for a person, as CSV, and as JSON. Every number says what it is.
+#pragma once
+
+#include <string>
+
+#include "Measurement.h"
+
+namespace TarnMeasure {
+
+/// Table of channels, the strongest first, and the peaks of each. `columns` is the terminal's width, 0 for none.
+std::string TableText(const Result& result, std::size_t columns);
+
+/// One line a bin of each channel and chain: channel, chain, frequency in MHz, spectrum, max hold and average in dBm in
+/// one RBW; graphs that weren't asked for are empty fields. Lines end in a line feed.
+std::string CsvText(const Result& result);
+
+/// One JSON object with settings, units, channels, chains, peaks and graphs. `indent` below 0 writes one line.
+std::string JsonText(const Result& result, int indent);
+
+/// The settings in one line: "Band 5.2 GHz, channel 36, 20 MHz, chain AB, RBW 78.125 kHz, 50 sweeps".
+std::string SettingsText(const Result& result);
+
+/// Indices of the channels, the strongest channel power of any chain first.
+std::vector<std::size_t> WorstFirst(const Result& result);
+
+/// The strongest channel power of a channel's chains, in dBm over the channel.
+double WorstPowerDbm(const ChannelResult& channel);
+
+/// Frequency in MHz of a bin of a graph with `bins` bins.
+double BinMhz(const ChannelResult& channel, std::size_t bin, std::size_t bins);
+
+/// "39.0625" and the like: the shortest text that reads back as the value.
+std::string ShortText(double value);
+/// With a fixed number of decimals; "-inf" and "nan" for what has none.
+std::string FixedText(double value, int decimals);
+
+}  // namespace TarnMeasure

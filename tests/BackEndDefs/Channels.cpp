@@ -1,0 +1,153 @@
+#include <gtest/gtest.h>
+
+#include "FailureOf.h"
+#include "WifiDefs.h"
+
+namespace {
+
+using namespace BackEnd::Wifi;
+using enum EBand;
+using enum EBandWidth;
+
+constexpr EBand bands[] = {Band2_4GHz, Band5GHz, Band6GHz};
+constexpr EBandWidth badWidth{3};  // no width has this code
+
+struct Width {
+    EBandWidth width;
+    int mhz;
+    int tones;  // of the null data packet: 18 for each 20 MHz
+};
+constexpr Width widths[] = {{Width10, 10, 0},  {Width20, 20, 18},    {Width40, 40, 36},
+                            {Width80, 80, 72}, {Width160, 160, 144}, {Width320, 320, 288}};
+
+/// Worked out from the bands' edges: wide channels are bonded from neighbours of the next smaller width.
+/// @param first, last  the 20 MHz channels of one run without gaps
+std::set<int> Bonded(int first, int last, int mhz, int step) {
+    std::set<int> channels;
+    const int neighbours = mhz / 20;
+    for (int low = first; low + (neighbours - 1) * 4 <= last; low += step)
+        channels.insert(low + (neighbours - 1) * 2);
+    return channels;
+}
+
+std::set<int> Expected(EBand band, int mhz) {
+    if (mhz == 10) return {};
+    const int stride = mhz / 5;  // channel numbers are 5 MHz apart
+    if (band == Band2_4GHz) {
+        // Any channel may be a control channel; a 40 MHz channel needs both of its halves within 1 to 13.
+        if (mhz == 20) return Bonded(1, 14, 20, 1);
+        return mhz == 40 ? Bonded(1, 13, 40, 1) : std::set<int>();
+    }
+    if (band == Band6GHz) {
+        std::set<int> channels = Bonded(1, 233, mhz, stride);
+        if (mhz == 320)  // these overlap by half
+            channels.merge(Bonded(33, 233, mhz, stride));
+        return channels;
+    }
+    if (mhz == 320) return {};
+    std::set<int> channels = Bonded(36, 144, mhz, stride);
+    channels.merge(Bonded(149, 181, mhz, stride));
+    return channels;
+}
+
+TEST(Channels, OfEachBandAndWidthAreBondedFrom20MHzChannels) {
+    for (const EBand band : bands)
+        for (const Width& width : widths)
+            EXPECT_EQ(GetChannelSet(band, width.width), Expected(band, width.mhz))
+                << static_cast<int>(band) << " " << width.mhz;
+    EXPECT_EQ(&GetChannelSet(Band5GHz, Width80Of160), &GetChannelSet(Band5GHz, Width160));
+}
+
+TEST(Channels, BelongToTheFirstBandThatHasTheirNumber) {
+    for (int channel = -5; channel <= 260; ++channel) {
+        EBand expected = noBand;
+        for (const EBand band : {Band6GHz, Band5GHz, Band2_4GHz})
+            for (const Width& width : widths)
+                if (Expected(band, width.mhz).contains(channel)) expected = band;
+        EXPECT_EQ(GetChannelBand(channel), expected) << channel;
+    }
+}
+
+TEST(Channels, HaveCentresAndTitlesByTheRuleOfTheirBand) {
+    // Where channel number 0 of each band would lie, in MHz.
+    const int origins[] = {2407, 5000, 5950};
+    for (const EBand band : bands)
+        for (const Width& width : widths)
+            for (const int channel : GetChannelSet(band, width.width)) {
+                const unsigned mhz = static_cast<unsigned>(origins[static_cast<int>(band)] + 5 * channel);
+                EXPECT_EQ(GetChannelFrequency(static_cast<unsigned>(channel), band), mhz) << channel;
+                const std::string mark = band == Band2_4GHz && width.mhz == 40 ? "F / " : " / ";
+                EXPECT_EQ(GetChannelTitle(static_cast<unsigned>(channel), band, width.width),
+                          std::to_string(channel) + mark + std::to_string(mhz) + " MHz");
+            }
+    EXPECT_EQ(GetChannelFrequency(14, Band2_4GHz), 2477u);
+    EXPECT_EQ(GetChannelFrequency(1, Band5GHz), 5005u) << "a number of another band is reckoned by this one's rule";
+    for (const unsigned none : {0u, 300u, 235u, 0xFFFFFFFFu})
+        EXPECT_EQ(GetChannelFrequency(none, Band5GHz), 0u);
+    EXPECT_EQ(GetChannelTitle(300, Band6GHz, Width10), "300 / 0 MHz");
+    EXPECT_EQ(GetChannelTitle(6, Band2_4GHz, EBandWidth{2081}), "6F / 2437 MHz");
+}
+
+TEST(Widths, HaveOneToneSetAndOnePositionForEachControlChannel) {
+    for (const Width& width : widths) {
+        if (width.mhz == 10) continue;
+        const std::set<int>& tones = GetNdpToneSet(width.width);
+        EXPECT_EQ(tones.size(), static_cast<std::size_t>(width.tones));
+        EXPECT_TRUE(*tones.begin() == 1 && *tones.rbegin() == width.tones) << width.mhz;
+    }
+    const std::set<EControlChannel> sixteen = GetSubChannels(Width320);
+    for (const auto& [value, text] : CoreTypes::MetaType<EBandWidth>::Get().Displays()) {
+        // As many positions as control channels fit, but one alone needs no name: the lower half counts up from the
+        // lowest, the upper half down from the highest, and the two in the middle have names of their own.
+        int control = 20, whole = 0;
+        if (std::sscanf(text.c_str(), "%d/%d", &control, &whole) != 2) {
+            control = 20;
+            whole = std::stoi(text);
+        }
+        const int count = whole / control > 1 ? whole / control : 0;
+        std::set<EControlChannel> expected;
+        for (int half = 0; half < count / 2; ++half) {
+            const bool middle = half == count / 2 - 1 && half > 0;
+            expected.insert(EControlChannel{middle ? 7 : half});
+            expected.insert(EControlChannel{middle ? 8 : 15 - half});
+        }
+        EXPECT_EQ(GetSubChannels(static_cast<EBandWidth>(value)), expected) << text;
+    }
+    EXPECT_EQ(sixteen.size(), 16u);
+}
+
+TEST(Modulations, ArePossibleWhereTheirStandardAllowsThem) {
+    // A column each for 10, 20, 40, 80, 160, 320 MHz; a row each for 2.4, 5, 6-7 GHz.
+    const std::pair<EModulation, const char*> expected[] = {
+        {EModulation::OfdmHe, ".xxxx. .xxxx. .xxxx."},  {EModulation::OfdmVht, "...... .xxxx. .xxxx."},
+        {EModulation::OfdmEht, "...... ...... xxxxxx"}, {EModulation::OfdmHt, "xxx... xxx... xxx..."},
+        {EModulation::Ofdm, "xx.... xx.... xx...."},    {EModulation::Cck, ".x.... ...... ......"},
+    };
+    for (const auto& [modulation, table] : expected) {
+        std::string possible;
+        for (const EBand band : bands) {
+            if (!possible.empty()) possible += ' ';
+            for (const Width& width : widths)
+                possible += IsModulationPossible(modulation, band, width.width) ? 'x' : '.';
+        }
+        EXPECT_EQ(possible, table) << static_cast<int>(modulation);
+    }
+    EXPECT_TRUE(IsModulationPossible(EModulation::OfdmHe, Band5GHz, EBandWidth{2180})) << "the base width counts";
+}
+
+TEST(Failures, NameTheFunctionAndReachNoTable) {
+    EXPECT_EQ(FailureOf([] { GetChannelSet(Band5GHz, badWidth); }),
+              "Unknown Bandwidth in BackEnd::Wifi::GetChannelSet");
+    EXPECT_EQ(FailureOf([] { GetChannelTitle(36, Band5GHz, badWidth); }),
+              "Unknown Bandwidth in BackEnd::Wifi::GetChannelTitle");
+    EXPECT_EQ(FailureOf([] { GetNdpToneSet(badWidth); }), "Unknown Bandwidth in BackEnd::Wifi::GetNdpToneSet");
+    EXPECT_EQ(FailureOf([] { GetSubChannels(badWidth); }), "Unknown Bandwidth in BackEnd::Wifi::GetSubChannels");
+    EXPECT_EQ(FailureOf([] { IsModulationPossible(EModulation{6}, Band5GHz, Width20); }),
+              "Unknown modulation - 6 in BackEnd::Wifi::IsModulationPossible");
+    for (const EBand band : {noBand, EBand{-1}}) {
+        EXPECT_NE(FailureOf([=] { GetChannelSet(band, Width20); }), "nothing thrown");
+        EXPECT_NE(FailureOf([=] { GetChannelFrequency(36, band); }), "nothing thrown");
+    }
+}
+
+}  // namespace

@@ -1,0 +1,187 @@
+#include "TestRadio.h"
+
+#include "Exceptions.h"
+#include "QuayExceptions.h"
+
+using namespace radiotest;
+using quayCommand::DescribeAdapter;
+
+namespace {
+
+TEST(Adapter, TheDefaultAdapterIsThereAndWritesOutEveryKey) {
+    UseRadio("", "");
+    EXPECT_EQ(DescribeAdapter(),
+              "hw=26,card=4,device=0x51F0,antennas=3,sku=1,mac=02:54:41:52:4E:01,bands=0+1+2,samples=98304,seed=1,"
+              "connected=1");
+    auto* wifi = CommandFactory::GetInstance().getWifiInstance();
+    EXPECT_TRUE(wifi->IsConnected());
+    EXPECT_EQ(wifi->GetHwType(), 26u);
+    EXPECT_EQ(wifi->GetCardType(), 4u);
+    EXPECT_EQ(wifi->GetPlatformDeviceId(), 0x51F0u);
+    EXPECT_EQ(wifi->GetDeviceInfo()->GetAntennaMask(), 3u);
+    EXPECT_EQ(wifi->GetDeviceInfo()->GetSupportedBands(), (std::set<std::uint32_t>{0, 1, 2}));
+    EXPECT_EQ(wifi->GetAdcObject()->GetCaptureLength(), 98304u);
+}
+
+TEST(Adapter, ADescriptionReadsBackAsItIsWritten) {
+    const std::string text =
+        "hw=23,card=8,device=0x7E40,antennas=1,sku=2,mac=AABBCCDDEEFF,bands=0+2,samples=8192,"
+        "seed=18446744073709551615,connected=0";
+    UseRadio(text, "sim:quiet");
+    EXPECT_EQ(DescribeAdapter(), text);
+    UseRadio("device=32320,connected=false", "sim:quiet");
+    EXPECT_EQ(CommandFactory::GetInstance().getWifiInstance()->GetPlatformDeviceId(), 0x7E40u);
+    EXPECT_FALSE(CommandFactory::GetInstance().getWifiInstance()->IsConnected());
+    std::string mac;
+    CommandFactory::GetInstance().getNvmInstance()->GetMacAddress(mac);
+    EXPECT_EQ(mac, "02:54:41:52:4E:01");
+}
+
+TEST(Adapter, ABadDescriptionIsRefusedWithItsKeyAndTheAdapterBeforeStays) {
+    UseRadio("seed=77", "sim:quiet");
+    const auto before = DescribeAdapter();
+    for (const auto& [text, reason] : std::vector<std::pair<std::string, std::string>>{
+             {"hw=abc", "adapter: hw: \"abc\" isn't a whole number from 0 to 255"},
+             {"hw=", "adapter: hw: \"\" isn't a whole number from 0 to 255"},
+             {"hw=26x", "adapter: hw: \"26x\" isn't a whole number from 0 to 255"},
+             {"hw=-1", "adapter: hw: \"-1\" isn't a whole number from 0 to 255"},
+             {"hw", "adapter: hw: has no value"},
+             {"hw=26,hw=26", "adapter: hw: is given twice"},
+             {"card=256", "adapter: card: \"256\" isn't a whole number from 0 to 255"},
+             {"device=0x1FFFFFFFF", "adapter: device: \"0x1FFFFFFFF\" isn't a whole number from 0 to 4294967295"},
+             {"antennas=0", "adapter: antennas: \"0\" isn't a whole number from 1 to 3"},
+             {"sku=999", "adapter: sku: \"999\" isn't a whole number from 0 to 255"},
+             {"mac=12:34", "adapter: mac: \"12:34\" isn't a MAC address such as 02:54:41:52:4E:01"},
+             {"mac=02:54-41:52:4E:01",
+              "adapter: mac: \"02:54-41:52:4E:01\" isn't a MAC address such as 02:54:41:52:4E:01"},
+             {"bands=3", "adapter: bands: \"3\" isn't a list of different bands such as 0+1+2"},
+             {"bands=0+0", "adapter: bands: \"0+0\" isn't a list of different bands such as 0+1+2"},
+             {"bands=0+", "adapter: bands: \"0+\" isn't a list of different bands such as 0+1+2"},
+             {"samples=0", "adapter: samples: \"0\" isn't a whole number from 1024 to 4194304"},
+             {"seed=18446744073709551616",
+              "adapter: seed: \"18446744073709551616\" isn't a whole number from 0 to 18446744073709551615"},
+             {"connected=yes", "adapter: connected: \"yes\" is none of 0, 1, true, false"},
+             {"hwtype=26",
+              "adapter: hwtype: unknown key; the keys are hw, card, device, antennas, sku, mac, bands, "
+              "samples, seed, connected"},
+             {"hw=26,",
+              "adapter: : unknown key; the keys are hw, card, device, antennas, sku, mac, bands, samples, "
+              "seed, connected"},
+         }) {
+        EXPECT_EQ(ReasonOf({text, "sim:quiet", "", ""}), reason);
+        EXPECT_EQ(DescribeAdapter(), before);
+    }
+}
+
+TEST(Adapter, EveryKnownHardwareTypeCapturesOnEveryWidth) {
+    for (const std::uint32_t hw :
+         {5, 6, 7, 8, 9, 11, 12, 13, 14, 15, 16, 17, 20, 21, 22, 23, 24, 25, 26, 27, 28, 29, 30}) {
+        UseRadio("samples=2048,hw=" + std::to_string(hw), "sim:quiet");
+        for (const auto& [bandwidth, channel] : {std::pair{0u, 36u}, {1u, 38u}, {2u, 42u}, {3u, 50u}}) {
+            const auto chains = Capture({1, bandwidth, channel, 3});
+            ASSERT_EQ(chains.size(), 2u) << hw;
+            EXPECT_NE(chains[0], chains[1]);
+            EXPECT_NE(chains[1].back(), std::complex<double>());
+        }
+    }
+}
+
+TEST(Adapter, EachGainRecordLayoutReachesBothChains) {
+    using namespace LumenSpectrumAnalyzer;
+    const Folder folder;
+    const auto air = "sim:" + folder.Write("t.json", R"({"tones": [{"frequency_mhz": 2439.5, "level_dbm": -60}]})");
+    struct Case {
+        const char* adapter;
+        GainFamily family;
+        std::uint32_t boardNumber;
+        char layout;
+    };
+    for (const auto& c :
+         {Case{"hw=23,sku=2", GainFamily::Ash4, 1, 'A'}, Case{"hw=11", GainFamily::Plain, 2, 'A'},
+          Case{"hw=25,sku=1", GainFamily::Ash2, 0, 'B'}, Case{"hw=29,sku=9", GainFamily::Rowan, 2, 'C'}}) {
+        UseRadio(std::string("samples=4096,") + c.adapter, air);
+        auto* adc = CommandFactory::GetInstance().getWifiInstance()->GetAdcObject();
+        quayCommand::RxConfig config;
+        config.m_channel = 6;
+        config.m_currChain = 3;
+        adc->ConfigTxRx(&config);
+        // Chain A: internal gain 2, pre-LNA 1; chain B: internal gain 3, pre-LNA 0.
+        quayCommand::GainConfig a{};
+        a.chains[0].internalGain = 2;
+        a.chains[0].preLna = 1;
+        a.chains[1].internalGain = 3;
+        if (c.layout == 'A')
+            adc->SetManualGainA(a);
+        else if (c.layout == 'B')
+            adc->SetManualGainB({1, 0, 0, 2, 1, 0, 0, 0, 3, 0, 0, 0});
+        else
+            adc->SetManualGainC({1, 0, 0, 0, 2, 1, 0, 0, 0, 0, 3, 0, 0, 0, 0});
+        std::vector<std::vector<double>> v(6, std::vector<double>(4096));
+        double* i[3] = {v[0].data(), v[1].data(), v[2].data()};
+        double* q[3] = {v[3].data(), v[4].data(), v[5].data()};
+        ASSERT_TRUE(adc->ReadCapture({0, 5000, 2, 0}, i, q));
+        for (std::size_t chain = 0; chain < 2; ++chain) {
+            Samples x(4096);
+            for (std::size_t n = 0; n < x.size(); ++n)
+                x[n] = {i[chain][n], q[chain][n]};
+            const double gain = chain == 0 ? ManualGain(c.family, 1, 2, 0, "A", 6, c.boardNumber)
+                                           : ManualGain(c.family, 0, 3, 0, "B", 6, c.boardNumber);
+            const double rate = SampleRateMhz(CommandFactory::GetInstance().getWifiInstance()->GetHwType(), 0);
+            EXPECT_NEAR(TonePowerDb(x, 2.5, rate) - gain, -60.0, 0.5) << c.adapter << " chain " << chain;
+        }
+    }
+}
+
+TEST(Adapter, ChannelsAreThoseOfTheTablesInEnabledBands) {
+    UseRadio("bands=0+2", "sim:quiet");
+    auto* nvm = CommandFactory::GetInstance().getNvmInstance();
+    // Counts of channels of the eleven tables (without their placeholders); the 5.2 GHz band is off.
+    const std::vector<std::vector<int>> counts{{14, 9, 0, 0, 0}, {0, 0, 0, 0, 0}, {59, 29, 14, 7, 6}};
+    for (std::uint32_t band = 0; band < 3; ++band)
+        for (std::uint32_t bandwidth = 0; bandwidth < 5; ++bandwidth) {
+            int count = 0;
+            for (std::uint32_t channel = 0; channel < 300; ++channel)
+                count += nvm->IsChannelSupported(channel, bandwidth, band);
+            EXPECT_EQ(count, counts[band][bandwidth]) << band << " " << bandwidth;
+        }
+    EXPECT_FALSE(nvm->IsBandEnabled(1));
+    UseRadio("", "sim:quiet");
+    nvm = CommandFactory::GetInstance().getNvmInstance();
+    const std::vector<int> secondBand{37, 18, 9, 4, 0};
+    for (std::uint32_t bandwidth = 0; bandwidth < 5; ++bandwidth) {
+        int count = 0;
+        for (std::uint32_t channel = 0; channel < 300; ++channel)
+            count += nvm->IsChannelSupported(channel, bandwidth, 1);
+        EXPECT_EQ(count, secondBand[bandwidth]);
+    }
+    EXPECT_TRUE(nvm->IsChannelSupported(163, 3, 1));
+    EXPECT_FALSE(nvm->IsChannelSupported(148, 0, 1));
+}
+
+TEST(Adapter, CountriesAreKnownInEitherCaseAndOthersRefusedWhenApplied) {
+    UseRadio("", "sim:quiet");
+    auto* nvm = CommandFactory::GetInstance().getNvmInstance();
+    EXPECT_NO_THROW(nvm->ApplyMcc()) << "the country it comes with";
+    const auto apply = [&](const char* code) {
+        nvm->SetMcc(static_cast<std::uint16_t>(code[0] << 8 | code[1]), true);
+        nvm->ApplyMcc();
+    };
+    for (const char* known : {"US", "us", "Gb", "DE", "JP", "ZW", "AX", "CN", "IL"})
+        EXPECT_NO_THROW(apply(known)) << known;
+    for (const char* unknown : {"ZZ", "XX", "AA", "UK", "0A"})
+        EXPECT_THROW(apply(unknown), CQuayMsgException) << unknown;
+}
+
+TEST(Adapter, NothingIsCapturedUntunedOrOnAChainWithoutAntenna) {
+    UseRadio("antennas=1", "sim:quiet");
+    EXPECT_TRUE(Capture({0, 0, 6, 2}).empty());
+    EXPECT_TRUE(Capture({0, 0, 6, 3}).empty());
+    EXPECT_EQ(Capture({0, 0, 6, 1}).size(), 1u);
+    auto* wifi = CommandFactory::GetInstance().getWifiInstance();
+    wifi->ResetAdapter();
+    std::vector<double> v(98304);
+    double* p[3] = {v.data(), v.data(), v.data()};
+    EXPECT_FALSE(wifi->GetAdcObject()->ReadCapture({}, p, p));
+}
+
+}  // namespace

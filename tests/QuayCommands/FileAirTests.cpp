@@ -1,0 +1,94 @@
+#include "TestRadio.h"
+
+#include "FileAir.h"
+
+using namespace radiotest;
+
+namespace {
+
+TEST(StoredCaptures, ALineReadsByTheRuleOfSampleFiles) {
+    struct Case {
+        std::string line;
+        int i, q;
+    };
+    for (const auto& c : {Case{"12 ,34", 12, 34}, Case{"12 34", 12, 4}, Case{"12    ,-34  tail", 12, -34},
+                          Case{"12 ", 12, 12}, Case{"-7", -7, -7}, Case{"3.9x ,-3.9", 3, -3}, Case{"1e3 ;+5", 1000, 5},
+                          Case{"12 ,34\r", 12, 34}, Case{"0x10 ,1", 16, 1}, Case{"-32768 ,32767.9", -32768, 32767}}) {
+        auto sample = quayCommand::ReadSampleLine(c.line);
+        ASSERT_FALSE(sample.IsRefused()) << c.line;
+        EXPECT_EQ(sample.Value().i, c.i) << c.line;
+        EXPECT_EQ(sample.Value().q, c.q) << c.line;
+    }
+    for (const auto* bad : {"", "1 2", " 1 ,2", "x ,2", "1 ,y", "32768 ,0", "0 ,-32769", "nan ,0", "1e999 ,0"})
+        EXPECT_TRUE(quayCommand::ReadSampleLine(bad).IsRefused()) << bad;
+}
+
+TEST(StoredCaptures, EachChainTakesTheNextFileInTheOrderOfNamesAndStartsOver) {
+    const Folder folder;
+    folder.Write("b.txt", "3 ,4\n5 ,6");
+    folder.Write("a.txt", "1 ,2\n");
+    folder.Write("c.txt", "7 ,8\n9 ,10\n11 ,12\n");
+    folder.Write("result.csv", "not a sample");
+    folder.Write(".hidden", "not a sample");
+    std::filesystem::create_directory(folder.Path("inner"));
+    UseRadio("samples=1024", "file:" + folder.Path());
+    EXPECT_EQ(quayCommand::DescribeAir(), "stored captures: 3 file(s) of " + folder.Path());
+    const auto both = Capture({0, 0, 6, 3});  // a, b
+    EXPECT_EQ(both[0][0], std::complex(1.0, 2.0));
+    EXPECT_EQ(both[1][1], std::complex(5.0, 6.0));
+    EXPECT_EQ(both[1][2], std::complex<double>()) << "zeros behind a short capture";
+    EXPECT_EQ(both[1].back(), std::complex<double>());
+    EXPECT_EQ(Capture({1, 2, 42, 2, 1, 5})[0][2], std::complex(11.0, 12.0)) << "c, whatever the tuning";
+    EXPECT_EQ(Capture({})[0][0], std::complex(1.0, 2.0)) << "a again";
+    EXPECT_FALSE(quayCommand::SetRadioWorkload(true)) << "stored captures know no workload";
+}
+
+TEST(StoredCaptures, AFileLongerThanTheCaptureIsCut) {
+    const Folder folder;
+    std::string text;
+    for (int n = 0; n < 3000; ++n)
+        text += std::to_string(n) + " ," + std::to_string(-n) + "\n";
+    UseRadio("samples=2000", "file:" + folder.Write("long.txt", text));
+    const auto x = Capture({}).at(0);
+    ASSERT_EQ(x.size(), 2000u);
+    EXPECT_EQ(x.back(), std::complex(1999.0, -1999.0));
+}
+
+TEST(StoredCaptures, ABadFileIsRefusedWithItsLine) {
+    const Folder folder;
+    for (const auto& [text, place] : std::vector<std::pair<std::string, std::string>>{
+             {"1 ,2\n3 ,4\nfive ,6\n", ":3: I isn't a number"},
+             {"1 ,2\n\n3 ,4\n", ":2: I isn't a number"},
+             {"1 2", ":1: Q isn't a number"},
+             {"1 ,40000\n", ":1: Q isn't a code of 16 bits"},
+             {"", ": holds no samples"},
+         }) {
+        const auto path = folder.Write("bad.txt", text);
+        EXPECT_EQ(ReasonOf({"", "file:" + path, "", ""}), "air: " + path + place);
+    }
+    std::filesystem::remove(folder.Path("bad.txt"));
+    EXPECT_EQ(ReasonOf({"", "file:" + folder.Path(), "", ""}),
+              "air: " + folder.Path() + ": no sample file in this folder");
+    EXPECT_EQ(ReasonOf({"", "file:" + folder.Path("none.txt"), "", ""}),
+              "air: " + folder.Path("none.txt") + ": can't be read");
+}
+
+TEST(StoredCaptures, RecordedTrafficComesThroughAsItIsStored) {
+    const char* captures = std::getenv("TARN_CAPTURES");
+    if (!captures) GTEST_SKIP() << "TARN_CAPTURES names no folder of captures";
+    const auto path = std::filesystem::path(captures) / "wifi" / "BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_offair-1.txt";
+    UseRadio("", "file:" + path.string());
+    const Tuning tuning{1, 0, 36};
+    auto x = Capture(tuning).at(0);
+    while (!x.empty() && x.back() == std::complex<double>())
+        x.pop_back();
+    // The engine takes the whole-number mean off before it measures.
+    std::complex<double> mean;
+    for (const auto& sample : x)
+        mean += sample / static_cast<double>(x.size());
+    for (auto& sample : x)
+        sample -= std::complex(std::trunc(mean.real()), std::trunc(mean.imag()));
+    EXPECT_NEAR(ChannelPowerDb(x, 20.0, 40.0) - GainDb(tuning, "A"), -67.6767, 0.3);
+}
+
+}  // namespace

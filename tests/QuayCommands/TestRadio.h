@@ -1,0 +1,137 @@
+// Drives the radio as the flows do, and reads levels by plain sums.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <filesystem>
+#include <fstream>
+#include <numbers>
+#include <string>
+#include <vector>
+
+#include "GainModel.h"
+#include "RadioSetup.h"
+
+namespace radiotest {
+
+using Samples = std::vector<std::complex<double>>;
+
+struct Tuning {
+    std::uint32_t band = 0, bandwidth = 0, channel = 6;
+    std::uint32_t selector = 1;  // 1 A, 2 B, 3 both
+    std::uint32_t preLna = 0, internalGain = 0;
+};
+
+/// A folder of the test's own, removed at its end.
+class Folder {
+public:
+    Folder() {
+        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
+        m_path = std::filesystem::path(testing::TempDir()) /
+                 (std::string("radio_") + info->test_suite_name() + "_" + info->name());
+        std::filesystem::remove_all(m_path);
+        std::filesystem::create_directories(m_path);
+    }
+    ~Folder() { std::filesystem::remove_all(m_path); }
+    std::string Path(const std::string& name = "") const { return (m_path / name).string(); }
+    std::string Write(const std::string& name, const std::string& text) const {
+        std::ofstream(Path(name), std::ios::binary) << text;
+        return Path(name);
+    }
+
+private:
+    std::filesystem::path m_path;
+};
+
+inline void UseRadio(const std::string& adapter, const std::string& air) {
+    const auto reason = quayCommand::SetUpRadio({adapter, air, "", ""});
+    ASSERT_FALSE(reason) << *reason;
+}
+
+/// Why the set-up is refused; "accepted" if it isn't.
+inline std::string ReasonOf(const quayCommand::RadioSetup& setup) {
+    return quayCommand::SetUpRadio(setup).value_or("accepted");
+}
+
+/// One capture of the default adapter's hardware, chain by chain.
+inline std::vector<Samples> Capture(const Tuning& tuning) {
+    auto* wifi = CommandFactory::GetInstance().getWifiInstance();
+    auto* adc = wifi->GetAdcObject();
+    quayCommand::RxConfig config;
+    config.m_channel = tuning.channel;
+    config.m_band = tuning.band;
+    config.m_Bandwidth = tuning.bandwidth;
+    config.m_currChain = config.antennaMask = tuning.selector;
+    wifi->SetLmac(tuning.band);
+    adc->ConfigTxRx(&config);
+    quayCommand::GainConfigC gain{};
+    gain[0] = 1;
+    gain[4] = gain[10] = tuning.internalGain;
+    gain[5] = gain[11] = tuning.preLna;
+    adc->SetManualGainC(gain);
+    quayCommand::CaptureDescriptorD descriptor{1, tuning.selector};
+    adc->SetCaptureDescriptorD(descriptor);
+
+    const auto length = adc->GetCaptureLength();
+    std::vector<std::vector<double>> values(8, std::vector<double>(length));
+    double* i[4] = {values[0].data(), values[1].data(), values[2].data(), values[3].data()};
+    double* q[4] = {values[4].data(), values[5].data(), values[6].data(), values[7].data()};
+    std::vector<std::uint8_t> metadata(quayCommand::CaptureMetadataBytes, 0xEE);
+    if (!adc->ReadCaptureEx({0, 5000, 2, 2}, i, q, metadata.data())) return {};
+    std::vector<Samples> chains(tuning.selector == 3 ? 2 : 1, Samples(length));
+    for (std::size_t c = 0; c < chains.size(); ++c)
+        for (std::size_t n = 0; n < length; ++n)
+            chains[c][n] = {i[c][n], q[c][n]};
+    return chains;
+}
+
+inline double RateMhz(std::uint32_t bandwidth) {
+    return bandwidth == 0 ? 40.0 : 20.0 * (1 << bandwidth);
+}
+
+/// Gain that the engine takes off the default adapter's chain.
+inline double GainDb(const Tuning& tuning, const char* chain) {
+    using namespace LumenSpectrumAnalyzer;
+    return ManualGain(GainFamily::Pine, tuning.preLna, tuning.internalGain, tuning.band, chain, tuning.channel, 0);
+}
+
+inline double Db(double power) {
+    return 10.0 * std::log10(power);
+}
+
+/// Component at an offset from the centre: mean of x times the conjugate tone, over `count` samples from `first`.
+inline std::complex<double> ToneOf(const Samples& x, double turnsPerSample, std::size_t first, std::size_t count) {
+    std::complex<double> sum;
+    for (std::size_t n = 0; n < count; ++n)
+        sum += x[first + n] * std::polar(1.0, -2.0 * std::numbers::pi * turnsPerSample * static_cast<double>(n));
+    return sum / static_cast<double>(count);
+}
+
+inline double TonePowerDb(const Samples& x, double offsetMhz, double rateMhz) {
+    return Db(std::norm(ToneOf(x, offsetMhz / rateMhz, 0, x.size())));
+}
+
+/// Power within +-width / 2 of the centre, by direct transforms of blocks of 128 samples without a window.
+inline double ChannelPowerDb(const Samples& x, double widthMhz, double rateMhz) {
+    constexpr int N = 128;
+    std::vector<std::complex<double>> turn(N);
+    for (int k = 0; k < N; ++k)
+        turn[static_cast<std::size_t>(k)] = std::polar(1.0, -2.0 * std::numbers::pi * k / N);
+    const int half = static_cast<int>(widthMhz / rateMhz * N / 2);
+    double power = 0.0;
+    const std::size_t blocks = x.size() / N;
+    for (std::size_t b = 0; b < blocks; ++b) {
+        for (int k = -half; k <= half; ++k) {
+            if (k == N / 2) continue;  // the same bin as -N / 2
+            std::complex<double> sum;
+            for (int n = 0; n < N; ++n)
+                sum += x[b * N + static_cast<std::size_t>(n)] * turn[static_cast<std::size_t>((k + N) * n % N)];
+            power += std::norm(sum / static_cast<double>(N));
+        }
+    }
+    return Db(power / static_cast<double>(blocks));
+}
+
+}  // namespace radiotest

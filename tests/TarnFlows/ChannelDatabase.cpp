@@ -1,0 +1,183 @@
+// Channels, their selection for a device, line numbers, and the forms of chains and bandwidths.
+#include "ChannelDatabase.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <set>
+#include <sstream>
+
+#include "Exceptions.h"
+
+namespace {
+
+template <typename Action>
+std::string MessageOf(Action action) {
+    try {
+        action();
+    } catch (const Common::Exception& error) {
+        return error.what();
+    }
+    return "nothing was thrown";
+}
+
+TEST(ChannelDatabase, TheElevenTablesHoldTheirChannelsAndFrequencies) {
+    // each table's rows, then "row: channel MHz" at the ends of its runs
+    const std::string expected =
+        "15; 1: 1 2412; 13: 13 2472; 14: 14 2484|10; 1: 3 2422; 9: 11 2462|"
+        "38; 1: 36 5180; 28: 144 5720; 29: 149 5745; 37: 181 5905|"
+        "19; 1: 38 5190; 14: 142 5710; 15: 151 5755; 18: 175 5875|10; 1: 42 5210; 7: 138 5690; 8: 155 5775; 9: 171 "
+        "5855|"
+        "5; 1: 50 5250; 2: 82 5410; 3: 114 5570; 4: 163 5815|60; 1: 1 5955; 10: 37 6135; 59: 233 7115|"
+        "30; 1: 3 5965; 29: 227 7085|15; 1: 7 5985; 14: 215 7025|8; 1: 15 6025; 7: 207 6985|7; 1: 31 6105; 6: 191 "
+        "6905|";
+    const std::vector<std::vector<std::size_t>> places{{1, 13, 14},  {1, 9},       {1, 28, 29, 37}, {1, 14, 15, 18},
+                                                       {1, 7, 8, 9}, {1, 2, 3, 4}, {1, 10, 59},     {1, 29},
+                                                       {1, 14},      {1, 7},       {1, 6}};
+    std::ostringstream found;
+    for (std::uint32_t id = 0; id < ChannelTableCount; ++id) {
+        const auto rows = ChannelDatabase::Table(ChannelTableId(id));
+        EXPECT_EQ(rows[0], ChannelRow{}) << id;
+        found << rows.size();
+        for (const std::size_t row : places[id])
+            found << "; " << row << ": " << rows[row].channel << ' ' << rows[row].frequency;
+        found << '|';
+    }
+    EXPECT_EQ(found.str(), expected);
+    EXPECT_TRUE(ChannelDatabase::Table(static_cast<ChannelTableId>(11)).empty());
+}
+
+TEST(ChannelDatabase, AChannelIsFoundInItsTableOnly) {
+    EXPECT_EQ(ChannelDatabase::GetChannelInfoByChannel(37, 0, 2), 6135.0);
+    EXPECT_EQ(ChannelDatabase::GetChannelInfoByChannel(31, 4, 0), 6105.0) << "320 MHz ignores the band";
+    EXPECT_EQ(ChannelDatabase::GetChannelIndex(36, 0, 1), 1);
+    EXPECT_EQ(ChannelDatabase::GetChannelIndex(40, 0, 1), 2);
+    const struct {
+        int channel;
+        std::uint32_t bandwidth, band;
+    } absent[] = {{36, 2, 1}, {36, 0, 2}, {0, 0, 0}, {1, 2, 0}, {1, 3, 0}, {1, 5, 0}, {1, 0, 3}, {-1, 0, 0}};
+    for (const auto& row : absent) {
+        const int channel = row.channel;
+        const std::uint32_t bandwidth = row.bandwidth, band = row.band;
+        const std::string expected = "Channel " + std::to_string(channel) + " not found";
+        EXPECT_EQ(MessageOf([&] { ChannelDatabase::GetChannelInfoByChannel(channel, bandwidth, band); }), expected);
+        EXPECT_EQ(MessageOf([&] { ChannelDatabase::GetChannelIndex(channel, bandwidth, band); }), expected);
+        EXPECT_EQ(MessageOf([&] { ChannelDatabase::GetChannelIndex_802_11(channel, bandwidth, band); }), expected);
+    }
+    EXPECT_EQ(MessageOf([] { ChannelDatabase::GetChannelInfoByChannel(36.5, 0, 1); }), "Channel 36.5 not found");
+    EXPECT_EQ(MessageOf([] { ChannelDatabase::GetChannelIndex(36, 6, 1); }),
+              "unknown channel. Details: channel = 36 band = 1, bandwidth = 6");
+}
+
+TEST(ChannelDatabase, EveryLineOfAChannelLeadsBackToItAndEveryOtherNumberToNone) {
+    std::set<int> lines;
+    for (std::uint32_t band = 0; band < 3; ++band)
+        for (std::uint32_t bandwidth = 0; bandwidth < 5; ++bandwidth)
+            for (int channel = 1; channel <= 240; ++channel) {
+                if (bandwidth == 4 && band != 2) continue;
+                int line = 0;
+                try {
+                    line = ChannelDatabase::GetChannelIndex_802_11(channel, bandwidth, band);
+                } catch (const Common::Exception&) {
+                    continue;
+                }
+                lines.insert(line);
+                const auto back = ChannelDatabase::GetChannelFromLineNumber(line);
+                ASSERT_TRUE(back) << line;
+                EXPECT_TRUE(back->band == band && back->bandwidth == bandwidth && back->channel == channel) << line;
+                const int row = ChannelDatabase::GetChannelIndex(channel, bandwidth, band);
+                EXPECT_EQ(ChannelDatabase::GetChannelFromIndex(row, band, bandwidth), channel);
+            }
+    EXPECT_EQ(lines.size(), 206u);  // 217 rows, 11 of them placeholders
+    for (int line : {1, 14, 16, 209, 211, 216})
+        EXPECT_TRUE(lines.contains(line)) << line;
+    for (int line = -3; line < 230; ++line)
+        EXPECT_EQ(ChannelDatabase::GetChannelFromLineNumber(line).has_value(), lines.contains(line)) << line;
+    for (int line : {INT32_MIN, INT32_MAX})
+        EXPECT_FALSE(ChannelDatabase::GetChannelFromLineNumber(line));
+    for (int row : {-1, 0, 15, INT32_MIN, INT32_MAX})
+        EXPECT_EQ(ChannelDatabase::GetChannelFromIndex(row, 0, 0), 0);
+    EXPECT_EQ(ChannelDatabase::GetChannelFromIndex(1, 0, 2), 0);
+}
+
+TEST(ChannelDatabase, ADevicesCardAndHardwareDecideItsTables) {
+    // card, hardware, and for each table id whether it is there
+    for (const std::string expected :
+         {"4 26 11111111111", "4 30 11111111110", "64 26 11111011111", "64 32 11110000000", "2 26 11000011111",
+          "0 11 11111100000", "1 9 11111000000", "8 24 11111000000", "4 25 11110000000", "32 5 11000000000"}) {
+        std::istringstream text(expected);
+        std::uint32_t card = 0, hardware = 0;
+        text >> card >> hardware;
+        std::string found = std::to_string(card) + " " + std::to_string(hardware) + " ";
+        for (std::uint32_t id = 0; id < ChannelTableCount; ++id)
+            found += ChannelDatabase::IsBandSupportedForDevice(ChannelTableId(id), card, hardware) ? '1' : '0';
+        EXPECT_EQ(found, expected);
+    }
+    EXPECT_TRUE(ChannelDatabase::IsBandSupportedForDevice(static_cast<ChannelTableId>(77), 2, 5));
+}
+
+TEST(ChannelDatabase, ASelectionKeepsThePlaceholderTheSupportedRowsAndEveryAnswer) {
+    ChannelTables tables;
+    ChannelFlags flags;
+    const auto even = [](std::uint32_t channel) { return channel % 8 == 4; };
+    for (const ChannelTableId id : {HighBand20, HighBand40, LowBand20})
+        ChannelDatabase::AddSupportedRows(ChannelDatabase::Table(id).first(3), id, ChannelDatabase::BandOf(id),
+                                          ChannelDatabase::BandwidthOf(id), even, tables, flags);
+    EXPECT_EQ(tables[HighBand20], (std::vector<ChannelRow>{{0, 0}, {36, 5180}}));
+    EXPECT_EQ(tables[HighBand40], (std::vector<ChannelRow>{{0, 0}}));
+    flags[{36, 1}][4] = true;
+    EXPECT_EQ(ChannelDatabase::FlagsToString(flags),
+              "(1,LB),0,0,0,0,0\n(2,LB),0,0,0,0,0\n(36,HB),1,0,0,0,1\n(38,HB),0,0,0,0,0\n(40,HB),0,0,0,0,0\n"
+              "(46,HB),0,0,0,0,0\n");
+    ChannelDatabase::AddSupportedRows(ChannelDatabase::Table(LowBand20), LowBand20, 0, 7, even, tables, flags);
+    ChannelDatabase::AddSupportedRows({}, LowBand20, 0, 0, even, tables, flags);
+}
+
+TEST(ChannelDatabase, ChainsAndWidthsConvertBothWaysAndRefuseTheRest) {
+    const std::string widths[] = {"20", "40", "80", "160", "320", "", ""};
+    for (std::uint32_t k = 0; k < 7; ++k)
+        EXPECT_EQ(ChannelDatabase::BandwidthEnumToValue(k), widths[k]);
+    for (std::uint32_t k = 0; k < 5; ++k)
+        EXPECT_EQ(ChannelDatabase::BandwidthValueToEnum(std::stoi(widths[k])), k);
+    for (int width : {0, 21, -40, 3200})
+        EXPECT_EQ(ChannelDatabase::BandwidthValueToEnum(width), 0u);
+    const std::string chains[] = {"A", "B", "AB"};
+    for (std::uint32_t k = 1; k <= 3; ++k) {
+        EXPECT_EQ(ChannelDatabase::ConvertChainU32ToString(k), chains[k - 1]);
+        EXPECT_EQ(ChannelDatabase::ConvertChainStringToU32(chains[k - 1]), k);
+    }
+    for (const std::string text : {"", "a", "BA", "C", "A "})
+        EXPECT_EQ(MessageOf([&] { ChannelDatabase::ConvertChainStringToU32(text); }),
+                  "Chain " + text + " is not supported");
+    EXPECT_EQ(MessageOf([] { ChannelDatabase::ConvertChainU32ToString(4); }), "Chain 4 is not supported");
+}
+
+TEST(ChannelDatabase, AntennasFollowTheCardAndThenTheHardware) {
+    // card, hardware; mask, current chain, selection; the three enables. 9 and 7 are what stood there before.
+    for (const std::string expected : {"1 11 1 9 3 777", "2 5 1 9 3 777", "4 26 3 9 3 777", "32 5 3 9 3 777",
+                                       "64 5 2 2 2 010", "0 11 1 1 1 100", "0 24 1 1 1 100", "64 32 9 9 9 777"}) {
+        std::istringstream text(expected);
+        std::uint32_t card = 0, hardware = 0;
+        text >> card >> hardware;
+        quayCommand::RxConfig rx;
+        rx.antennaMask = rx.m_currChain = rx.antennaSelection = 9;
+        quayCommand::AdcConfig adc;
+        adc.chainAEnable = adc.chainBEnable = adc.chainCEnable = 7;
+        ChannelDatabase::GuiToHWAnts(card, hardware, rx, adc);
+        std::ostringstream found;
+        found << card << ' ' << hardware << ' ' << rx.antennaMask << ' ' << rx.m_currChain << ' ' << rx.antennaSelection
+              << ' ' << int(adc.chainAEnable) << int(adc.chainBEnable) << int(adc.chainCEnable);
+        EXPECT_EQ(found.str(), expected);
+    }
+    quayCommand::RxConfig rx;
+    quayCommand::AdcConfig adc;
+    try {
+        ChannelDatabase::GuiToHWAnts(4, 32, rx, adc);
+        FAIL() << "unknown hardware was accepted";
+    } catch (Common::Exception* thrown) {
+        const std::unique_ptr<Common::Exception> error(thrown);
+        EXPECT_STREQ(error->what(), "unexpected device type / hardware is not supported (HW ID:32)");
+    }
+}
+
+}  // namespace

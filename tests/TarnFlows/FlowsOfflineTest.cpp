@@ -1,0 +1,210 @@
+// Stored captures through "-read_adc_samples_from_file", end to end; and the numbers of all text answers.
+#include <sys/stat.h>
+
+#include <chrono>
+#include <cmath>
+#include <limits>
+#include <numbers>
+#include <random>
+
+#include "FlowsTest.h"
+#include "NumberText.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string Header = "FILE_NAME, POWER, BAND, CH, BW, CHAIN,\n";
+const std::string Good = "BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_run.txt";
+
+class FlowsOfflineTest : public FlowsTest {
+protected:
+    FlowsOfflineTest() { fs::create_directory(m_folder / "in"); }
+    /// A tone in the channel: `amplitude` codes, 5 MHz above the centre, at 40 MHz.
+    static std::string Tone(double amplitude, int samples) {
+        std::string text;
+        for (int k = 0; k < samples; ++k) {
+            const double phase = 2 * std::numbers::pi * 5.0 / 40.0 * k;
+            text += std::to_string(std::lround(amplitude * std::cos(phase))) + " ," +
+                    std::to_string(std::lround(amplitude * std::sin(phase))) + "\n";
+        }
+        return text;
+    }
+    Answer Analyze() { return Run("-read_adc_samples_from_file " + Path("in")); }
+    /// The result's lines behind its header, sorted: a folder lists its files in no order.
+    std::vector<std::string> Results() {
+        const std::string text = Read("in/result.csv");
+        EXPECT_TRUE(text.starts_with(Header)) << text;
+        auto lines = Lines(text.substr(Header.size()));
+        std::ranges::sort(lines);
+        return lines;
+    }
+};
+
+TEST_F(FlowsOfflineTest, EachFileIsMeasuredOnItsOwnTuning) {
+    Start();
+    Write("in/" + Good, Tone(1000, 98304));
+    Write("in/CHAIN_B_x_BW_20_CHANNEL_11_BAND_2.4_.dat", Tone(100, 98304));
+    Write("in/BAND_5.2_CHANNEL_36_BW_20_CHAIN_A.txt", Tone(1, 10));  // no "_" behind the chain
+    Write("in/BAND_5.2", "");
+    Write("in/RESULT.CSV", "");
+    fs::create_directory(Path("in/BAND_5.2_CHANNEL_40_BW_20_CHAIN_A_folder"));
+    ::mkfifo(Path("in/BAND_5.2_CHANNEL_44_BW_20_CHAIN_A_pipe").c_str(), 0600);
+    m_flows->m_response = "told before";
+    const Answer answer = Analyze();
+    EXPECT_EQ(answer.exitCode, 0) << answer.error;
+    EXPECT_EQ(answer.output, "told before");  // the scan itself answers nothing
+    const auto lines = Results();
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_TRUE(lines[0].starts_with(Good + ",")) << lines[0];
+    EXPECT_TRUE(lines[0].ends_with(",5.2,36,20,A,")) << lines[0];
+    EXPECT_TRUE(lines[1].ends_with(",2.4,11,20,B,")) << lines[1];
+    // A tone of 1000 codes has a power of 60 dB; what the chain's gain takes off is the engine's.
+    const double expected =
+        60.0 - LumenSpectrumAnalyzer::ManualGain(LumenSpectrumAnalyzer::GainFamily::Pine, 0, 0, 1, "A", 36, 0);
+    EXPECT_NEAR(std::stod(lines[0].substr(Good.size() + 1)), expected, 0.05);
+    const auto again = Analyze();
+    EXPECT_EQ(Results(), lines);
+}
+
+TEST_F(FlowsOfflineTest, AShortFileEndsInSilenceNotInTheFileBefore) {
+    Start("samples=8192");
+    Write("in/" + Good, Tone(1000, 4096));
+    Analyze();
+    const auto alone = Results();
+    ASSERT_EQ(alone.size(), 1u);
+    for (int k = 0; k < 3; ++k)
+        Write("in/BAND_2.4_CHANNEL_" + std::to_string(k + 1) + "_BW_20_CHAIN_A_.txt", Tone(30000, 8192));
+    Analyze();
+    EXPECT_EQ(std::ranges::count(Results(), alone[0]), 1);
+}
+
+TEST_F(FlowsOfflineTest, ABadFileEndsTheScanWithItsTextAndKeepsTheLinesSoFar) {
+    struct Row {
+        std::string name, text, error;
+    };
+    const std::string tuned = "BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_";
+    const Row rows[] = {
+        {tuned, "1 ,2\nx\n", "invalid stod argument"},
+        {tuned, "1 ,2\n\n", "invalid stod argument"},
+        {tuned, "1 ,1e999\n", "stod argument out of range"},
+        {tuned, "", "Received empty ADC Samples."},
+        {tuned, "0 ,0\n0 ,0\n", "Received empty ADC Samples."},
+        {"BAND_7_CHANNEL_36_BW_20_CHAIN_A_", "", "Band 7 is not supported"},
+        {"BAND_5.2_CHANNEL_x_BW_20_CHAIN_A_", "", "invalid stoi argument"},
+        {"BAND_5.2_CHANNEL_37_BW_20_CHAIN_A_", "", "Channel 37 is not supported"},
+        {"BAND_5.2_CHANNEL_36_BW_320_CHAIN_A_", "", "bandwidth 320 is not supported in this band"},
+        {"BAND_5.2_CHANNEL_36_BW_20_CHAIN_C_", "", "Chain C is not supported"},
+    };
+    Start("samples=8192");
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.error);
+        Write("in/" + row.name, row.text);
+        const Answer answer = Analyze();
+        EXPECT_NE(answer.exitCode, 0);
+        EXPECT_EQ(answer.error, row.error + "\n");
+        EXPECT_EQ(Read("in/result.csv"), Header);
+        fs::remove(Path("in/" + row.name));
+    }
+    EXPECT_EQ(Run("-save_spectrum " + Path("file")).exitCode, 0);  // the file lock is free
+}
+
+TEST_F(FlowsOfflineTest, AFolderThatHoldsNothingOrIsALinkGetsNoResult) {
+    Start();
+    EXPECT_EQ(Analyze().exitCode, 0);
+    EXPECT_FALSE(fs::exists(Path("in/result.csv")));
+    EXPECT_EQ(Run("-read_adc_samples_from_file " + Path("none")).exitCode, 0);
+    fs::create_directory_symlink(Path("in"), Path("link"));
+    EXPECT_EQ(Output("-read_adc_samples_from_file " + Path("link")), "ERROR:File " + Path("link") + " is a link\n");
+}
+
+TEST_F(FlowsOfflineTest, AResultThatCannotBeWrittenLosesItsLinesButNotTheAnalysis) {
+    Start("samples=8192");
+    Write("in/" + Good, Tone(1000, 8192));
+    std::ptrdiff_t told = 0;
+    const auto expectAnalysis = [&] {
+        const Answer answer = Analyze();
+        const std::string inLog = "Failed to write file: " + Path("in/result.csv");
+        const auto log = Lines(Read("log.txt"));
+        told += 2;  // the header, then the file's line
+        EXPECT_EQ(std::ranges::count_if(log, [&](const std::string& line) { return line.ends_with(inLog); }), told);
+        EXPECT_EQ(answer.exitCode, 0) << answer.error;
+        EXPECT_EQ(Engine().m_CenterFreq, 5180.0);
+        EXPECT_EQ(Run("-update_spectrum").output.find("Failed"), std::string::npos);
+    };
+    fs::create_directory(Path("in/result.csv"));
+    expectAnalysis();
+    fs::remove(Path("in/result.csv"));
+    ::mkfifo(Path("in/result.csv").c_str(), 0600);
+    expectAnalysis();
+    fs::remove(Path("in/result.csv"));
+    fs::create_symlink("/dev/full", Path("in/result.csv"));
+    expectAnalysis();
+}
+
+TEST_F(FlowsOfflineTest, RecordedWifiTrafficHasItsKnownPowers) {
+    const char* captures = std::getenv("TARN_CAPTURES");
+    if (!captures) GTEST_SKIP() << "TARN_CAPTURES names no folder";
+    Start();
+    fs::remove(m_folder / "in");
+    fs::copy(fs::path(captures) / "wifi", m_folder / "in", fs::copy_options::recursive);
+    ASSERT_EQ(Analyze().exitCode, 0);
+    auto lines = Lines(ReadFile(fs::path(captures) / "expected.csv").substr(Header.size()));
+    std::ranges::sort(lines);
+    EXPECT_EQ(Results(), lines);
+}
+
+TEST(NumberText, HasTheBytesOfADefaultStream) {
+    std::vector<double> values{0.0,
+                               -0.0,
+                               1.0,
+                               -1.0,
+                               0.1,
+                               100000.0,
+                               999999.0,
+                               999999.5,
+                               1e6,
+                               123456.5,
+                               123455.5,
+                               0.5,
+                               2.5,
+                               1e-4,
+                               9.99999e-5,
+                               9.999995e-5,
+                               0.000123456789,
+                               99999.95,
+                               99999.949999,
+                               1e5,
+                               1e-5,
+                               1e100,
+                               -1e-100,
+                               5e-324,
+                               std::numeric_limits<double>::max(),
+                               12345.65,
+                               1.000005,
+                               1.0000005,
+                               1.0000015,
+                               3.1415926,
+                               std::numeric_limits<double>::infinity(),
+                               -std::numeric_limits<double>::infinity(),
+                               std::nan("")};
+    std::mt19937_64 random(1);
+    std::uniform_real_distribution<double> exponent(-7, 8), mantissa(-10, 10);
+    for (int k = 0; k < 20000; ++k) {
+        const double value = mantissa(random) * std::pow(10.0, exponent(random));
+        values.push_back(value);
+        values.push_back(std::round(value * 64) / 64);  // ties
+        values.push_back(std::stod(std::to_string(std::lround(value)) + "5e-3"));
+    }
+    std::ostringstream expected;
+    std::string text;
+    for (const double value : values) {
+        expected.str("");
+        expected << value;
+        text.clear();
+        AppendStreamText(text, value);
+        ASSERT_EQ(text, expected.str());
+    }
+}
+
+}  // namespace

@@ -1,0 +1,277 @@
+// Triggers, what is read out and written behind them, gain, versions and country.
+#include <cmath>
+
+#include "FlowsTest.h"
+#include "NumberText.h"
+
+namespace {
+
+class FlowsTriggerTest : public FlowsTest {
+protected:
+    std::string GainFile(const std::string& rows) {
+        Write("gain.csv", "MAC,CHAIN,FREQ,GAIN,BW\n" + rows);
+        return Path("gain.csv");
+    }
+    static std::string Row(const std::string& chain, const std::string& frequency, const std::string& gain) {
+        return "02:54:41:52:4E:01," + chain + "," + frequency + "," + gain + ",20MHz\n";
+    }
+};
+
+TEST_F(FlowsTriggerTest, ATriggerAnswersBinsSamplesBucketsAndSweepLength) {
+    Start();
+    EXPECT_EQ(Output("-trigger_now"), "1024\n98304\n20\n131072");
+    EXPECT_EQ(Output("-trigger_now -trigger_now -rbw 312.5"), "128\n98304\n20\n131072");
+    EXPECT_EQ(m_flows->m_consecutiveRuns, 3);
+    EXPECT_FALSE(m_flows->m_isFirstRun);
+    EXPECT_FALSE(m_flows->m_clearMaxHoldPending);
+    EXPECT_FALSE(m_flows->m_clearAveragePending);
+}
+
+TEST_F(FlowsTriggerTest, ThePlainAnswersAreLinesOfNumbersAsAStreamWritesThem) {
+    Start();
+    Run("-histogram true -maxhold true -chain AB -trigger_now");
+    for (const auto& [key, lines, numbers] : {std::tuple{"-update_spectrum", 2u, 1024u},
+                                              {"-update_maxhold", 2u, 1024u},
+                                              {"-update_channel_average", 2u, 1024u},
+                                              {"-update_iq", 4u, 98304u},
+                                              {"-update_histogram", 8u, 20u}}) {
+        const std::string text = Output(key);
+        ASSERT_FALSE(text.empty());
+        EXPECT_NE(text.back(), '\n') << key;
+        EXPECT_EQ(text.find("  "), std::string::npos) << key;
+        EXPECT_EQ(text.find(" \n"), std::string::npos) << key;
+        ASSERT_EQ(Lines(text).size(), lines) << key;
+        EXPECT_EQ(std::ranges::count(Lines(text)[0], ' ') + 1, numbers) << key;
+    }
+    EXPECT_EQ(std::ranges::count(Lines(Output("-update_histogram"))[3], ' '), 1);
+    std::ostringstream expected;
+    expected << Engine().m_Spectrum[1]->val[0] << ' ' << Engine().m_Spectrum[1]->val[1] << ' ';
+    EXPECT_TRUE(Lines(Output("-update_spectrum"))[1].starts_with(expected.str()));
+    expected.str("");
+    expected << Engine().GetChannelPowerPerChain(1);
+    EXPECT_EQ(Output("-get_power_per_chain B"), expected.str());
+    Run("-chain B -trigger_now");
+    EXPECT_EQ(Output("-get_power_per_chain B"), Output("-get_power_per_chain A"));  // the one chain there is
+    EXPECT_EQ(Run("-find_peaks 10").exitCode, 0);
+    EXPECT_EQ(Lines(Output("-update_peaks")).size(), 1u);
+}
+
+TEST_F(FlowsTriggerTest, AReadOutBeforeAnyCaptureAnswersThatItFailed) {
+    Start();
+    for (const auto& [key, text] : {std::pair{"-update_spectrum", "Failed updating spectrum"},
+                                    {"-update_maxhold", "Failed updating MaxHold"},
+                                    {"-update_channel_average", "Failed updating channel average"},
+                                    {"-update_iq", "Failed updating IQ"},
+                                    {"-update_histogram", "Failed updating Histogram"}}) {
+        const Answer answer = Run(key);
+        EXPECT_EQ(answer.output, text);
+        EXPECT_EQ(answer.exitCode, 0) << key;
+    }
+}
+
+TEST_F(FlowsTriggerTest, ReadOutsBetweenARetuningAndTheNextTriggerNeitherCrashNorThrow) {
+    Start();
+    Run("-maxhold true -trigger_now");
+    Run("-band 6-7 -channel 233");  // its place in the list lies beyond the lists of before
+    for (const char* line : {"-update_maxhold", "-update_spectrum", "-find_peaks 80", "-update_peaks", "-clear_average",
+                             "-rbw 312.5", "-update_iq", "-update_maxhold"})
+        Run(line);
+    EXPECT_EQ(Run("-trigger_now").exitCode, 0);
+    EXPECT_EQ(Lines(Output("-update_maxhold")).size(), 1u);
+}
+
+TEST_F(FlowsTriggerTest, AFailedCaptureLeavesTheLockFreeAndTheNextOneRuns) {
+    for (const char* kind : {":common", ":quay", ":std"}) {
+        Start("", std::string("ReadCaptureEx:1") + kind);
+        const Answer answer = Run("-trigger_now");
+        EXPECT_EQ(answer.exitCode, 258) << kind;
+        EXPECT_NE(answer.error.find("simulated fault at call 1 of ReadCaptureEx"), std::string::npos) << kind;
+        EXPECT_EQ(CallNames().back(), "ReadCaptureEx");  // the capture mode stays on
+        ASSERT_TRUE(m_flows->m_sampleLock->Lock(0)) << kind;
+        m_flows->m_sampleLock->Unlock();
+        EXPECT_EQ(Run("-trigger_now").exitCode, 0) << kind;
+        EXPECT_EQ(m_flows->m_consecutiveRuns, 1) << kind;
+        m_flows->DeInit();
+    }
+}
+
+TEST_F(FlowsTriggerTest, The4000thTriggerResetsTheStoreAndSaysSo) {
+    Start("samples=2048");
+    Run("-trigger_now");
+    m_flows->m_consecutiveRuns = 3998;
+    EXPECT_EQ(Output("-trigger_now"), "1024\n2048\n20\n2048");
+    EXPECT_EQ(m_flows->m_freqPowerStore.GetColumns(), 2);
+    Run("-trigger_now -export_freq_power " + Path("powers.csv"));
+    EXPECT_EQ(Read("powers.csv"), "BW, Channel, RBW\n\n");
+    m_flows->m_consecutiveRuns = 3999;
+    EXPECT_EQ(Output("-trigger_now"),
+              "1024\n2048\n20\n2048\nMax number of consecutive runs is reached, reseting data.\n");
+    EXPECT_EQ(m_flows->m_consecutiveRuns, 0);
+}
+
+TEST_F(FlowsTriggerTest, TheStoreKeepsEachTriggerByChannelAndChain) {
+    Start("samples=2048");
+    const auto power = [&](int chain) {
+        std::string text;
+        AppendStreamText(text, Engine().GetChannelPowerPerChain(chain));
+        return text;
+    };
+    Run("-band 5.2 -channel 40 -chain B -trigger_now");
+    const std::string b = power(0);
+    Run("-channel 36 -chain A -trigger_now");
+    const std::string a = power(0);
+    Run("-chain AB -rbw 78.125 -trigger_now");
+    const std::string both = power(0) + ", " + power(1);
+    m_flows->m_vesperTestInProgress = true;
+    Run("-trigger_now");
+    m_flows->m_vesperTestInProgress = false;
+    ASSERT_EQ(Run("-export_freq_power " + Path("powers.csv")).exitCode, 0);
+    // The times aside: each is "dd/mm/yyyy hh:mm:ss".
+    std::vector<std::string> lines = Lines(Read("powers.csv"));
+    ASSERT_EQ(lines.size(), 4u);
+    const std::string group = ", Chain A Power, Chain B Power, Trigger Time";
+    EXPECT_EQ(lines[0], "BW, Channel, RBW" + group + group);
+    const std::string start36 = "20MHz, 36 (5180 MHz), 78.125, " + a + ", None, ";
+    ASSERT_TRUE(lines[1].starts_with(start36)) << lines[1];
+    EXPECT_EQ(lines[1].substr(start36.size() + 19, both.size() + 4), ", " + both + ", ");
+    EXPECT_EQ(lines[1].size(), start36.size() + 19 + both.size() + 4 + 19);
+    EXPECT_TRUE(lines[2].starts_with("20MHz, 40 (5200 MHz), 39.0625, None, " + b + ", ")) << lines[2];
+    EXPECT_EQ(lines[3], "");
+}
+
+TEST_F(FlowsTriggerTest, AnAveragingRunStoresItsLastTriggerUnlessMaxHoldIsOn) {
+    Start("samples=2048");
+    const auto stored = [&] {
+        const auto& entries = m_flows->m_freqPowerStore.GetEntries();
+        return entries.empty() ? 0u : entries.begin()->second.times.size();
+    };
+    Run("-channel_average true -channel_average_sweep_val 10");
+    for (const auto& [counters, count] : {std::pair{"8,9,9", 0u}, {"9,0,0", 1u}, {"19,0,0", 2u}, {"18,0,0", 2u}}) {
+        Run(std::string("-trigger_now -channel_average_counter ") + counters);
+        EXPECT_EQ(stored(), count) << counters;
+    }
+    Run("-maxhold true -trigger_now -channel_average_counter 3,3,3");
+    EXPECT_EQ(stored(), 3u);
+}
+
+TEST_F(FlowsTriggerTest, ExportsRefuseALinkAndWriteNothing) {
+    Start("samples=2048");
+    Run("-trigger_now -find_peaks 10");
+    Write("target", "mine");
+    std::filesystem::create_symlink(Path("target"), Path("link"));
+    for (const char* key :
+         {"-save_spectrum", "-save_maxhold", "-save_IQ", "-save_rbw_power", "-save_peaks", "-export_freq_power"}) {
+        const Answer answer = Run(std::string(key) + " " + Path("link"));
+        EXPECT_EQ(answer.error, "File " + Path("link") + " is a link\n") << key;
+        EXPECT_EQ(answer.exitCode, 258) << key;
+        EXPECT_EQ(Read("target"), "mine") << key;
+        EXPECT_EQ(Run(std::string(key) + " " + Path("file")).exitCode, 0) << key;
+        EXPECT_TRUE(std::filesystem::exists(Path("file"))) << key;
+        std::filesystem::remove(Path("file"));
+        EXPECT_EQ(Run(std::string(key) + " " + Path("no/such/folder")).exitCode, 0) << key;
+    }
+}
+
+// Gain.
+
+TEST_F(FlowsTriggerTest, AGainFileRulesFromItsLookUpToTheNextManualGain) {
+    Start("samples=2048");
+    const std::string file = GainFile(Row("A", "5180", "-12.5") + Row("A", "5180", "99") + Row("B", "5200", "7"));
+    Run("-band 5.2 -channel 36 -internal_gain 2 -trigger_now");
+    const double manual = Engine().m_Gain[0];
+    EXPECT_EQ(Output("-gain_file_name " + file), "");
+    EXPECT_EQ(Engine().m_Gain[0], manual);  // named, not looked up
+    EXPECT_EQ(Output("-set_gain_from_file"), "Gain data was loaded successfully from the file");
+    Run("-trigger_now");
+    EXPECT_EQ(Engine().m_Gain[0], -12.5);
+    Run("-channel 40 -trigger_now");
+    EXPECT_EQ(Engine().m_Gain[0], -12.5);  // until the next look-up
+    EXPECT_EQ(Output("-set_gain_from_file"), "Could not use gain data from a file. No gain matching was found on file");
+    EXPECT_EQ(Output("-set_gain_from_file"), " ");  // the file is out of use
+    Run("-channel 36 -trigger_now");
+    EXPECT_EQ(Engine().m_Gain[0], manual);
+    Run("-set_gain_from_file -channel 40 -chain B -gain_file_name " + file);
+    EXPECT_EQ(Output("-set_gain_from_file -chain AB -gain_file_name " + file + " -channel 36"),
+              "Could not use gain data from a file. No gain matching was found on file");
+    Run("-gain_file_name " + file + " -internal_gain 2");
+    EXPECT_TRUE(m_flows->m_gainList.IsEmpty());
+    EXPECT_FALSE(m_flows->m_useGainFile);
+}
+
+TEST_F(FlowsTriggerTest, TheFirstFailedLookUpReportsNothing) {
+    Start();
+    const std::string line = "-set_gain_from_file -gain_file_name " + GainFile(Row("A", "1", "1"));
+    EXPECT_EQ(Output(line), "");
+    EXPECT_EQ(Output(line), "Could not use gain data from a file. No gain matching was found on file");
+    Run("-reset_first_run_flags");
+    EXPECT_EQ(Output(line), "");
+    EXPECT_EQ(Output("-gain_file_name " + Path("none")), "Failed opening " + Path("none") + " file");
+}
+
+TEST_F(FlowsTriggerTest, TheInternalGainCountsThreeTimesOnTheMiddleBandOfSomeHardware) {
+    for (const auto& [adapter, faults, gain, exitCode] : {std::tuple{"hw=16,samples=2048", "", "6", 0},
+                                                          {"hw=16,samples=2048", "SetManualGainA:1", "6", 258},
+                                                          {"hw=16,samples=2048", "SetManualGainA:1:std", "6", 258},
+                                                          {"hw=12,samples=2048", "", "2", 0}}) {
+        Start(adapter, faults);
+        EXPECT_EQ(Run("-band 5.2 -channel 36 -internal_gain 2 -trigger_now").exitCode, exitCode);
+        for (const std::string& call : Calls())
+            if (call.starts_with("SetManualGainA")) {
+                EXPECT_TRUE(call.starts_with(std::string("SetManualGainA 1 0 0 ") + gain + " 0 0 ")) << call;
+            }
+        EXPECT_EQ(m_flows->m_gainConfig.chains[0].internalGain, 2u);
+    }
+}
+
+// Versions and country.
+
+TEST_F(FlowsTriggerTest, VersionsAndConfigurationStandInTheirLines) {
+    Start("device=0x54F0");
+    m_flows->GetComponentsVersions();
+    EXPECT_EQ(m_flows->m_response,
+              "Application version: TRN.03994.23.30.0\nUSC version: " + m_flows->GetUscVersion() +
+                  "\nDriver version: " + m_flows->GetDriverVersion() + "\nFW version: " + m_flows->GetUcodeVersion() +
+                  "\nQUAYNDISUIO version: " + m_flows->GetSVDriverVersion() + "\nMAC Address: 02:54:41:52:4E:01\n");
+    const auto lines = Lines(Output("-get_supported_config"));
+    ASSERT_GT(lines.size(), 11u);
+    EXPECT_EQ(lines[0], std::to_string(0x54F0));
+    EXPECT_EQ(lines[4], "0");  // no sweep yet
+    EXPECT_EQ(lines[5], "3");
+    EXPECT_EQ(lines[6], "02:54:41:52:4E:01");
+    EXPECT_EQ(lines[11], "(1,LB),1,0,0,0,0");
+    EXPECT_EQ(std::ranges::count(lines, "(36,HB),1,0,0,0,0"), 1);
+    EXPECT_EQ(std::ranges::count(lines, "(31,UHB),0,0,0,0,1"), 1);
+}
+
+TEST_F(FlowsTriggerTest, ThePlatformReportHasNineLabelledLines) {
+    Start();
+    const std::string labels[] = {
+        "CPU string: ",     "Computer name: ",   "Architecture: ",    "Number of processors: ", "wProcessorRevision: ",
+        "Processor type: ", "Min app address: ", "Max app address: ", "Active processor mask: "};
+    const auto lines = Lines(Output("-get_platform_info"));
+    ASSERT_EQ(lines.size(), std::size(labels));
+    for (std::size_t k = 0; k < lines.size(); ++k)
+        EXPECT_TRUE(lines[k].starts_with(labels[k])) << lines[k];
+    EXPECT_GE(std::stoi(lines[3].substr(labels[3].size())), 1);
+    EXPECT_TRUE(lines[7].substr(labels[7].size()).starts_with("0x")) << lines[7];
+}
+
+TEST_F(FlowsTriggerTest, OnlyTwoLettersAreACountry) {
+    Start("hw=16,card=0");
+    for (const auto& [value, kept] : {std::pair{"de", "de"}, {"D1", "de"}, {"USA", "de"}, {"U", "de"}, {"US", "US"}}) {
+        m_errorStream.str("");
+        const Answer answer = Run(std::string("-mcc_profile ") + value);
+        EXPECT_EQ(answer.exitCode, 0) << value;
+        EXPECT_EQ(m_flows->m_mcc, kept) << value;
+        const bool good = m_flows->m_mcc == value;
+        EXPECT_EQ(m_errorStream.str(), good ? "" : std::string("Error: Invalid MCC value: ") + value + "\n");
+    }
+    m_flows->m_mcc.clear();
+    ForgetCalls();
+    Run("-set_mcc");
+    EXPECT_EQ(CallNames()[0], "ApplyMcc");  // an empty country keeps the device's own
+    Run("-set_mcc -mcc_profile de");
+    EXPECT_EQ(std::ranges::count(Calls(), "SetMcc " + std::to_string('d' * 256 + 'e') + " 1"), 1);
+}
+
+}  // namespace

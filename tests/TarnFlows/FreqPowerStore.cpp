@@ -1,0 +1,118 @@
+// The frequency-power store, its CSV table to the byte, and the memory documents.
+#include "FreqPowerStore.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+
+#include "Exceptions.h"
+#include "NvmDocuments.h"
+
+namespace {
+
+TEST(FreqPowerStore, TheTableHoldsEveryTriggerInKeyOrder) {
+    FreqPowerStore store;
+    EXPECT_EQ(store.ToCsv(), "BW, Channel, RBW\n\n");
+    store.Store({1, 1, 38}, {2, -71.25, 0, 78.125, "t4"});
+    store.Store({1, 0, 36}, {1, -70.123456, 0, 39.0625, "t1"});
+    store.Store({1, 0, 36}, {3, -65, -1e-7, 39.0625, "t2"});
+    store.Store({1, 0, 36}, {2, -66.5, -99, 312.5, "t3"});
+    store.Store({0, 0, 14}, {1, -1234567, 0, 39.0625, "t0"});
+    const std::string group = ", Chain A Power, Chain B Power, Trigger Time";
+    const std::string expected = "BW, Channel, RBW" + group + group + group +
+                                 "\n20MHz, 14 (2484 MHz), 39.0625, -1.23457e+06, None, t0\n"
+                                 "20MHz, 36 (5180 MHz), 312.5, -70.1235, None, t1, -65, -1e-07, t2, None, -66.5, t3\n"
+                                 "40MHz, 38 (5190 MHz), 78.125, None, -71.25, t4\n\n";
+    EXPECT_EQ(store.ToCsv(), expected);
+
+    const std::string path = ::testing::TempDir() + "freq_power_table.csv";
+    std::ofstream(path) << std::string(100000, 'x');
+    store.Write(path);
+    std::ostringstream written;
+    written << std::ifstream(path).rdbuf();
+    EXPECT_EQ(written.str(), expected);
+    std::filesystem::remove(path);
+    EXPECT_NO_THROW(store.Write(::testing::TempDir() + "no/such/folder/table.csv"));
+
+    store.Clear();
+    EXPECT_EQ(store.ToCsv(), "BW, Channel, RBW\n\n");
+}
+
+TEST(FreqPowerStore, EntriesWithShortListsAreWrittenAsFarAsTheyGo) {
+    FreqPowerStore store;
+    store.GetEntries()[{0, 0, 1}].chainA = {"-70", "-71"};
+    store.GetEntries()[{0, 0, 1}].chainB = {"None"};
+    EXPECT_EQ(store.ToCsv(), "BW, Channel, RBW\n20MHz, 1 (2412 MHz), , -70, None, , -71, , \n\n");
+    store.GetEntries()[{0, 3, 1}] = {};
+    EXPECT_THROW(store.ToCsv(), Common::Exception);
+}
+
+TEST(FreqPowerStore, AnAverageStoresOnlyTheTriggerThatCompletesIt) {
+    int stored = 0;
+    for (int counter = 0; counter < 30; ++counter)
+        stored += FreqPowerStore::IsTriggerDue(true, false, counter, 10);
+    EXPECT_EQ(stored, 3);
+    EXPECT_TRUE(FreqPowerStore::IsTriggerDue(true, false, 9, 10));
+    EXPECT_TRUE(FreqPowerStore::IsTriggerDue(true, true, 3, 10)) << "max hold stores every trigger";
+    EXPECT_TRUE(FreqPowerStore::IsTriggerDue(false, false, 3, 10));
+    for (std::int64_t sweeps : {0, -1})
+        EXPECT_FALSE(FreqPowerStore::IsTriggerDue(true, false, -1, sweeps));
+    EXPECT_FALSE(FreqPowerStore::IsTriggerDue(true, false, INT64_C(0xFFFFFFFE), 2));
+}
+
+TEST(FreqPowerStore, AFullRunOfTriggersStaysInStep) {
+    FreqPowerStore store;
+    for (int k = 0; k < 4000; ++k)
+        store.Store({2, 4, 31}, {std::uint32_t(k % 3 + 1), -60.0 - k, -61, 39.0625, "t"});
+    const FreqPowerEntry& entry = store.GetEntries().begin()->second;
+    EXPECT_EQ(store.GetColumns(), 4000);
+    EXPECT_TRUE(entry.chainA.size() == 4000 && entry.chainB.size() == 4000 && entry.times.size() == 4000);
+    EXPECT_EQ(entry.chainA[3999], "-4059");
+}
+
+TEST(NvmDocuments, TheHardwareChoosesADocumentOfItsFamilyOrNone) {
+    const struct {
+        std::vector<std::uint32_t> hardware;
+        std::string root;
+        int partitions;
+    } families[] = {
+        {{11, 12, 13, 14, 15}, "<NVM_METADATA Product='Teak' XML-Ver='1.0' Content-Ver='0xA356'>", 4},
+        {{16, 17, 24}, "<NVM_METADATA Product='Fir' FormFactor='1.0' XML-Ver='1.0' Content-Ver='0xA435'>", 3},
+        {{20}, "<NVM_METADATA Product='Yew' FormFactor='Module SKU' XML-Ver='1.0' Content-Ver='0xA492'>", 3},
+        {{21, 22, 25, 28},
+         "<NVM_METADATA Product='Ash' FormFactor='Module SKU' XML-Ver='1.0' Content-Ver='0xA626'>",
+         3},
+        {{23}, "<NVM_METADATA Product='Ash4' FormFactor='Module SKU' XML-Ver='1.0' Content-Ver='0xA640'>", 3},
+        {{5, 6, 7, 8, 9, 26, 27, 29, 30}, "", 0}};
+    std::set<std::uint32_t> known;
+    for (const auto& family : families)
+        for (std::uint32_t hardware : family.hardware) {
+            known.insert(hardware);
+            const std::string* document = NvmDocumentOfHardware(hardware);
+            ASSERT_EQ(document != nullptr, !family.root.empty()) << hardware;
+            if (!document) continue;
+            EXPECT_EQ(document->substr(0, family.root.size()), family.root);
+            EXPECT_EQ(document->find_first_of("\n\""), std::string::npos);
+            int partitions = 0, depth = 0;
+            for (std::size_t at = 0; (at = document->find('<', at)) != std::string::npos; ++at) {
+                partitions += document->compare(at, 11, "<Partition ") == 0;
+                const std::size_t end = document->find('>', at);
+                if ((*document)[end - 1] == '/') continue;
+                depth += (*document)[at + 1] == '/' ? -1 : 1;
+                EXPECT_TRUE(depth > 0 || end + 1 == document->size());
+            }
+            EXPECT_EQ(partitions, family.partitions) << hardware;
+            EXPECT_EQ(depth, 0);
+        }
+    EXPECT_NE(*NvmDocumentOfHardware(21), *NvmDocumentOfHardware(22)) << "Ash and Bay differ in their fields";
+    for (std::uint32_t hardware = 0; hardware < 40; ++hardware) {
+        if (known.contains(hardware)) continue;
+        EXPECT_THROW(NvmDocumentOfHardware(hardware), std::runtime_error) << hardware;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,348 @@
+// The built program as a person or a script meets it.
+#include "Program.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "OSAL.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const std::string goodName = "BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_";
+
+/// A tone of 100 codes amplitude on each of I and Q: enough for a level above the floor.
+void WriteCapture(const fs::path& path, int lines = 4096) {
+    std::ofstream file(path);
+    static constexpr int cycle[] = {100, 71, 0, -71, -100, -71, 0, 71};
+    for (int k = 0; k < lines; ++k)
+        file << cycle[k % 8] << " ," << cycle[(k + 2) % 8] << "\n";
+}
+
+std::vector<nlohmann::json> Records(const std::string& text) {
+    std::vector<nlohmann::json> records;
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        records.push_back(nlohmann::json::parse(line));
+    return records;
+}
+
+Program OnFake(std::vector<std::string> arguments) {
+    Program program(std::move(arguments));
+    program.With("TARN_PLUGIN=" FAKE_PLUGIN);
+    return program;
+}
+
+bool Has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+}  // namespace
+
+TEST(Program, TalksOnStandardErrorAndKeepsDataOnStandardOutput) {
+    struct Case {
+        std::vector<std::string> arguments;
+        int status;
+        std::string out;
+        std::string err;
+    };
+    const Case cases[] = {
+        {{}, 0, "analyse", ""},
+        {{"--version"}, 0, "tarn ", ""},
+        {{"run", "--help"}, 0, "--keep-going", ""},
+        {{"bogus"}, 2, "", "bogus"},
+        {{"run"}, 2, "", "--script"},
+        {{"info", "--adapter", "hw=none"}, 3, "", "hw"},
+        {{"--adapter", "connected=0", "run", "--", "-trigger_now"}, 3, "", "isn't connected"},
+        {{"run", "--adapter", "hw=18", "--", "-trigger_now"}, 3, "", "Unknown device"},
+        {{"run", "--air", "file:/nowhere", "--", "-trigger_now"}, 3, "", "/nowhere"},
+        {{"run", "--fault", "ApplyMcc:1", "--", "-trigger_now"}, 3, "", "Failed to set MCC"},
+        {{"run", "--log", "/nowhere/log.txt", "--", ""}, 1, "", "/nowhere/log.txt"},
+        {{"run", "--script", "/nowhere"}, 1, "", "/nowhere"},
+        {{"analyse", "/nowhere"}, 1, "", "/nowhere"},
+        {{"analyse", "a\"b"}, 1, "", "double quote"},
+    };
+    for (const auto& [arguments, status, out, err] : cases) {
+        const auto run = Tarn(arguments);
+        const std::string name = arguments.empty() ? "" : arguments[0] + " " + arguments.back();
+        EXPECT_EQ(run.status, status) << name << "\n" << run.err;
+        EXPECT_TRUE(out.empty() == run.out.empty() || arguments[0] == "info") << name << "\n" << run.out;
+        EXPECT_TRUE(Has(run.out, out)) << name << "\n" << run.out;
+        EXPECT_EQ(err.empty(), run.err.empty()) << name << "\n" << run.err;
+        EXPECT_TRUE(Has(run.err, err)) << name << "\n" << run.err;
+    }
+}
+
+TEST(Program, AFullDeviceIsAFailureAndAClosedPipeIsNot) {
+    const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+    ASSERT_GE(full, 0);
+    int pipe[2];
+    ASSERT_EQ(::pipe2(pipe, O_CLOEXEC), 0);
+    ::close(pipe[0]);
+    const std::vector<std::vector<std::string>> commands = {
+        {"--help"}, {"info", "--kernels"}, {"run", "--", "-get_platform_info"}, {"run", "--record", "--", "", ""}};
+    for (const auto& command : commands) {
+        const auto onFull = Program(command).OutputTo(full).Run();
+        EXPECT_EQ(onFull.status, 1) << command[0];
+        EXPECT_TRUE(Has(onFull.err, "No space left")) << onFull.err;
+        const auto onClosed = Program(command).OutputTo(pipe[1]).Run();
+        EXPECT_EQ(onClosed.status, 141) << command[0];
+        EXPECT_EQ(onClosed.err, "") << command[0];
+    }
+    ::close(full);
+    ::close(pipe[1]);
+}
+
+TEST(Program, InfoNamesPluginAdapterAirKernelAndLog) {
+    const auto run = Program({"info", "--adapter", "bands=0"}).With("TARN_KERNEL=portable").Run();
+    EXPECT_EQ(run.status, 0) << run.err;
+    for (const char* part : {"libTarnFlows.so", "bands=0", "air", "portable", "--log FILE", "2.4 GHz: 14 at 20 MHz"})
+        EXPECT_TRUE(Has(run.out, part)) << part << "\n" << run.out;
+    EXPECT_FALSE(Has(run.out, "6-7 GHz")) << run.out;
+    const auto badKernel = Program({"info"}).With("TARN_KERNEL=abacus").Run();
+    EXPECT_EQ(badKernel.status, 1);
+    EXPECT_TRUE(Has(badKernel.err, "abacus") && Has(badKernel.err, "portable")) << badKernel.err;
+    EXPECT_TRUE(Has(Program({"info"}).With("TARN_PLUGIN=/nowhere.so").Run().err, "/nowhere.so"));
+}
+
+TEST(Run, RecordsEachLineWithEverythingThatCameBack) {
+    const auto run = Program({"run", "--record", "--keep-going", "--script", "-"})
+                         .Input(
+                             "\xEF\xBB\xBF# settings\r\n\r\n"
+                             "-band 5.2 -channel 36   # no capture yet\r\n"
+                             "-bogus \"a b\"\n"
+                             "-get_channel_average")  // no line end
+                         .Run();
+    EXPECT_EQ(run.status, 1);
+    const auto records = Records(run.out);
+    ASSERT_EQ(records.size(), 3U) << run.out << run.err;
+    EXPECT_EQ(records[0]["line"], "-band 5.2 -channel 36");
+    EXPECT_EQ(records[0]["exitCode"], 0);
+    EXPECT_EQ(records[0]["left"], "");
+    EXPECT_EQ(records[1]["exitCode"], 256);
+    EXPECT_EQ(records[1]["left"], "-bogus \"a b\"");
+    EXPECT_TRUE(Has(records[1]["output"], "ERROR:")) << records[1];
+    EXPECT_EQ(records[2]["output"], "false");
+    EXPECT_EQ(run.err, "tarn: line 4: Unrecognized command line option: -bogus \"a b\"\n");
+}
+
+TEST(Run, StopsAtTheFirstFailingLineAndShowsItsErrorOnce) {
+    const auto run = Tarn({"run", "--", "-get_channel_average", "-rbw 1", "-get_channel_average"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(std::ranges::count(run.out, '\n'), 1) << run.out;
+    EXPECT_EQ(run.err, "tarn: line 2: RBW 1 is not valid\n");
+}
+
+TEST(Run, AWarningOfASuccessfulLineIsShown) {
+    const auto run = Tarn({"run", "--", "-mcc_profile U1"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_TRUE(Has(run.err, "Invalid MCC value: U1")) << run.err;
+}
+
+TEST(Run, PassesOnWhatThePluginSendsAndClosesInOrder) {
+    const auto passing = OnFake({"run", "--web", "--", "speak", "plain", "bytes"}).Run();
+    EXPECT_EQ(passing.status, 0);
+    EXPECT_EQ(passing.out, "{\"web\":1}\ntext\nno\na\xFFz\n");
+    EXPECT_EQ(passing.err, "init\ntarn: complaint\ndeinit\ndestroyed\n");
+
+    const auto recording =
+        OnFake({"run", "--plain", "--record", "--keep-going", "--", "speak", "plain", "bytes", "fail"}).Run();
+    EXPECT_EQ(recording.status, 1);
+    const auto records = Records(recording.out);
+    ASSERT_EQ(records.size(), 4U) << recording.out;
+    EXPECT_EQ(records[0]["messages"], nlohmann::json::array({"{\"web\":0}"}));
+    EXPECT_EQ(records[0]["printed"], nlohmann::json::array({"text"}));
+    EXPECT_EQ(records[0]["printedErrors"], nlohmann::json::array({"complaint\n"}));
+    EXPECT_EQ(records[1]["output"], "yes");
+    EXPECT_TRUE(records[1]["messages"].empty());  // those of the line before are gone
+    EXPECT_EQ(records[2]["output"], "a\xEF\xBF\xBDz");
+    EXPECT_TRUE(Has(recording.err, "line 4: failed with exit code 259")) << recording.err;
+}
+
+TEST(Run, AFailedStartIsTheAdaptersAlsoWhenThrownAsAPointer) {
+    const auto run = OnFake({"run", "--", "plain"}).With("FAKE_INIT_THROWS=1").Run();
+    EXPECT_EQ(run.status, 3);
+    EXPECT_EQ(run.err, "destroyed\ntarn: can't start on this adapter: thrown as a pointer\n");
+}
+
+TEST(Run, CtrlCEndsALineThatDoesNotEndByItself) {
+    auto program = OnFake({"run", "--", "speak", "sleep"});
+    const auto run = program.Signal(SIGINT, [&] { return Has(program.Text("out"), "asleep"); }).Run();
+    EXPECT_EQ(run.status, 130);
+    EXPECT_TRUE(Has(run.out, "text\nasleep\n")) << run.out;
+    EXPECT_TRUE(Has(run.err, "interrupted while line 2 ran")) << run.err;
+}
+
+TEST(Run, AnswersALineBeforeTheNextIsWritten) {
+    int toProgram[2];
+    int fromProgram[2];
+    ASSERT_EQ(::pipe2(toProgram, O_CLOEXEC), 0);
+    ASSERT_EQ(::pipe2(fromProgram, O_CLOEXEC), 0);
+    std::string answers;
+    std::thread person([&] {
+        char byte = 0;
+        for (int k = 0; k < 2; ++k) {
+            EXPECT_GT(::write(toProgram[1], "-get_channel_average\n", 21), 0);
+            while (::read(fromProgram[0], &byte, 1) == 1 && byte != '\n')
+                answers += byte;
+        }
+        ::close(toProgram[1]);
+    });
+    const std::string input = "/dev/fd/" + std::to_string(::dup(toProgram[0]));  // inherited
+    const auto run = Program({"run", "--record", "--script", input}).OutputTo(fromProgram[1]).Run();
+    person.join();
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_EQ(std::ranges::count(answers, '{'), 2) << answers;
+}
+
+TEST(Analyse, PrintsResultsAndSaysWhatItSkips) {
+    const TempFolder temp;
+    const fs::path folder = temp.Path() / "my 'captures' #1";
+    fs::create_directory(folder);
+    WriteCapture(folder / (goodName + "one.txt"));
+    WriteCapture(folder / (goodName + "two, too.txt"));
+    WriteCapture(folder / "notes.txt");
+    fs::create_directory(folder / (goodName + "folder"));
+    for (int time = 1; time <= 2; ++time) {
+        const auto run = Tarn({"analyse", folder.string()});
+        EXPECT_EQ(run.status, 0) << run.err;
+        EXPECT_EQ(std::ranges::count(run.out, '\n'), 3) << run.out;
+        EXPECT_TRUE(Has(run.out, goodName + "two, too.txt")) << run.out;
+        EXPECT_TRUE(Has(run.err, "skipped 'notes.txt': has no BAND_")) << run.err;
+        EXPECT_TRUE(Has(run.err, "folder': is a folder")) << run.err;
+    }
+    EXPECT_EQ(TarnHost::ParseResults(TarnHost::ReadText(folder / "result.csv")).size(), 2U);
+    EXPECT_EQ(Tarn({"analyse", temp.Path().string()}).status, 0);  // only a folder in it: a message
+}
+
+TEST(Analyse, AFolderNamedLikeAKeyIsAFolder) {
+    const TempFolder temp;
+    fs::create_directory(temp.Path() / "-band");
+    WriteCapture(temp.Path() / "-band" / (goodName + "1.txt"));
+    const auto before = fs::current_path();
+    fs::current_path(temp.Path());
+    const auto run = Tarn({"analyse", "--", "-band"});
+    fs::current_path(before);
+    EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(Has(run.out, goodName)) << run.out;
+}
+
+TEST(Analyse, ABadFileEndsItWithItsNameAndKeepsTheRowsBefore) {
+    const TempFolder folder;
+    for (const char* run : {"1.txt", "2.txt", "3.txt"})
+        WriteCapture(folder.Path() / (goodName + run));
+    const std::string middle = OSAL::ListDirectory(folder.Path().string())[1];
+    std::ofstream(folder.Path() / middle) << "12 ,oops\n";
+    const auto run = Tarn({"analyse", folder.Path().string()});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(std::ranges::count(run.out, '\n'), 2) << run.out;
+    EXPECT_TRUE(Has(run.err, "ended at '" + middle + "': invalid stod argument (1 file of 3 analysed)")) << run.err;
+}
+
+TEST(Analyse, ResultsThatCanNotBeWrittenAreAFailure) {
+    const TempFolder folder;
+    WriteCapture(folder.Path() / (goodName + "1.txt"));
+    fs::create_directory(folder.Path() / "result.csv");
+    const auto asFolder = Tarn({"analyse", folder.Path().string()});
+    EXPECT_EQ(asFolder.status, 1);
+    EXPECT_TRUE(Has(asFolder.err, "result.csv is a folder")) << asFolder.err;
+
+    // Each line is lost while the file can be opened: what a full disk looks like.
+    fs::remove(folder.Path() / "result.csv");
+    fs::create_symlink("/dev/full", folder.Path() / "result.csv");
+    const auto onFull = Tarn({"analyse", folder.Path().string()});
+    EXPECT_EQ(onFull.status, 1);
+    EXPECT_TRUE(Has(onFull.err, "no result for 1 file")) << onFull.err;
+}
+
+TEST(Analyse, AFolderWithoutWritePermissionIsRefusedBeforeTheWork) {
+    const TempFolder folder;
+    WriteCapture(folder.Path() / (goodName + "1.txt"));
+    fs::permissions(folder.Path(), fs::perms::owner_read | fs::perms::owner_exec);
+    const bool isPrivileged = ::access(folder.Path().c_str(), W_OK) == 0;
+    const auto denied = Tarn({"analyse", folder.Path().string()});
+    fs::permissions(folder.Path(), fs::perms::owner_all);
+    if (isPrivileged) GTEST_SKIP() << "this user may write everywhere";
+    EXPECT_EQ(denied.status, 1);
+    EXPECT_TRUE(Has(denied.err, "Permission denied")) << denied.err;
+}
+
+TEST(Analyse, CtrlCKeepsTheResultsSoFar) {
+    const TempFolder folder;
+    const fs::path first = folder.Path() / (goodName + "0.txt");
+    WriteCapture(first, 98304);
+    for (int k = 1; k < 400; ++k)
+        fs::copy_file(first, folder.Path() / (goodName + std::to_string(k) + ".txt"));
+    const fs::path result = folder.Path() / "result.csv";
+    const auto run = Program({"analyse", folder.Path().string()})
+                         .Signal(SIGINT, [&] { return !TarnHost::ParseResults(TarnHost::ReadText(result)).empty(); })
+                         .Run();
+    EXPECT_EQ(run.status, 130) << run.err;
+    EXPECT_TRUE(Has(run.err, "interrupted: ")) << run.err;
+    const auto rows = TarnHost::ParseResults(TarnHost::ReadText(result));
+    EXPECT_GE(rows.size(), 1U);
+    EXPECT_LT(rows.size(), 400U);
+    EXPECT_TRUE(Has(run.out, rows.front().file)) << run.out;
+}
+
+TEST(Run, CtrlCEndsTheWaitForTheNextLine) {
+    int silent[2];
+    ASSERT_EQ(::pipe2(silent, 0), 0);  // both ends inherited: never at its end
+    const TempFolder folder;
+    const fs::path journal = folder.Path() / "journal";
+    const auto run = Program({"run", "--script", "/dev/fd/" + std::to_string(silent[0]), "--journal", journal.string()})
+                         .Signal(SIGTERM,
+                                 [&] {
+                                     return Has(TarnHost::ReadText(journal), "SetManual") ||
+                                            Has(TarnHost::ReadText(journal), "ConfigTxRx");
+                                 })
+                         .Run();
+    EXPECT_EQ(run.status, 143) << run.err;
+    EXPECT_EQ(run.err, "tarn: interrupted\n");
+    ::close(silent[0]);
+    ::close(silent[1]);
+}
+
+TEST(Simulate, WritesCapturesThatAnalysisReads) {
+    const TempFolder temp;
+    const fs::path folder = temp.Path() / "new" / "folder";
+    const std::vector<std::string> command = {"simulate", folder.string(), "--adapter", "bands=0+1,samples=4096"};
+    const auto first = Tarn(command);
+    ASSERT_EQ(first.status, 0) << first.err;
+    const auto files = std::distance(fs::directory_iterator(folder), {});
+    EXPECT_GE(files, 10);
+    const auto again = Tarn(command);
+    EXPECT_EQ(again.status, 1);
+    EXPECT_TRUE(Has(again.err, "--force")) << again.err;
+    auto forced = command;
+    forced.push_back("--force");
+    EXPECT_EQ(Tarn(forced).status, 0);
+
+    const auto analysis = Tarn({"analyse", folder.string()});
+    EXPECT_EQ(analysis.status, 0) << analysis.err;
+    EXPECT_EQ(analysis.err, "");
+    EXPECT_EQ(std::ranges::count(analysis.out, '\n'), files + 1);
+    for (const auto& row : TarnHost::ParseResults(TarnHost::ReadText(folder / "result.csv"))) {
+        const double power = std::stod(row.power);
+        EXPECT_TRUE(power > -130 && power < 0) << row.file << " " << row.power;
+    }
+}
+
+TEST(Simulate, AFailingRadioLeavesTheWholeFilesBefore) {
+    const TempFolder folder;
+    const auto run =
+        Tarn({"simulate", folder.Path().string(), "--adapter", "samples=4096", "--fault", "ReadCaptureEx:3"});
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Has(run.err, "ReadCaptureEx")) << run.err;
+    int files = 0;
+    for (const auto& entry : fs::directory_iterator(folder.Path())) {
+        ++files;
+        const std::string text = TarnHost::ReadText(entry.path());
+        EXPECT_EQ(std::ranges::count(text, '\n'), 4096) << entry.path();
+    }
+    EXPECT_EQ(files, 2);
+}
