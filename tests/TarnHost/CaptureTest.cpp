@@ -102,6 +102,21 @@ TEST(SampleFiles, AreWrittenWholeOrNotAtAll) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 2);
 }
 
+TEST(SampleFiles, GoThroughALinkAndNeverReplaceADevice) {
+    const TempFolder folder;
+    const auto link = folder.Path() / "link.txt", target = folder.Path() / "target.txt";
+    std::filesystem::create_symlink("target.txt", link);
+    EXPECT_FALSE(WriteWhole(link, "one\n"));
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_EQ(ReadText(target), "one\n");
+    EXPECT_FALSE(WriteWhole("/dev/null", "gone"));
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+    const auto failure = WriteWhole("/dev/full", "text");
+    ASSERT_TRUE(failure);
+    EXPECT_NE(failure->message.find("No space left"), std::string::npos) << failure->message;
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
+}
+
 TEST(Folders, ListWhatAnalysisTakesAndWhyItSkips) {
     const TempFolder folder;
     const std::string good = "BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_";

@@ -1,11 +1,10 @@
 #include "SampleFile.h"
 
 #include <array>
-#include <cerrno>
 #include <charconv>
 #include <cmath>
-#include <fstream>
-#include <system_error>
+
+#include "WholeFile.h"
 
 namespace TarnHost {
 namespace {
@@ -31,19 +30,8 @@ std::string SampleText(const Samples& samples) {
 }
 
 std::optional<Failure> WriteWhole(const std::filesystem::path& path, const std::string& text) {
-    const auto part = path.parent_path() / ("." + path.filename().string() + ".part");
-    errno = 0;
-    std::ofstream file(part, std::ios::binary | std::ios::trunc);
-    file.write(text.data(), static_cast<std::streamsize>(text.size()));
-    file.close();
-    std::error_code error(errno, std::generic_category());
-    if (file) {
-        std::filesystem::rename(part, path, error);
-        if (!error) return std::nullopt;
-    }
-    std::error_code ignored;
-    std::filesystem::remove(part, ignored);
-    return Failure{"can't write '" + path.string() + "': " + (error ? error.message() : "unknown reason")};
+    if (auto reason = OSAL::WriteWholeFile(path, text)) return Failure{*reason};
+    return std::nullopt;
 }
 
 }  // namespace TarnHost

@@ -13,7 +13,7 @@ namespace TarnHost {
 /// The text of a sample file. ADC codes are whole numbers of 16 bits.
 std::string SampleText(const Samples& samples);
 
-/// Writes beside the file's place and renames, so that a failure leaves nothing half written.
+/// Writes the file whole or not at all.
 std::optional<Failure> WriteWhole(const std::filesystem::path& path, const std::string& text);
 
 }  // namespace TarnHost

@@ -3,26 +3,27 @@
 #include <cairo-pdf.h>
 #include <cairo-svg.h>
 
-#include <filesystem>
+#include "WholeFile.h"
 
 namespace TarnMeasure {
 namespace {
 constexpr double pixelsPerPoint = 1.5;  // of a PNG
 
-bool EndsIn(const std::string& text, const char* ending) {
-    return text.ends_with(ending);
+cairo_status_t Collect(void* bytes, const unsigned char* data, unsigned length) {
+    static_cast<std::string*>(bytes)->append(reinterpret_cast<const char*>(data), length);
+    return CAIRO_STATUS_SUCCESS;
 }
 }  // namespace
 
-Canvas::Canvas(const std::string& path, double width, double height) : m_path(path), m_scratch(path + ".part") {
-    m_isPng = EndsIn(path, ".png");
+Canvas::Canvas(const std::string& path, double width, double height) : m_path(path) {
+    m_isPng = path.ends_with(".png");
     if (m_isPng)
         m_surface = cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(width * pixelsPerPoint),
                                                static_cast<int>(height * pixelsPerPoint));
-    else if (EndsIn(path, ".svg"))
-        m_surface = cairo_svg_surface_create(m_scratch.c_str(), width, height);
+    else if (path.ends_with(".svg"))
+        m_surface = cairo_svg_surface_create_for_stream(&Collect, &m_bytes, width, height);
     else
-        m_surface = cairo_pdf_surface_create(m_scratch.c_str(), width, height);
+        m_surface = cairo_pdf_surface_create_for_stream(&Collect, &m_bytes, width, height);
     m_cairo = cairo_create(m_surface);
     if (m_isPng) cairo_scale(m_cairo, pixelsPerPoint, pixelsPerPoint);
     Fill({0, 0, width, height}, {1, 1, 1});
@@ -31,8 +32,6 @@ Canvas::Canvas(const std::string& path, double width, double height) : m_path(pa
 Canvas::~Canvas() {
     if (m_cairo) cairo_destroy(m_cairo);
     if (m_surface) cairo_surface_destroy(m_surface);
-    std::error_code ignored;
-    std::filesystem::remove(m_scratch, ignored);
 }
 
 void Canvas::Fill(const Box& box, const Colour& colour) {
@@ -105,14 +104,12 @@ std::optional<std::string> Canvas::Finish() {
     cairo_status_t status = cairo_status(m_cairo);
     cairo_destroy(m_cairo);
     m_cairo = nullptr;
-    if (m_isPng && status == CAIRO_STATUS_SUCCESS) status = cairo_surface_write_to_png(m_surface, m_scratch.c_str());
+    if (m_isPng && status == CAIRO_STATUS_SUCCESS)
+        status = cairo_surface_write_to_png_stream(m_surface, &Collect, &m_bytes);
     cairo_surface_finish(m_surface);
     if (status == CAIRO_STATUS_SUCCESS) status = cairo_surface_status(m_surface);
     if (status != CAIRO_STATUS_SUCCESS) return m_path + ": " + cairo_status_to_string(status);
-    std::error_code error;
-    std::filesystem::rename(m_scratch, m_path, error);
-    if (error) return m_path + ": " + error.message();
-    return std::nullopt;
+    return OSAL::WriteWholeFile(m_path, m_bytes);
 }
 
 }  // namespace TarnMeasure

@@ -51,7 +51,7 @@ public:
 
 private:
     std::string m_path;
-    std::string m_scratch;
+    std::string m_bytes;  ///< what Cairo wrote so far
     cairo_surface_t* m_surface = nullptr;
     cairo_t* m_cairo = nullptr;
     bool m_isPng = false;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
 
 #include "Axes.h"
 #include "Canvas.h"
@@ -158,9 +157,6 @@ bool IsPicturePath(const std::string& path) {
 std::optional<std::string> WritePicture(const Result& result, const std::string& path) {
     if (!IsPicturePath(path)) return path + ": the ending must be .png, .svg or .pdf";
     if (result.channels.empty()) return "nothing was measured, so there is nothing to draw";
-    const std::filesystem::path parent = std::filesystem::path(path).parent_path();
-    std::error_code ignored;
-    if (!parent.empty() && !std::filesystem::is_directory(parent, ignored)) return path + ": there is no such folder";
 
     const std::size_t panels = result.channels[0].chains.size();
     const double height = headHeight + static_cast<double>(panels) * panelHeight + 40;
