@@ -192,7 +192,9 @@ V ConvertToken(const std::string& token) {
         stream.imbue(std::locale::classic());
         V value{};
         stream >> value;
-        if (stream.rdbuf()->in_avail() > 0 || stream.bad()) throw new Exceptions::InvalidTokenException(token);
+        const bool isNoNumber = stream.fail() && !token.empty() && value == V{};  // a lone sign, "1e"
+        if (stream.rdbuf()->in_avail() > 0 || stream.bad() || isNoNumber)
+            throw new Exceptions::InvalidTokenException(token);
         return value;
     }
 }

@@ -71,7 +71,7 @@ void CDebugPrint::SetFormatter(ILogFormatter* formatter) {
     std::unique_ptr<ILogFormatter> given(formatter);
     if (m_formatter && given && m_formatter != given) return;
     if (m_formatter == given)
-        given.release();
+        static_cast<void>(given.release());  // it is the one that stands
     else
         m_formatter = std::move(given);
 }

@@ -17,7 +17,8 @@ bool Rotate(std::ostream& stream, const std::string& path) {
     refusedPath.clear();
 
     auto& counter = SingletonWrapper<AppStreams>::accessObject()->rotationCounter;
-    OSAL::CopyFile(path, path.substr(0, path.find(".txt")) + std::to_string(counter) + ".txt");
+    const std::string numbered = path.substr(0, path.find(".txt")) + std::to_string(counter) + ".txt";
+    if (!OSAL::IsLink(numbered)) OSAL::CopyFile(path, numbered);  // what a link leads to isn't ours to replace
     ++counter;
     if (OSAL::IsLink(path)) {
         refusedPath = path;
@@ -27,6 +28,8 @@ bool Rotate(std::ostream& stream, const std::string& path) {
         file->close();
         file->clear();
         file->open(path, std::ios_base::out | std::ios_base::trunc);
+        file->close();
+        file->open(path, std::ios_base::out | std::ios_base::app);  // another process may write the same file
     }
     return true;
 }

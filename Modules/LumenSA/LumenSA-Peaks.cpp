@@ -92,7 +92,7 @@ void CLmnSA::FindMaxPoints() {
 /// its largest bin is a peak. A band too narrow for the slices yields its largest bin.
 /// @param lastSlice  the last start of the three slices; 0 or less for a narrow band
 void CLmnSA::FindChainPeaks(const double* inBand, int inBandLen, int lastSlice, PeakList& peaks) {
-    TRACE_SCOPE("CLmnSA::FindChainPeaks");
+    constexpr const char* traceFunctionName = "CLmnSA::FindMaxPoints";  // a step of it
     const double startFreq = BandStart();
     const double step = m_RBW / 1000.0;
     const int window = SliceWidth(m_WindowSize);

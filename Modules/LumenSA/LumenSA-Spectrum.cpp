@@ -39,7 +39,7 @@ void CLmnSA::UpdateFromLastSweep() {
 }
 
 void CLmnSA::UpdateChain(int chain, double noiseFloor) {
-    TRACE_SCOPE("CLmnSA::UpdateChain");
+    constexpr const char* traceFunctionName = "CLmnSA::UpdateFromLastSweep";  // a step of it
     double* const spectrum = m_Spectrum[chain]->val;
     const bool staysLinear = m_VesperTestInProgress && m_IsBRK;
     m_buffers->chains[chain].spectrumIsLinear = true;
@@ -66,7 +66,7 @@ void CLmnSA::UpdateChain(int chain, double noiseFloor) {
 }
 
 void CLmnSA::UpdateChannelPower(int chain, double noiseFloor) {
-    TRACE_SCOPE("CLmnSA::UpdateChannelPower");
+    constexpr const char* traceFunctionName = "CLmnSA::UpdateFromLastSweep";  // a step of it
     const double* source = m_Spectrum[chain]->val;
     if (GetProperty(LmnSAProperty::MaxHold)) {
         TRACE(Streams::TraceDebug, "Calculating channel power on max hold buffer");
@@ -126,7 +126,7 @@ void CLmnSA::LinearToLog(double* pCurr, int chain) {
 
 /// Brings the lowest frequency to the front.
 void CLmnSA::ShiftHalves(double* spectrum) {
-    TRACE_SCOPE("CLmnSA::ShiftHalves");
+    constexpr const char* traceFunctionName = "CLmnSA::UpdateFromLastSweep";  // a step of it
     static constexpr const char* LogText = "KELP Error occured";
     const int half = static_cast<int>(m_NumOfBins / 2);
     CheckStatus(kelpsCopy_64f(spectrum, m_pSubBufferTmp, half), traceFunctionName, LogText);

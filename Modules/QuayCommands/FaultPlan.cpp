@@ -36,6 +36,7 @@ std::string NearestNames(std::string_view name) {
     std::vector<std::pair<std::size_t, std::string_view>> ranked;
     // A name longer than all ours can't be near one, and the distance costs the product of the lengths.
     const auto asked = name.substr(0, 64);
+    ranked.reserve(OperationNames.size());
     for (const auto known : OperationNames)
         ranked.emplace_back(EditDistance(asked, known), known);
     std::stable_sort(ranked.begin(), ranked.end(), [](const auto& a, const auto& b) { return a.first < b.first; });

@@ -218,7 +218,7 @@ TEST(Numbers, ConvertAsAStreamExtractsThem) {
     EXPECT_EQ(ConvertToken<unsigned long long>("18446744073709551615"), ~0ull);
     EXPECT_EQ(ConvertToken<double>("1e-3"), 0.001);
     EXPECT_EQ(ConvertToken<double>(".5"), 0.5);
-    for (const std::string bad : {"abc", "0x10", "12abc", "1.5", "1 ", "--1"})
+    for (const std::string bad : {"abc", "0x10", "12abc", "1.5", "1 ", "--1", "-", "+"})
         EXPECT_EQ(Failure([&] { ConvertToken<int>(bad); }), "unrecognized expression <" + bad + ">");
     for (const std::string bad : {"1,5", "0x10", "nan", "inf", "1.2.3"})
         EXPECT_EQ(Failure([&] { ConvertToken<double>(bad); }), "unrecognized expression <" + bad + ">");

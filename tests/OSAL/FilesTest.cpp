@@ -67,6 +67,8 @@ TEST_F(Files, LinksAreSymbolicLinksAndFilesWithSeveralNames) {
     EXPECT_FALSE(OSAL::IsLink(m_folder)) << "a folder's link count grows with its folders";
     fs::create_symlink("nowhere", m_folder + "dangling");
     EXPECT_TRUE(OSAL::IsLink(m_folder + "dangling"));
+    fs::create_directory_symlink("sub", m_folder + "link");
+    EXPECT_TRUE(OSAL::IsLink(m_folder + "link/")) << "a separator at the end hides no link";
     fs::create_hard_link(plain, m_folder + "second");
     EXPECT_TRUE(OSAL::IsLink(plain));
 }
@@ -141,6 +143,8 @@ TEST_F(Files, PathsThatNameNoFileGiveNoHandle) {
     for (const auto& path : {std::string(), m_folder, m_folder + "missing", m_folder + std::string("a\0b", 3)})
         EXPECT_EQ(OSAL::OpenFile(path, OSAL::ReadOnly, true), OSAL::InvalidFile) << path;
     EXPECT_EQ(OSAL::OpenFile(m_folder + "a", 0, true), OSAL::InvalidFile) << "no mode";
+    mkfifo((m_folder + "pipe").c_str(), 0600);
+    EXPECT_EQ(OSAL::OpenFile(m_folder + "pipe", OSAL::ReadWrite, false), OSAL::InvalidFile);
     if (geteuid() != 0) {
         chmod((m_folder + "a").c_str(), 0);
         EXPECT_EQ(OSAL::OpenFile(m_folder + "a", OSAL::ReadOnly, true), OSAL::InvalidFile);

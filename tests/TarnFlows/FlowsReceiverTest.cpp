@@ -53,7 +53,7 @@ TEST_F(FlowsReceiverTest, AFailedSetUpIsTriedOnceMoreBehindOneReset) {
         {"SetLmac:2,SetLmac:3", {"SetLmac", "ResetAdapter", "SetLmac"}, 0},
         {"SetLmac:2,SetLmac:3:quay", {"SetLmac", "ResetAdapter", "SetLmac"}, 258},
         {"SetLmac:2,SetLmac:3:std", {"SetLmac", "ResetAdapter", "SetLmac"}, 258},
-        {"SetLmac:2,ResetAdapter:1", {"SetLmac", "ResetAdapter"}, 0},
+        {"SetLmac:2,ResetAdapter:1", {"SetLmac", "ResetAdapter", "SetLmac", "ConfigTxRx"}, 0},
         {"SetLmac:2,ResetAdapter:1:std", {"SetLmac", "ResetAdapter"}, 258},
     };
     for (const FaultCase& fault : cases) {
@@ -65,6 +65,12 @@ TEST_F(FlowsReceiverTest, AFailedSetUpIsTriedOnceMoreBehindOneReset) {
         EXPECT_EQ(names, fault.calls);
         EXPECT_EQ(Run("-reset_config").exitCode, 0);  // no lock was left behind
     }
+}
+
+TEST_F(FlowsReceiverTest, AResetThatFailsHalfWayLeavesTheChannels) {
+    Start("", "IsChannelSupported:207");  // Init asks 206 times
+    EXPECT_EQ(Run("-reset_config").exitCode, 258);
+    EXPECT_EQ(Run("-band 5.2 -bandwidth 20 -channel 36").exitCode, 0);
 }
 
 TEST_F(FlowsReceiverTest, ARadioThatNeverComesUpIsCapturedAllTheSame) {

@@ -17,6 +17,7 @@ namespace {
 constexpr std::size_t ChunkBytes = 64 * 1024;
 
 void SetIQ(double& i, double& q, std::string_view line) {
+    if (line.ends_with('\r')) line.remove_suffix(1);
     const std::size_t blank = line.find(' ');
     i = FlowText::TextToDouble(line.substr(0, blank));
     const std::size_t dropped = line.find_first_not_of(' ', blank);

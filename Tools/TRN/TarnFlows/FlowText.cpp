@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <limits>
+#include <locale>
+#include <sstream>
 #include <stdexcept>
 
 namespace FlowText {
@@ -130,8 +133,13 @@ std::int32_t TextToInt(std::string_view text) {
 
 double AtofText(std::string_view text) {
     const ParsedReal parsed = ParseReal(text);
-    if (parsed.status == std::errc::result_out_of_range) throw std::out_of_range("number out of range");
-    return parsed.value;
+    if (parsed.status != std::errc::result_out_of_range) return parsed.value;
+    std::istringstream stream{std::string(text)};  // tells too small, which is 0, from too large
+    stream.imbue(std::locale::classic());
+    double value = 0;
+    stream >> value;
+    if (std::abs(value) > 1) throw std::out_of_range("number out of range");
+    return value;
 }
 
 std::int32_t AtoiText(std::string_view text) {

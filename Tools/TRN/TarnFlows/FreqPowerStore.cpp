@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "ChannelDatabase.h"
+#include "Exceptions.h"
 #include "NumberText.h"
 #include "OSAL.h"
 
@@ -64,21 +65,28 @@ void FreqPowerStore::Clear() {
     m_columns = 0;
 }
 
-std::string FreqPowerStore::ToCsv() const {
+std::string FreqPowerStore::ToCsv(std::exception_ptr& failure) const {
     std::string csv = "BW, Channel, RBW";
     for (std::int32_t column = 0; column < m_columns; ++column)
         csv += ", Chain A Power, Chain B Power, Trigger Time";
     csv += '\n';
-    for (const auto& [key, entry] : m_entries)
-        AppendEntry(csv, key, entry);
+    for (const auto& [key, entry] : m_entries) {
+        try {
+            AppendEntry(csv, key, entry);
+        } catch (const Common::Exception&) {
+            failure = std::current_exception();
+        }
+    }
     csv += '\n';
     return csv;
 }
 
 void FreqPowerStore::Write(const std::string& path) const {
-    const std::string csv = ToCsv();
+    std::exception_ptr failure;
+    const std::string csv = ToCsv(failure);
     const OSAL::FileHandle file = OSAL::OpenFile(path, OSAL::ReadWrite, false);
     std::size_t written = 0;
     OSAL::WriteFile(file, csv.data(), csv.size(), written);
     OSAL::CloseFile(file);
+    if (failure) std::rethrow_exception(failure);
 }

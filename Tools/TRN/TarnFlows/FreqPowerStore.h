@@ -3,6 +3,7 @@
 
 #include <compare>
 #include <cstdint>
+#include <exception>
 #include <map>
 #include <string>
 #include <vector>
@@ -11,7 +12,7 @@ struct FreqPowerKey {
     std::int32_t band = 0;
     std::uint32_t bandwidth = 0;  ///< bandwidth number
     std::int32_t channel = 0;
-    auto operator<=>(const FreqPowerKey&) const = default;
+    auto operator<=>(const FreqPowerKey&) const = default;  // NOLINT(modernize-use-nullptr): in the generated code
 };
 
 /// The three lists grow together, one element a trigger; a chain that was not measured holds "None". An entry that came
@@ -50,9 +51,10 @@ public:
     /// Longest chain A list that Store made so far: column groups of the table.
     std::int32_t GetColumns() const { return m_columns; }
 
-    /// The CSV table. Throws Common::Exception for an entry whose channel isn't known.
-    std::string ToCsv() const;
+    /// The CSV table. An entry whose channel isn't known has no line; `failure` then holds its Common::Exception.
+    std::string ToCsv(std::exception_ptr& failure) const;
     /// Writes the table, made whole before the file is touched. A file that can't be created is passed over.
+    /// @throws Common::Exception when an entry had no line, after all others are written
     void Write(const std::string& path) const;
 
 private:

@@ -8,7 +8,6 @@
 
 using LumenSpectrumAnalyzer::CLmnSA;
 using LumenSpectrumAnalyzer::LmnSAProperty;
-using Streams::TraceError;
 using Streams::TraceInfo;
 
 TarnCommonFlows::TarnCommonFlows()

@@ -1,4 +1,6 @@
 // What channels there are, and the forms of chains and bandwidths.
+#include <utility>
+
 #include "FlowFailure.h"
 #include "TarnWifiFlows.h"
 
@@ -9,8 +11,19 @@ bool TarnWifiFlows::IsBandSupportedForDevice(ChannelTableId tableId) {
 
 void TarnWifiFlows::InitChannelListDataBase() {
     TRACE_SCOPE("TarnWifiFlows::InitChannelListDataBase");
-    m_channelTables.clear();  // a repeated reset must not make the lists grow
-    m_channelFlags.clear();
+    // A repeated reset must not make the lists grow, and one that fails leaves the device its channels.
+    auto tables = std::exchange(m_channelTables, {});
+    auto flags = std::exchange(m_channelFlags, {});
+    try {
+        SelectChannels();
+    } catch (...) {
+        m_channelTables = std::move(tables);
+        m_channelFlags = std::move(flags);
+        throw;
+    }
+}
+
+void TarnWifiFlows::SelectChannels() {
     quayCommand::RxConfig rxConfig = m_rxConfig;
     for (const ChannelTableId tableId : ChannelDatabase::SelectionOrder) {
         if (!IsBandSupportedForDevice(tableId)) continue;

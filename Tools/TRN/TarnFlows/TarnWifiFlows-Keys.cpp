@@ -72,6 +72,7 @@ void TarnWifiFlows::RegisterKeys() {
 
 std::vector<std::string> TarnWifiFlows::KeyNames() {
     std::vector<std::string> names;
+    names.reserve(CommonKeys.size() + WifiKeys.size());
     for (const auto& key : CommonKeys)
         names.emplace_back(key.name);
     for (const auto& key : WifiKeys)

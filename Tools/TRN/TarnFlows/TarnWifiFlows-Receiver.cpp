@@ -1,4 +1,6 @@
 // Bringing the radio into receive state, and the default configuration.
+#include <optional>
+
 #include "FlowFailure.h"
 #include "OSAL.h"
 #include "TarnWifiFlows.h"
@@ -12,6 +14,21 @@ namespace {
 SyncObjectsOSAL::MutexOSAL& RadioMutex() {
     static SyncObjectsOSAL::MutexOSAL mutex;
     return mutex;
+}
+
+/// The text of a `Common::Exception` that `action` ended in; other exceptions pass.
+template <typename Action>
+std::optional<std::string> DroppedFailure(const Action& action) {
+    try {
+        action();
+    } catch (const Common::Exception* failure) {
+        const std::string text = failure->what();
+        delete failure;
+        return text;
+    } catch (const Common::Exception& failure) {
+        return failure.what();
+    }
+    return std::nullopt;
 }
 
 constexpr const char* DefaultGainFile = "GainCSV.csv";
@@ -36,21 +53,13 @@ void TarnWifiFlows::ConfigTxRx() {
         return;
     } catch (...) {
         const std::string reason = DropException();
-        TRACE(TraceError, reason);
+        TRACE(TraceInfo, reason);
     }
-    Wifi().ResetAdapter();
-    // A second failure leaves the receiver in an unknown state, which the capture will show.
-    const auto drop = [](const Common::Exception& failure) {
+    // Failures of the recovery leave the receiver in an unknown state, which the capture will show.
+    if (const auto reason = DroppedFailure([this] { Wifi().ResetAdapter(); })) TRACE(TraceInfo, *reason);
+    if (const auto reason = DroppedFailure([this] { ConfigTxRxFlow(); })) {
         TRACE(TraceError, "ConfigTxRxFlow failed");
-        TRACE(TraceError, failure.what());
-    };
-    try {
-        ConfigTxRxFlow();
-    } catch (const Common::Exception* failure) {
-        drop(*failure);
-        delete failure;
-    } catch (const Common::Exception& failure) {
-        drop(failure);
+        TRACE(TraceInfo, *reason);
     }
 }
 
@@ -62,19 +71,16 @@ void TarnWifiFlows::Initiate(quayCommand::AdcConfig adcConfig) {
 bool TarnWifiFlows::ConfigTxRxAdc() {
     TRACE_SCOPE("TarnWifiFlows::ConfigTxRxAdc");
     const SyncObjectsOSAL::Locked locked(RadioMutex());
-    try {
+    const auto reason = DroppedFailure([this] {
         ConfigTxRx();
         TRACE(TraceInfo, Common::Format("Initiate -  chain A = ${1}, chain B = ${2}, chain C = ${3}") %
                              m_adcConfig.chainAEnable % m_adcConfig.chainBEnable % m_adcConfig.chainCEnable);
         Initiate(m_adcConfig);
         const SyncObjectsOSAL::Entered entered(m_configLock);
         m_adcInitFlags[0] = 0;
-    } catch (const Common::Exception* failure) {
-        TRACE(TraceError, failure->what());
-        delete failure;
-        return false;
-    } catch (const Common::Exception& failure) {
-        TRACE(TraceError, failure.what());
+    });
+    if (reason) {
+        TRACE(TraceError, *reason);
         return false;
     }
     return true;

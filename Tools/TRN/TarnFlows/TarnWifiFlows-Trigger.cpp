@@ -5,7 +5,6 @@
 #include "TarnWifiFlows.h"
 
 using LumenSpectrumAnalyzer::CLmnSA;
-using Streams::TraceInfo;
 
 void TarnWifiFlows::TriggerNow() {
     TRACE_SCOPE("TarnWifiFlows::TriggerNow");

@@ -139,6 +139,8 @@ protected:
 
     // Steps of a trigger that both variants share.
     /// Puts the adapters that need it into their capture state.
+    /// Fills the emptied channel lists by what the adapter says.
+    void SelectChannels();
     void PrepareCaptureMode();
     /// Sets the receiver and the gain up and carries out pending clears.
     void PrepareTrigger();

@@ -125,7 +125,8 @@ std::string FixedText(double value, int decimals) {
 
 double BinMhz(const ChannelResult& channel, std::size_t bin, std::size_t bins) {
     const double step = channel.sampleRate_mhz / static_cast<double>(bins);
-    return channel.centre_mhz + (static_cast<double>(bin) - static_cast<double>(bins / 2)) * step;
+    const std::size_t middle = bins / 2;
+    return channel.centre_mhz + (static_cast<double>(bin) - static_cast<double>(middle)) * step;
 }
 
 double WorstPowerDbm(const ChannelResult& channel) {

@@ -43,6 +43,9 @@ void CSampleSorrel::SetSource(std::uint32_t source) {
 }
 
 void CSampleSorrel::ReadSamples() {
+    if (m_numChains == 0)
+        throw CQuayMsgException("The capture was not set up", "WifiAdc::CSampleSorrel::ReadSamples", __FILE__,
+                                __LINE__);
     PrepareRead();
     AllocateVectors();
     m_pI = m_iVectors.data();

@@ -90,8 +90,10 @@ int GetModuleDirectory(std::string& out) {
 }
 
 bool IsLink(const std::string& path) {
+    // With a separator at its end a path names what the link leads to.
+    const auto end = path.find_last_not_of('/');
     struct stat status;
-    if (!LinkStatOf(path, status)) return false;
+    if (!LinkStatOf(end == std::string::npos ? path : path.substr(0, end + 1), status)) return false;
     return S_ISLNK(status.st_mode) || (S_ISREG(status.st_mode) && status.st_nlink > 1);
 }
 
@@ -165,7 +167,8 @@ FileHandle OpenFile(const std::string& path, unsigned mode, bool openExisting) {
     } while (file < 0 && errno == EINTR);
     if (file < 0) return InvalidFile;
     struct stat status;
-    if (fstat(file, &status) != 0 || S_ISDIR(status.st_mode)) {
+    // A pipe would swallow what fits and then block for ever.
+    if (fstat(file, &status) != 0 || S_ISDIR(status.st_mode) || S_ISFIFO(status.st_mode)) {
         close(file);
         return InvalidFile;
     }
