@@ -21,6 +21,7 @@ struct Device {
     double level_dbm = -100;
     int bins = 1024;
     int failAtTrigger = 0;  // 1 for the first
+    double highestCode = 20;
     int triggers = 0;
     std::vector<std::string> lines;
 
@@ -29,6 +30,7 @@ struct Device {
         if (line == "-get_supported_config") return {true, config};
         if (line == "-trigger_now" && ++triggers == failAtTrigger) return {false, "Received empty ADC Samples."};
         if (line == "-update_peaks") return {true, "2437.5 -80 2440 -90.5 2442 -91\n"};
+        if (line == "-update_iq") return {true, "1 -2 3\n4 " + ShortText(highestCode) + " 5"};
         if (line.starts_with("-update_")) {
             std::string text;
             for (int k = 0; k < bins; ++k)
@@ -52,6 +54,9 @@ TEST(Measurement, ChannelPowerAddsTheChannelsBinsAndNothingBeside) {
     EXPECT_NEAR(ChannelPowerDbm(spectrum, 20, 40), -40.0, 1e-2);
     EXPECT_NEAR(ChannelPowerDbm(std::vector<double>(1024, -100.0), 40, 40), -100 + 10 * std::log10(1025), 1e-9)
         << "at full span the outermost bin stands on both sides, as the engine counts it";
+    for (const int bins : {1, 2, 7, 1024})  // a channel wider than the span: nothing beyond the spectrum is read
+        EXPECT_NEAR(ChannelPowerDbm(std::vector<double>(bins, -100.0), 160, 40),
+                    -100 + 10 * std::log10(2 * (bins / 2) + 1), 1e-9);
 }
 
 TEST(Measurement, APlanNamesWhatTheDeviceLacks) {
@@ -111,12 +116,14 @@ TEST(Measurement, EachSweepTellsTheEngineHowManyItsAverageHolds) {
                                                "-update_maxhold",
                                                "-update_channel_average",
                                                "-find_peaks 10",
-                                               "-update_peaks"};
+                                               "-update_peaks",
+                                               "-update_iq"};
     EXPECT_EQ(device.lines, expected);
     const ChainResult& chain = result.channels.at(0).chains.at(0);
     EXPECT_NEAR(chain.power_dbm, -100 + 10 * std::log10(513), 1e-9);
     ASSERT_EQ(chain.peaks.size(), 3U);
     EXPECT_EQ(chain.peaks[1].power_dbm, -90.5);
+    EXPECT_EQ(chain.peaks[0].frequency_mhz, 2437 + 13 * 0.0390625) << "2437.5 lies 12.8 bins above the centre";
     EXPECT_EQ(result.channels[0].sampleRate_mhz, 40);
 }
 
@@ -139,6 +146,23 @@ TEST(Measurement, WhatWasMeasuredSurvivesAFailureAndAnInterrupt) {
     EXPECT_NE(JsonText(stopped, -1).find("\"complete\":false"), std::string::npos);
 }
 
+TEST(Measurement, ACodeAtTheConvertersEndIsReportedWithEachReading) {
+    const std::pair<double, bool> cases[] = {{32699, false}, {-32699, false}, {32767, true}, {-32768, true}};
+    for (const auto& [code, overloaded] : cases) {
+        Device device;
+        device.highestCode = code;
+        Request request;
+        request.channels = "6";
+        const Result result = MeasureOn(request, device);
+        EXPECT_EQ(result.trouble, std::nullopt);
+        EXPECT_EQ(result.channels.at(0).chains.at(0).overloaded, overloaded) << code;
+        const std::string note = "channel 6 chain A: the converter is overloaded";
+        EXPECT_EQ(TableText(result, 0).find(note) != std::string::npos, overloaded) << code;
+        const std::string field = std::string("\"overloaded\":") + (overloaded ? "true" : "false");
+        EXPECT_NE(JsonText(result, -1).find(field), std::string::npos) << code;
+    }
+}
+
 TEST(Measurement, ReportsSayTheUnitOfEachNumberAndPutTheWorstChannelFirst) {
     Result result;
     result.request.channels = "all";
@@ -154,6 +178,7 @@ TEST(Measurement, ReportsSayTheUnitOfEachNumberAndPutTheWorstChannelFirst) {
     }
     const std::string table = TableText(result, 0);
     EXPECT_LT(table.find("2437"), table.find("2412"));
+    EXPECT_NE(table.substr(0, table.find('\n')).find("strongest first"), std::string::npos);
     EXPECT_NE(table.find("dBm/20MHz"), std::string::npos);
     EXPECT_NE(table.find("-73.0"), std::string::npos) << "-60 dBm in 20 MHz is -73 dBm in 1 MHz";
     EXPECT_EQ(CsvText(result).substr(0, 60), "Channel,Chain,Frequency [MHz],Spectrum [dBm/39.0625kHz],Max ");

@@ -3,6 +3,9 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "CmdLine.h"
+#include "KeyTable.h"
+
 namespace TarnHost {
 namespace {
 
@@ -50,7 +53,8 @@ CLI::App* AddAnalyse(CLI::App& app, AnalyseOptions& options) {
 
 CLI::App* AddRun(CLI::App& app, RunOptions& options) {
     auto* command = app.add_subcommand("run", "Run command lines of the plug-in");
-    command->add_flag("--web", options.isFrontEnd, "Front-end variant: answers are JSON messages, one a line");
+    command->add_flag("--web", options.isFrontEnd,
+                      "Front-end variant. Its messages are not complete yet: answers come as text");
     command->add_flag("--plain", options.plainOutput, "Text answers, also from the front-end variant");
     command->add_flag("--record", options.record, "Print everything that came back as one JSON object a command line");
     command->add_flag("--keep-going", options.keepGoing, "Go on behind a line that failed");
@@ -62,7 +66,6 @@ CLI::App* AddRun(CLI::App& app, RunOptions& options) {
     command->footer(
         "Examples:\n"
         "  tarn run -- \"-band 5.2 -bandwidth 80 -channel 42 -trigger_now\" \"-get_power_per_chain A\"\n"
-        "  tarn run --web -- \"-trigger_now\" -update_spectrum\n"
         "  tarn run --record --keep-going --script lines.txt\n"
         "  echo \"-get_platform_info\" | tarn run --script -");
     return command;
@@ -99,13 +102,22 @@ CLI::App* AddInfo(CLI::App& app, InfoOptions& options) {
 CLI::App* AddMeasure(CLI::App& app, MeasureOptions& options) {
     auto* command = app.add_subcommand("measure", "Measure channels: power, graphs, peaks, a picture");
     TarnMeasure::Request& request = options.request;
-    command->add_option("--band", request.band, "Band in GHz: 2.4, 5.2 or 6-7")->capture_default_str();
-    command->add_option("--channel,--channels", request.channels, "Channel numbers split by commas, or all")
-        ->type_name("LIST");
-    command->add_option("--bandwidth", request.bandwidth, "Channel width in MHz: 20, 40, 80, 160 or 320")
+    const auto notEmpty =
+        CLI::Validator([](std::string& text) { return std::string(text.empty() ? "needs a value" : ""); }, "");
+    command->add_option("--band", request.band, "Band in GHz")
+        ->check(CLI::IsMember({"2.4", "5.2", "6-7"}))
         ->capture_default_str();
-    command->add_option("--chain", request.chain, "Receive chain: A, B or AB")->capture_default_str();
-    command->add_option("--rbw", request.rbw_khz, "Resolution bandwidth in kHz: 39.0625, 78.125, 156.25 or 312.5")
+    command->add_option("--channel,--channels", request.channels, "Channel numbers split by commas, or all")
+        ->type_name("LIST")
+        ->check(notEmpty);
+    command->add_option("--bandwidth", request.bandwidth, "Channel width in MHz")
+        ->check(CLI::IsMember({"20", "40", "80", "160", "320"}))
+        ->capture_default_str();
+    command->add_option("--chain", request.chain, "Receive chain")
+        ->check(CLI::IsMember({"A", "B", "AB"}))
+        ->capture_default_str();
+    command->add_option("--rbw", request.rbw_khz, "Resolution bandwidth in kHz")
+        ->check(CLI::IsMember({39.0625, 78.125, 156.25, 312.5}))
         ->capture_default_str();
     command->add_option("--sweeps", request.sweeps, "Sweeps of each channel")
         ->check(CLI::Range(1, 1000000))
@@ -118,10 +130,15 @@ CLI::App* AddMeasure(CLI::App& app, MeasureOptions& options) {
     command->add_option("--peak-window", request.peakWindow, "Bins of one slice of the peak search")
         ->check(CLI::Range(5, 80))
         ->capture_default_str();
-    command->add_option("--keys", request.setup, "Further keys to run before the first channel")->type_name("LINE");
+    command
+        ->add_option("--keys", request.setup,
+                     "Further keys to run before the first channel, such as gain settings; keys that the options "
+                     "above stand for are refused")
+        ->type_name("LINE");
     command->add_option("--picture", options.picture, "Draw into a file that ends in .png, .svg or .pdf")
-        ->type_name("FILE");
-    command->add_option("--csv", options.csv, "Write every bin into a CSV file")->type_name("FILE");
+        ->type_name("FILE")
+        ->check(notEmpty);
+    command->add_option("--csv", options.csv, "Write every bin into a CSV file")->type_name("FILE")->check(notEmpty);
     command->add_flag("--json", options.json, "Print JSON instead of the table");
     command->footer(
         "Power is in dBm over the channel, graphs and peaks in dBm in one RBW. Ctrl-C keeps what was measured.\n\n"
@@ -142,6 +159,20 @@ CLI::App* AddShell(CLI::App& app) {
         "  tarn shell\n"
         "  tarn shell --air sim:quiet");
     return command;
+}
+
+/// A key in the line of --keys that would make the results' labels wrong: one that the measurement sets itself, or that
+/// changes the tuning behind its back.
+std::optional<std::string> ForbiddenKey(const std::string& line) {
+    static constexpr auto forbidden = std::to_array<std::string_view>(
+        {"-band", "-bandwidth", "-channel", "-chain", "-rbw", "-maxhold", "-channel_average",
+         "-channel_average_counter", "-channel_average_sweep_val", "-clear_average", "-reset_config", "-set_mcc",
+         "-trigger_now", "-read_adc_samples_from_file"});
+    for (const std::string& token : CmdLine::Tokenize(line)) {
+        const TarnKeys::KeyRow* key = TarnKeys::FindKey(token);
+        if (key && std::ranges::find(forbidden, key->name) != forbidden.end()) return token;
+    }
+    return std::nullopt;
 }
 
 std::string UsageError(const CLI::App& app, const std::string& reason) {
@@ -209,6 +240,8 @@ Request ParseArguments(std::vector<std::string> arguments) {
         request.command = simulate;
     } else if (*infoCommand) {
         request.command = info;
+    } else if (const auto key = ForbiddenKey(measure.request.setup); *measureCommand && key) {
+        refuse("--keys: " + *key + " isn't for this line: the measurement itself sets what it sets");
     } else if (*measureCommand) {
         request.command = measure;
     } else if (*shellCommand) {

@@ -65,16 +65,20 @@ struct LineEditor::Terminal {
         ::el_set(editor, EL_BIND, "^I", "tarn-complete", nullptr);
     }
     ~Terminal() {
-        if (!historyFile.empty()) {
-            std::error_code ignored;
-            std::filesystem::create_directories(std::filesystem::path(historyFile).parent_path(), ignored);
-            ::history(past, &event, H_SAVE, historyFile.c_str());
-        }
         ::history_end(past);
         ::el_end(editor);
     }
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
+
+    /// After each line, so that a closed terminal or a crash loses nothing.
+    void Remember(const std::string& line) {
+        ::history(past, &event, H_ENTER, line.c_str());
+        if (historyFile.empty()) return;
+        std::error_code ignored;
+        std::filesystem::create_directories(std::filesystem::path(historyFile).parent_path(), ignored);
+        ::history(past, &event, H_SAVE, historyFile.c_str());
+    }
 
     static Terminal& Of(EditLine* line) {
         void* self = nullptr;
@@ -159,7 +163,7 @@ LineEditor::Line LineEditor::Read(const std::string& prompt) {
         std::string line(text, static_cast<std::size_t>(count));
         while (line.ends_with('\n') || line.ends_with('\r'))
             line.pop_back();
-        if (!line.empty()) ::history(m_terminal->past, &m_terminal->event, H_ENTER, line.c_str());
+        if (!line.empty()) m_terminal->Remember(line);
         return {line, End::None};
     }
     while (true) {

@@ -17,7 +17,7 @@ public:
         End end = End::None;
     };
 
-    /// @param historyFile  read now, written at the end; empty keeps none
+    /// @param historyFile  read now, written after each line; empty keeps none
     LineEditor(InterruptWatch& watch, std::string historyFile);
     ~LineEditor();
     LineEditor(const LineEditor&) = delete;

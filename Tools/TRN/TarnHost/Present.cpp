@@ -6,6 +6,7 @@
 #include <sstream>
 #include <vector>
 
+#include "CmdLine.h"
 #include "KeyTable.h"
 
 namespace TarnHost {
@@ -59,6 +60,26 @@ std::string TriggerText(const std::vector<Numbers>& lines) {
     return Printed("captured: %.0f bins from %.0f samples\n", lines[0][0], lines[1][0]);
 }
 
+/// Four lines a chain: counts of I and Q together, of I, of Q, and the lowest and highest code.
+std::string HistogramTable(const std::vector<Numbers>& lines) {
+    static constexpr const char* labels[] = {"I and Q", "I", "Q"};
+    std::string text;
+    for (std::size_t k = 0; k + 3 < lines.size(); k += 4) {
+        const Numbers& range = lines[k + 3];
+        text += ChainLabel(k / 4, lines.size() / 4);
+        if (range.size() == 2)
+            text += Printed("counts in %.0f buckets from %g to %g ADC codes\n", double(lines[k].size()), range[0],
+                            range[1]);
+        for (std::size_t row = 0; row < 3; ++row) {
+            text += labels[row] + std::string(8 - std::string(labels[row]).size(), ' ');
+            for (const double count : lines[k + row])
+                text += Printed(" %g", count);
+            text += '\n';
+        }
+    }
+    return text;
+}
+
 /// Too many numbers for a screen.
 std::string GraphSummary(const std::vector<Numbers>& lines, const std::string& unit, const std::string& saveKey) {
     std::string text;
@@ -76,18 +97,16 @@ std::string GraphSummary(const std::vector<Numbers>& lines, const std::string& u
 std::string Readable(const std::string& line, const std::string& output) {
     std::string asItIs = output;
     if (!asItIs.empty() && !asItIs.ends_with('\n')) asItIs += '\n';
-    std::istringstream words(line);
-    std::string key, rest;
-    words >> key;
-    std::getline(words, rest);
-    const TarnKeys::KeyRow* row = TarnKeys::FindKey(key);
+    std::vector<const TarnKeys::KeyRow*> keys;
+    for (const std::string& token : CmdLine::Tokenize(line))
+        if (const TarnKeys::KeyRow* key = TarnKeys::FindKey(token)) keys.push_back(key);
     // A trigger may have settings before it; the other answers come from lines of their own.
-    const bool endsInTrigger = line.find("-trigger_now") != std::string::npos;
+    const bool endsInTrigger = std::ranges::any_of(keys, [](auto* key) { return key->name == "-trigger_now"; });
     const std::vector<Numbers> lines = NumberLines(output);
     if (endsInTrigger && lines.size() == 4 && std::ranges::all_of(lines, [](auto& l) { return l.size() == 1; }))
         return TriggerText(lines);
-    const bool isAlone = row && rest.find(" -") == std::string::npos;
-    if (!isAlone) return asItIs;
+    if (keys.size() != 1) return asItIs;
+    const TarnKeys::KeyRow* row = keys.front();
     if (row->name == "-update_peaks" && (output.empty() || !lines.empty())) return PeakTable(lines);
     if (lines.empty() || lines[0].empty()) return asItIs;
     if (row->name == "-get_power_per_chain") return Printed("%.2f dBm in the channel\n", lines[0][0]);
@@ -99,6 +118,7 @@ std::string Readable(const std::string& line, const std::string& output) {
         return Printed("%.0f samples, I from %g to %g", double(lines[0].size()), low, high) +
                " ADC codes\n(-save_IQ FILE writes them, !raw on shows them)\n";
     }
+    if (row->name == "-update_histogram" && lines.size() % 4 == 0) return HistogramTable(lines);
     return asItIs;
 }
 

@@ -1,15 +1,13 @@
 #include <charconv>
 #include <chrono>
-#include <map>
 #include <memory>
-#include <sstream>
 #include <thread>
 
 #include "Commands.h"
-#include "KeyTable.h"
 #include "LineEditor.h"
 #include "PluginWorker.h"
 #include "Present.h"
+#include "SettingsMemory.h"
 #include "ShellHelp.h"
 
 namespace TarnHost {
@@ -39,12 +37,15 @@ private:
     void Repeat(const std::string& rest);
     void Reopen(const std::string& what);
     void ShowStatus();
-    void RememberSettings(const std::string& line);
     void Print(const std::string& text) {
         m_context.console.out.Write(text);
         m_context.console.out.Flush();
     }
     void Say(const std::string& text) { m_context.console.Say(text); }
+    void NoteOrder(const std::string& line) {
+        if (ReadsBeforeItsTrigger(line))
+            Say("the reading keys of a line run before its trigger: send them on a line of their own");
+    }
     /// True once after Ctrl-C.
     bool TakeInterrupt();
 
@@ -52,8 +53,8 @@ private:
     PassingReceiver m_receiver;
     HostOptions m_options;
     std::unique_ptr<PluginWorker> m_worker;
-    std::string m_running;                          ///< line whose answer is waited for
-    std::map<std::string, std::string> m_settings;  ///< last value of each setting made here
+    std::string m_running;      ///< line whose answer is waited for
+    SettingsMemory m_settings;  ///< of the lines that succeeded since the adapter was opened
     bool m_isRaw = false;
     bool m_isEditing = false;
     bool m_isQuitting = false;
@@ -66,7 +67,7 @@ std::optional<Failure> Shell::Open(const HostOptions& options) {
     if (!worker) return worker.Why();
     m_worker = std::move(*worker);
     m_options = options;
-    m_settings.clear();
+    m_settings = {};
     return std::nullopt;
 }
 
@@ -74,18 +75,6 @@ bool Shell::TakeInterrupt() {
     if (!m_context.watch.IsRequested() || m_context.watch.Status() == Terminated) return false;
     m_context.watch.Forget();
     return true;
-}
-
-void Shell::RememberSettings(const std::string& line) {
-    std::istringstream words(line);
-    for (std::string word; words >> word;) {
-        const TarnKeys::KeyRow* key = TarnKeys::FindKey(word);
-        if (!key || key->argument == TarnKeys::ArgumentType::None) continue;
-        std::string value;
-        words >> value;
-        if (!key->name.starts_with("-save") && !key->name.starts_with("-get"))
-            m_settings[std::string(key->name)] = value;
-    }
 }
 
 /// Waits for the running line and shows what came of it. False after Ctrl-C or a failed line.
@@ -101,7 +90,7 @@ bool Shell::TakeAnswer() {
         Say(ErrorSentence(*answer));
         return false;
     }
-    RememberSettings(m_running);
+    m_settings.Take(m_running);
     Print(m_isRaw || !m_isEditing
               ? answer->output + (answer->output.empty() || answer->output.ends_with('\n') ? "" : "\n")
               : Readable(m_running, answer->output));
@@ -122,6 +111,7 @@ void Shell::Repeat(const std::string& rest) {
     const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), count);
     if (error != std::errc() || end != number.data() + number.size() || line.empty())
         return Say("!repeat takes a number and a line, such as: !repeat 20 -trigger_now");
+    NoteOrder(line);
     for (unsigned k = 0; k < count; ++k) {
         if (TakeInterrupt()) return Say("ended after " + std::to_string(k) + " of " + number);
         if (!RunKeys(line)) return;
@@ -149,16 +139,17 @@ void Shell::Reopen(const std::string& what) {
 void Shell::ShowStatus() {
     std::string text = "adapter  " + quayCommand::DescribeAdapter() + "\nair      " + quayCommand::DescribeAir() + "\n";
     text += "log      " + (m_options.logPath.empty() ? "none" : m_options.logPath) + "\n";
-    text += "settings " + std::string(m_settings.empty() ? "as -reset_config leaves them" : "");
-    for (const auto& [key, value] : m_settings)
-        text += key + " " + value + " ";
-    Print(text + "\n");
+    const std::string settings = m_settings.Text();
+    text += "settings ";
+    text += settings.empty() ? "as they are at the start" : settings;
+    text += '\n';
+    Print(text);
 }
 
 void Shell::RunOwn(const std::string& command, const std::string& rest) {
     if (command == "help" || command == "!help" || command == "?")
         Print(rest.empty() ? HelpText() : HelpText(rest));
-    else if (command == "!quit" || command == "!exit")
+    else if (command == "!quit" || command == "!exit" || command == "quit" || command == "exit")
         m_isQuitting = true;
     else if (command == "!status")
         ShowStatus();
@@ -175,7 +166,10 @@ void Shell::RunOwn(const std::string& command, const std::string& rest) {
 bool Shell::RunLine(const std::string& line) {
     const auto [first, rest] = FirstWord(line);
     if (first.empty() || first.starts_with('#')) return true;
-    if (first.starts_with('-') || first.starts_with('"')) return RunKeys(line);
+    if (first.starts_with('-') || first.starts_with('"')) {
+        NoteOrder(line);
+        return RunKeys(line);
+    }
     RunOwn(first, rest);
     return true;
 }

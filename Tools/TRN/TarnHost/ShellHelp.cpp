@@ -14,22 +14,24 @@ namespace fs = std::filesystem;
 using TarnKeys::KeyRow;
 
 constexpr auto ownCommands =
-    std::to_array<std::string_view>({"help", "!help", "!open", "!quit", "!raw", "!repeat", "!status"});
+    std::to_array<std::string_view>({"help", "exit", "quit", "!help", "!open", "!quit", "!raw", "!repeat", "!status"});
 
 constexpr std::string_view beginning =
     "A line holds keys and their values; whatever their order, settings take effect before the trigger.\n"
+    "The reading keys (-update_..., -get_...) run before it too: send them on a line of their own.\n"
     "Try one after the other:\n\n"
     "  -band 2.4 -bandwidth 20 -channel 6 -trigger_now     tune and capture one sweep\n"
     "  -get_power_per_chain A                              its channel power\n"
     "  -find_peaks 10                                      search the strongest lines\n"
     "  -update_peaks                                       and show them\n\n"
     "Tab completes keys, values and file names; the arrow keys bring earlier lines back.\n\n"
+    "  help keys           lists all keys\n"
     "  help KEY            what a key takes, such as: help -rbw\n"
     "  !repeat N LINE      run a line N times; Ctrl-C ends it\n"
     "  !status             adapter, air, and the settings made here\n"
     "  !open KEY=VALUE,... another adapter;  !open sim:SCENE or file:PATH  another air\n"
     "  !raw on|off         answers as the plug-in gives them, or made readable\n"
-    "  !quit               also Ctrl-D\n";
+    "  !quit               also quit, exit, !exit and Ctrl-D\n";
 
 std::string Lower(std::string_view text) {
     std::string lower(text);
@@ -83,7 +85,11 @@ std::vector<std::string> KeyNames() {
 }  // namespace
 
 std::string HelpText() {
-    std::string text(beginning);
+    return std::string(beginning);
+}
+
+std::string KeyListText() {
+    std::string text;
     std::size_t width = 0;
     std::vector<std::string_view> groups;
     for (const KeyRow& key : TarnKeys::Keys()) {
@@ -91,7 +97,7 @@ std::string HelpText() {
         if (std::ranges::find(groups, key.group) == groups.end()) groups.push_back(key.group);
     }
     for (const std::string_view group : groups) {
-        text += "\n" + std::string(group) + "\n";
+        text += (text.empty() ? "" : "\n") + std::string(group) + "\n";
         for (const KeyRow& key : TarnKeys::Keys()) {
             if (key.group != group) continue;
             std::string usage = Usage(key);
@@ -103,6 +109,7 @@ std::string HelpText() {
 }
 
 std::string HelpText(std::string_view name) {
+    if (name == "keys") return KeyListText();
     const std::string asked = name.starts_with('-') ? std::string(name) : "-" + std::string(name);
     if (const KeyRow* key = TarnKeys::FindKey(asked)) {
         std::string text = Usage(*key) + "\n  " + std::string(key->help) + "\n";
@@ -120,7 +127,7 @@ std::string HelpText(std::string_view name) {
         if (Lower(key.name).find(part) != std::string::npos || Lower(key.help).find(part) != std::string::npos)
             near += "  " + Usage(key) + "  " + std::string(key.help) + "\n";
     const std::string none = "There is no key " + asked + ".";
-    return near.empty() ? none + " help lists them all.\n" : none + " These come near:\n" + near;
+    return near.empty() ? none + " help keys lists them all.\n" : none + " These come near:\n" + near;
 }
 
 std::vector<std::string> Completions(std::string_view beforeCursor) {

@@ -7,10 +7,14 @@
 
 namespace TarnHost {
 
-/// How to begin, and every key by group.
+/// How to begin.
 std::string HelpText();
 
-/// One key: argument, values, help. Nearby keys when there is none of that name; "-" may be left out.
+/// Every key by group.
+std::string KeyListText();
+
+/// One key: argument, values, help; "keys" lists them all. Nearby keys when there is none of that name; "-" may be left
+/// out.
 std::string HelpText(std::string_view key);
 
 /// Ends that the text before the cursor can take: whole replacements of its last word, sorted. Keys, values of the key

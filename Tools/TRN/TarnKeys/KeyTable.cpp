@@ -50,7 +50,7 @@ constexpr auto table = std::to_array<KeyRow>({
     {"-gain_file_name", Text, "FILE", "", Gain, "read a table of gains by device, chain, frequency and width"},
     {"-set_gain_from_file", None, "", "", Gain, "look the current setting up in the gain file and use it"},
     {"-reset_first_run_flags", None, "", "", Setting, "apply the next settings even where they don't change"},
-    {"-internal_gain", Int, "INDEX", "0|1|2|3|4|5", Gain, "receiver gain index, 0 to 5"},
+    {"-internal_gain", Int, "INDEX", "0|1|2|3|4|5", Gain, "receiver gain index, 0 to 5; a higher index is less gain"},
     {"-preLNA_resistor", Text, "FLAG", Flag, Gain, "resistor before the low-noise amplifier"},
     {"-external_gain", Text, "FLAG", Flag, Gain, "outside amplifier; only false is supported on current adapters"},
     {"-chain", Text, "CHAIN", "A|B|AB", Setting, "receive chain"},

@@ -17,7 +17,8 @@ struct BandRow {
 };
 constexpr BandRow bands[] = {{"2.4", "LB", 2407}, {"5.2", "HB", 5000}, {"5", "HB", 5000}, {"6-7", "UHB", 5950}};
 constexpr const char* widths[] = {"20", "40", "80", "160", "320"};
-constexpr int longestAverage = 100;  // sweeps that one averaging run of the engine can hold
+constexpr int longestAverage = 100;    // sweeps that one averaging run of the engine can hold
+constexpr double highestCode = 32700;  // of 32767; the rest is room for the DC offset that was taken off
 
 const BandRow* FindBand(const std::string& text) {
     const auto row = std::ranges::find_if(bands, [&](const BandRow& band) { return text == band.text; });
@@ -108,7 +109,8 @@ public:
         for (std::size_t c = 0; c < m_result.chains.size(); ++c)
             m_result.chains[c].power_dbm = Dbm(m_linearSum[c] / m_result.sweeps);
         return (!m_request.maxHold || Fetch("-update_maxhold", &ChainResult::maxHold)) &&
-               (!m_request.average || Fetch("-update_channel_average", &ChainResult::average)) && FindPeaks();
+               (!m_request.average || Fetch("-update_channel_average", &ChainResult::average)) && FindPeaks() &&
+               CheckOverload();
     }
 
     ChannelResult& Result() { return m_result; }
@@ -151,7 +153,24 @@ private:
         for (std::size_t c = 0; c < m_result.chains.size() && c < lines.size(); ++c)
             for (std::size_t k = 0; k + 1 < lines[c].size() && k / 2 < static_cast<std::size_t>(m_request.peaks);
                  k += 2)
-                m_result.chains[c].peaks.push_back({lines[c][k], lines[c][k + 1]});
+                m_result.chains[c].peaks.push_back({BinCentreMhz(lines[c][k]), lines[c][k + 1]});
+        return true;
+    }
+
+    /// The bin centre next to a frequency, which the plug-in gives with six significant digits.
+    double BinCentreMhz(double frequency_mhz) const {
+        const double step = m_request.rbw_khz / 1000.0;
+        return m_result.centre_mhz + std::round((frequency_mhz - m_result.centre_mhz) / step) * step;
+    }
+
+    /// Of the last sweep only: the samples are ten times as much text as the spectrum.
+    bool CheckOverload() {
+        if (!Run("-update_iq")) return false;
+        const auto lines = NumberLines(m_text);  // I, then Q, of each chain
+        if (lines.size() != 2 * m_result.chains.size()) return Fail("no samples came back");
+        for (std::size_t k = 0; k < lines.size(); ++k)
+            if (std::ranges::any_of(lines[k], [](double code) { return std::abs(code) >= highestCode; }))
+                m_result.chains[k / 2].overloaded = true;
         return true;
     }
 
@@ -244,7 +263,8 @@ Plan MakePlan(const Request& request, const std::string& supportedConfig) {
 double ChannelPowerDbm(const std::vector<double>& spectrum, double width_mhz, double sampleRate_mhz) {
     const auto bins = static_cast<std::ptrdiff_t>(spectrum.size());
     if (bins == 0 || sampleRate_mhz <= 0) return -std::numeric_limits<double>::infinity();
-    const auto half = static_cast<std::ptrdiff_t>(width_mhz / sampleRate_mhz * static_cast<double>(bins) * 0.5);
+    const double share = std::clamp(width_mhz / sampleRate_mhz, 0.0, 1.0);
+    const auto half = static_cast<std::ptrdiff_t>(share * static_cast<double>(bins) * 0.5);
     double sum = 0;
     for (std::ptrdiff_t k = -half; k <= half; ++k)  // the centre lies at bins / 2; both ends count, as the engine does
         sum += Linear(spectrum[static_cast<std::size_t>((k + bins / 2 + bins) % bins)]);

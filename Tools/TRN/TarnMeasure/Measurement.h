@@ -40,6 +40,7 @@ struct ChainResult {
     std::vector<double> maxHold;   ///< empty unless asked for
     std::vector<double> average;   ///< empty unless asked for
     std::vector<Peak> peaks;       ///< strongest first
+    bool overloaded = false;       ///< a code of the last sweep stands at the converter's end: levels read low
 };
 
 struct ChannelResult {
@@ -83,7 +84,8 @@ struct Plan {
 };
 Plan MakePlan(const Request& request, const std::string& supportedConfig);
 
-/// Channel power out of a spectrum in dBm a bin: the bins from -width/2 to +width/2, added as linear powers.
+/// Channel power out of a spectrum in dBm a bin: the bins from -width/2 to +width/2, added as linear powers. A width
+/// beyond the span counts the whole span.
 double ChannelPowerDbm(const std::vector<double>& spectrum, double width_mhz, double sampleRate_mhz);
 
 /// Runs the measurement. Ends early on a refused line or when `progress` says so, keeping whole channels and, of the

@@ -38,6 +38,11 @@ std::string BinTitle(const Result& result) {
 void DrawHead(Canvas& canvas, const Result& result, const std::string& title) {
     canvas.Text({margin, 30}, title, 15, Ink::Text, Align::Left, true);
     canvas.Text({margin, 47}, SettingsText(result), 10, Ink::Faint);
+    if (const auto notes = OverloadNotes(result); !notes.empty()) {
+        std::string text = notes[0].substr(0, notes[0].find("; raise"));
+        if (notes.size() > 1) text += "; " + std::to_string(notes.size() - 1) + " more";
+        canvas.Text({pageWidth - 20, 30}, text, 10, Ink::MaxHold, Align::Right, true);
+    }
     struct Entry {
         const char* text;
         Colour colour;

@@ -94,7 +94,8 @@ Json ChainJson(const ChainResult& chain, const Request& request) {
                  {"power_dbm", chain.power_dbm},
                  {"lowest_dbm", chain.lowest_dbm},
                  {"highest_dbm", chain.highest_dbm},
-                 {"density_dbm_per_mhz", DensityDbm(chain.power_dbm, request)}};
+                 {"density_dbm_per_mhz", DensityDbm(chain.power_dbm, request)},
+                 {"overloaded", chain.overloaded}};
     Json peaks = Json::array();
     for (const Peak& peak : chain.peaks)
         peaks.push_back({{"frequency_mhz", peak.frequency_mhz}, {"power_dbm", peak.power_dbm}});
@@ -157,11 +158,27 @@ std::string SettingsText(const Result& result) {
     return text;
 }
 
+std::vector<std::string> OverloadNotes(const Result& result) {
+    std::vector<std::string> notes;
+    for (const ChannelResult& channel : result.channels)
+        for (const ChainResult& chain : channel.chains)
+            if (chain.overloaded)
+                notes.push_back("channel " + std::to_string(channel.channel) + " chain " + chain.chain +
+                                ": the converter is overloaded; levels read low; raise -internal_gain (a higher index "
+                                "is less gain)");
+    return notes;
+}
+
 std::string TableText(const Result& result, std::size_t columns) {
     if (result.channels.empty()) return "";
-    const std::string peaks = PeakTable(result);
-    return SettingsText(result) + "\n\n" + PowerTable(result, columns > 0 && columns < 80) +
-           (peaks.empty() ? "" : "\n") + peaks;
+    std::string text = SettingsText(result) + (result.channels.size() > 1 ? ", strongest first\n\n" : "\n\n") +
+                       PowerTable(result, columns > 0 && columns < 80);
+    for (const std::string& note : OverloadNotes(result))
+        text += note + "\n";
+    if (const std::string peaks = PeakTable(result); !peaks.empty()) text += "\n" + peaks;
+    if (result.request.bandwidth == "320" && result.request.peaks > 1)
+        text += "At 320 MHz the search gives one peak at the most, the strongest bin.\n";
+    return text;
 }
 
 std::string CsvText(const Result& result) {
@@ -193,7 +210,10 @@ std::string JsonText(const Result& result, int indent) {
                    {"graphs", "dBm in one RBW, lowest frequency first"},
                    {"peaks", "dBm in one RBW"}}},
                  {"complete", !result.interrupted && !result.trouble}};
-    if (result.trouble) json["trouble"] = *result.trouble;
+    if (result.trouble)
+        json["trouble"] = *result.trouble;
+    else if (result.interrupted)
+        json["trouble"] = "interrupted";
     Json channels = Json::array();
     for (const ChannelResult& channel : result.channels) {
         Json chains = Json::array();

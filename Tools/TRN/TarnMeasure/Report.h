@@ -20,6 +20,9 @@ std::string JsonText(const Result& result, int indent);
 /// The settings in one line: "Band 5.2 GHz, channel 36, 20 MHz, chain AB, RBW 78.125 kHz, 50 sweeps".
 std::string SettingsText(const Result& result);
 
+/// A sentence for each chain whose converter was overloaded: "channel 6 chain A: the converter is overloaded; ...".
+std::vector<std::string> OverloadNotes(const Result& result);
+
 /// Indices of the channels, the strongest channel power of any chain first.
 std::vector<std::size_t> WorstFirst(const Result& result);
 
