@@ -10,6 +10,7 @@
 #include <numeric>
 #include <random>
 #include <sstream>
+#include <tuple>
 
 #include "BenchSupport.h"
 #include "Kelp.h"
@@ -229,12 +230,17 @@ int main(int argc, char** argv) {
     if (!Bench::start(argc, argv, kelpKernelName())) return EXIT_FAILURE;
     const Codes codes;
     const std::string path = (std::filesystem::temp_directory_path() / "tarn_bench_engine.txt").string();
-    // 1024, 4096 and 8192 bins; the last with a band of half the spectrum, so that there is something to search.
+    // 512, 1024, 2048, 4096 and 8192 bins; the last with a band of half the spectrum, so that there is something to
+    // search.
     std::vector<std::unique_ptr<CLmnSA>> engines;
-    for (const auto& [rate, bandwidth] : {std::pair{40.0, 40}, {160.0, 160}, {320.0, 160}}) {
+    for (const auto& [rate, rbw, bandwidth] : {std::tuple{80.0, 156.25, 80},
+                                               {40.0, 39.0625, 40},
+                                               {80.0, 39.0625, 80},
+                                               {160.0, 39.0625, 160},
+                                               {320.0, 39.0625, 160}}) {
         engines.push_back(std::make_unique<CLmnSA>());
         CLmnSA& engine = *engines.back();
-        tune(engine, rate, 39.0625, bandwidth);
+        tune(engine, rate, rbw, bandwidth);
         codes.addTo(engine);
         engine.UpdateFromLastSweep();
         checkIntake(engine, codes);

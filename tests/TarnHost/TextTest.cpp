@@ -178,7 +178,7 @@ TEST(Arguments, WrongUsageIsStatusTwoWithAReason) {
 }
 
 TEST(Arguments, EveryCommandHasHelpWithExamples) {
-    for (const std::string command : {"analyse", "run", "simulate", "info"}) {
+    for (const std::string command : {"analyse", "run", "simulate", "info", "measure", "shell"}) {
         const auto request = ParseArguments({command, "--help"});
         EXPECT_EQ(request.status, Success);
         EXPECT_NE(request.text.find("tarn " + command), std::string::npos) << request.text;
