@@ -23,6 +23,7 @@ public:
         Share();
     }
     ~CountedPtr() {
+        // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): the analysis doesn't follow the count
         if (m_count && --*m_count == 0) Destroy();
     }
     CountedPtr& operator=(CountedPtr other) noexcept {
