@@ -11,7 +11,7 @@ FORBIDDEN = [
     (re.compile(r"\bParts? [0-9]+\.[0-9]+"), "refers to a requirement by number"),
     (re.compile(r"\b[Tt]he spec(ification)?\b|\bper spec\b|\bspec\.md\b"), "refers to a requirements text"),
     (re.compile(r"(?<![\w.])/(?:work|farm|root|home/\w+)/"), "absolute path of one machine"),
-    (re.compile(r"\b(sub-?agents?|helper session|this session)\b"), "speaks of how it was worked on"),
+    (re.compile(r"\b(sub-?agents?|(helper|this) session)\b"), "speaks of how it was worked on"),
     (re.compile(r"\bissue #?[0-9]+\b|\(#[0-9]+\)"), "issue number"),
     (re.compile(r"\b(?:deb|security|registry|ftp)\.[a-z]+\.(?:org|com|net)\b"), "registry host name"),
 ]
