@@ -14,6 +14,15 @@ namespace {
 /// Hardware whose internal gain counts three times on the 5.2 GHz band.
 constexpr std::array<std::uint32_t, 6> TripleGainHardware{11, 13, 16, 17, 20, 24};
 
+/// The words of a chain that both radio layouts begin with.
+void WriteGainWords(std::uint32_t* words, const quayCommand::ChainGain& gain, std::uint32_t coarse,
+                    std::uint32_t fine) {
+    words[0] = coarse;
+    words[1] = fine;
+    words[2] = gain.internalGain;
+    words[3] = gain.preLna;
+}
+
 }  // namespace
 
 // The gain file.
@@ -156,10 +165,7 @@ void TarnWifiFlows::ToGainConfigB(quayCommand::GainConfigB& out, const quayComma
     for (std::size_t chain = 0; chain < 2; ++chain) {
         const ChainGain& gain = gainConfig.chains[chain];
         std::uint32_t* words = &out[1 + chain * 5];
-        words[0] = InternalGainCoarse(gain.gainIndex);
-        words[1] = InternalGainFine(gain.gainIndex);
-        words[2] = gain.internalGain;
-        words[3] = gain.preLna;
+        WriteGainWords(words, gain, InternalGainCoarse(gain.gainIndex), InternalGainFine(gain.gainIndex));
         words[4] = static_cast<std::uint32_t>(static_cast<std::int32_t>(gain.fine));
     }
     out[11] = static_cast<std::uint32_t>(gainConfig.last);
@@ -172,10 +178,7 @@ void TarnWifiFlows::ToGainConfigC(quayCommand::GainConfigC& out, const quayComma
     for (std::size_t chain = 0; chain < 2; ++chain) {
         const ChainGain& gain = gainConfig.chains[chain];
         std::uint32_t* words = &out[2 + chain * 6];
-        words[0] = InternalGainCoarse(gain.gainIndex);
-        words[1] = InternalGainFine(gain.gainIndex);
-        words[2] = gain.internalGain;
-        words[3] = gain.preLna;
+        WriteGainWords(words, gain, InternalGainCoarse(gain.gainIndex), InternalGainFine(gain.gainIndex));
         words[5] = static_cast<std::uint32_t>(static_cast<std::int32_t>(gain.fine));
     }
     out[14] = static_cast<std::uint32_t>(gainConfig.last);
