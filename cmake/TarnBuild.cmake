@@ -31,11 +31,11 @@ if(TARN_SANITIZE)
   target_link_options(tarn_options INTERFACE -fsanitize=${TARN_SANITIZE})
 endif()
 
-# tarn_module(NAME [SHARED] [PUBLIC targets...] [PRIVATE targets...] [EXCLUDE regex])
-# Makes a library of all sources in the current folder. Its own folder is its include folder, so that a header can only
-# be included by a target that links this one.
+# tarn_module(NAME [SHARED] [PUBLIC targets...] [PRIVATE targets...] [EXCLUDE regex] [INCLUDE folder])
+# Makes a library of all sources in the current folder. Its own folder is its include folder unless INCLUDE names
+# another, so that a header can only be included by a target that links this one.
 function(tarn_module name)
-  cmake_parse_arguments(ARG "SHARED" "EXCLUDE" "PUBLIC;PRIVATE" ${ARGN})
+  cmake_parse_arguments(ARG "SHARED" "EXCLUDE;INCLUDE" "PUBLIC;PRIVATE" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp ${CMAKE_CURRENT_SOURCE_DIR}/*.h)
   if(ARG_EXCLUDE)
     list(FILTER sources EXCLUDE REGEX ${ARG_EXCLUDE})
@@ -46,6 +46,9 @@ function(tarn_module name)
     add_library(${name} STATIC ${sources})
   endif()
   set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
-  target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+  if(NOT ARG_INCLUDE)
+    set(ARG_INCLUDE ${CMAKE_CURRENT_SOURCE_DIR})
+  endif()
+  target_include_directories(${name} PUBLIC ${ARG_INCLUDE})
   target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} $<BUILD_INTERFACE:tarn_options>)
 endfunction()

@@ -8,9 +8,9 @@
 #include <string>
 
 #include "DebugPrint.h"
+#include "OSAL/SyncObjects.h"
 #include "SingletonSlots.h"
 #include "Streams.h"
-#include "SyncObjects.h"
 
 namespace Streams {
 

@@ -5,7 +5,7 @@
 
 #include "AppStreams.h"
 #include "Format.h"
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 namespace AnvilTool {
 

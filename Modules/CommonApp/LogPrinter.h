@@ -7,8 +7,8 @@
 #include <ostream>
 #include <string>
 
+#include "OSAL/SyncObjects.h"
 #include "SingletonSlots.h"
-#include "SyncObjects.h"
 
 namespace Utilities {
 

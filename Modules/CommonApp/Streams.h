@@ -7,7 +7,7 @@
 #include <string>
 #include <utility>
 
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 namespace Streams {
 

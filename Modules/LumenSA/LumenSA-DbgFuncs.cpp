@@ -4,7 +4,7 @@
 
 #include "LumenSA.h"
 #include "LumenSABuffers.h"
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 #include "Trace.h"
 
 namespace LumenSpectrumAnalyzer {

@@ -23,7 +23,7 @@
 #include <utility>
 
 #include "GainModel.h"
-#include "SyncObjects.h"
+#include "OSAL/SyncObjects.h"
 
 struct KelpsFFTSpec_C_64fc;
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "Application.h"
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 #include "TestStreams.h"
 
 namespace {

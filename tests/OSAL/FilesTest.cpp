@@ -7,9 +7,9 @@
 #include <fstream>
 #include <sstream>
 
-#include "CFile.h"
-#include "OSAL.h"
-#include "SequentialFile.h"
+#include "OSAL/CFile.h"
+#include "OSAL/OSAL.h"
+#include "OSAL/SequentialFile.h"
 
 namespace fs = std::filesystem;
 

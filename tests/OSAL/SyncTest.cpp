@@ -4,7 +4,7 @@
 #include <string>
 #include <thread>
 
-#include "SyncObjects.h"
+#include "OSAL/SyncObjects.h"
 
 using namespace SyncObjectsOSAL;
 

@@ -5,7 +5,7 @@
 #include <ctime>
 #include <regex>
 
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 TEST(TimeStamps, HaveTheirFieldsAndUnknownFormsNone) {
     const std::pair<unsigned, const char*> forms[] = {

@@ -5,7 +5,7 @@
 #include "CoreStart.h"
 #include "FailureOf.h"
 #include "LogPrinter.h"
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 #include "ServiceDomain.h"
 
 namespace {

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "AppStreams.h"
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 #include "RadioSetup.h"
 #include "TarnWifiFlowsWeb.h"
 

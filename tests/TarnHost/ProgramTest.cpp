@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 namespace fs = std::filesystem;
 

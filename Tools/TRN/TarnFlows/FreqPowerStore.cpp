@@ -6,7 +6,7 @@
 #include "ChannelDatabase.h"
 #include "Exceptions.h"
 #include "NumberText.h"
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 #include "Exceptions.h"
 #include "FlowText.h"
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 #include "Trace.h"
 
 namespace {

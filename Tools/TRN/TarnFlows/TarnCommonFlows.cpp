@@ -4,7 +4,7 @@
 #include "FlowFailure.h"
 #include "FlowText.h"
 #include "NumberText.h"
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 using LumenSpectrumAnalyzer::CLmnSA;
 using LumenSpectrumAnalyzer::LmnSAProperty;

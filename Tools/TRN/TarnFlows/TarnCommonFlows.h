@@ -9,7 +9,7 @@
 
 #include "Application.h"
 #include "LumenSA.h"
-#include "SyncObjects.h"
+#include "OSAL/SyncObjects.h"
 
 /// Answers go to `m_response`; failures are exceptions unless an operation says otherwise.
 /// Thread: one thread at a time.

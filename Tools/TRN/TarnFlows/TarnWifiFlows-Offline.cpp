@@ -6,7 +6,7 @@
 #include "AdcFile.h"
 #include "FlowFailure.h"
 #include "NumberText.h"
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 #include "TarnWifiFlows.h"
 
 using Streams::TraceError;

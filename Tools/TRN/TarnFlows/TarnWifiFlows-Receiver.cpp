@@ -2,7 +2,7 @@
 #include <optional>
 
 #include "FlowFailure.h"
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 #include "TarnWifiFlows.h"
 
 using Streams::TraceError;

@@ -1,7 +1,7 @@
 // One measurement: set up, capture, analyse; and the stores and exports that grow from triggers.
 #include "FlowFailure.h"
 #include "NumberText.h"
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 #include "TarnWifiFlows.h"
 
 using LumenSpectrumAnalyzer::CLmnSA;

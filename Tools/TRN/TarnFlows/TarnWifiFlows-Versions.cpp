@@ -4,7 +4,7 @@
 
 #include "AppStreams.h"
 #include "FlowFailure.h"
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 #include "TarnWifiFlows.h"
 
 using Streams::TraceError;

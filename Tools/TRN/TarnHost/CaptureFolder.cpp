@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 namespace TarnHost {
 namespace {

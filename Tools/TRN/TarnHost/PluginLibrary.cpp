@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 namespace TarnHost {
 namespace {

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "WholeFile.h"
+#include "OSAL/WholeFile.h"
 
 namespace TarnHost {
 namespace {

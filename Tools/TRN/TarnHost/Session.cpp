@@ -5,7 +5,7 @@
 #include "AppStreams.h"
 #include "Guarded.h"
 #include "Kernel.h"
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 namespace TarnHost {
 namespace {

@@ -3,7 +3,7 @@
 #include <cairo-pdf.h>
 #include <cairo-svg.h>
 
-#include "WholeFile.h"
+#include "OSAL/WholeFile.h"
 
 namespace TarnMeasure {
 namespace {

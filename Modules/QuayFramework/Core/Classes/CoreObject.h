@@ -1,7 +1,7 @@
 // The root of the interfaces of this framework, and the process-wide instance of a type.
 #pragma once
 
-#include "SyncObjects.h"  // Utilities::IObject
+#include "OSAL/SyncObjects.h"  // Utilities::IObject
 
 namespace Utilities {
 

@@ -1,8 +1,8 @@
-#include "CFile.h"
+#include "OSAL/CFile.h"
 
 #include <algorithm>
 
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 namespace OSAL {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "SyncObjects.h"
+#include "OSAL/SyncObjects.h"
 
 namespace OSAL {
 

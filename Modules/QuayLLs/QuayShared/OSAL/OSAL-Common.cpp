@@ -2,7 +2,7 @@
 #include <atomic>
 #include <string>
 
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 namespace OSAL {
 

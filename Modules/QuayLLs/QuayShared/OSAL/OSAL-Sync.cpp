@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "SyncObjects.h"
+#include "OSAL/SyncObjects.h"
 
 namespace SyncObjectsOSAL {
 

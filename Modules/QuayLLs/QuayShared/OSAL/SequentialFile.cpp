@@ -1,4 +1,4 @@
-#include "SequentialFile.h"
+#include "OSAL/SequentialFile.h"
 
 #include <array>
 #include <cstdio>

@@ -1,4 +1,4 @@
-#include "WholeFile.h"
+#include "OSAL/WholeFile.h"
 
 #include <cerrno>
 #include <fstream>

@@ -14,7 +14,7 @@
 #include <system_error>
 #include <vector>
 
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 namespace OSAL {
 

@@ -5,7 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 namespace OSAL {
 

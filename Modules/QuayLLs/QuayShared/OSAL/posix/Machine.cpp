@@ -13,7 +13,7 @@
 #define TARN_HAS_CPUID 1
 #endif
 
-#include "OSAL.h"
+#include "OSAL/OSAL.h"
 
 namespace OSAL {
 
