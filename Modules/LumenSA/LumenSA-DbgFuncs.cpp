@@ -5,7 +5,7 @@
 #include "LumenSA.h"
 #include "LumenSABuffers.h"
 #include "OSAL/OSAL.h"
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 namespace LumenSpectrumAnalyzer {
 

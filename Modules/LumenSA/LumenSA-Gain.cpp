@@ -1,7 +1,7 @@
 // Gain and the small setters.
 #include "LumenSA.h"
 #include "LumenSABuffers.h"
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 namespace LumenSpectrumAnalyzer {
 

@@ -4,7 +4,7 @@
 
 #include "LumenSA.h"
 #include "LumenSABuffers.h"
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 namespace LumenSpectrumAnalyzer {
 

@@ -3,7 +3,7 @@
 
 #include "LumenSA.h"
 #include "LumenSABuffers.h"
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 namespace LumenSpectrumAnalyzer {
 

@@ -5,7 +5,7 @@
 #include "Exceptions.h"
 #include "LumenSA.h"
 #include "LumenSABuffers.h"
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 namespace LumenSpectrumAnalyzer {
 

@@ -1,6 +1,6 @@
 #include "LumenSAAsh2.h"
 
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 namespace LumenSpectrumAnalyzer {
 

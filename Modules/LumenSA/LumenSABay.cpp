@@ -1,6 +1,6 @@
 #include "LumenSABay.h"
 
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 namespace LumenSpectrumAnalyzer {
 

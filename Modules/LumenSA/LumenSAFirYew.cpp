@@ -1,6 +1,6 @@
 #include "LumenSAFirYew.h"
 
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 namespace LumenSpectrumAnalyzer {
 

@@ -1,6 +1,6 @@
 #include "LumenSAPine.h"
 
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 namespace LumenSpectrumAnalyzer {
 

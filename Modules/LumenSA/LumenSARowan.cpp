@@ -1,6 +1,6 @@
 #include "LumenSARowan.h"
 
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 namespace LumenSpectrumAnalyzer {
 

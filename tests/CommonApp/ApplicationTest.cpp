@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "Application.h"
+#include "Frame/Application.h"
 #include "OSAL/OSAL.h"
 #include "TestStreams.h"
 

@@ -2,7 +2,7 @@
 
 #include <limits>
 
-#include "CmdLine.h"
+#include "CmdLine/CmdLine.h"
 
 using namespace CmdLine;
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "Context.h"
+#include "Environment/Context.h"
 
 using Environment::Variables;
 

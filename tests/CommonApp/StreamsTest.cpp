@@ -2,7 +2,7 @@
 
 #include <list>
 
-#include "LogPrinter.h"
+#include "Streams/LogPrinter.h"
 #include "TestStreams.h"
 
 using Streams::AppStreams;

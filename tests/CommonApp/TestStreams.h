@@ -3,7 +3,7 @@
 
 #include <sstream>
 
-#include "AppStreams.h"
+#include "Streams/AppStreams.h"
 
 struct CapturedStreams {
     CapturedStreams() {

@@ -6,8 +6,8 @@
 #include <regex>
 #include <thread>
 
+#include "Streams/Trace.h"
 #include "TestStreams.h"
-#include "Trace.h"
 
 namespace fs = std::filesystem;
 using Streams::AppStreams;

@@ -4,9 +4,9 @@
 
 #include "CoreStart.h"
 #include "FailureOf.h"
-#include "LogPrinter.h"
 #include "OSAL/OSAL.h"
 #include "ServiceDomain.h"
+#include "Streams/LogPrinter.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 #include "CoreStart.h"
 #include "FailureOf.h"
-#include "LogPrinter.h"
+#include "Streams/LogPrinter.h"
 #include "ValueFactory.h"
 
 namespace TestTypes {

@@ -13,9 +13,9 @@
 #include <string>
 #include <vector>
 
-#include "AppStreams.h"
 #include "OSAL/OSAL.h"
 #include "RadioSetup.h"
+#include "Streams/AppStreams.h"
 #include "TarnWifiFlowsWeb.h"
 
 /// The variant of a test, with its state in reach.

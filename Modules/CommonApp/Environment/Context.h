@@ -4,7 +4,7 @@
 #include <list>
 
 #include "CountedPtr.h"
-#include "NamedStorage.h"
+#include "Environment/NamedStorage.h"
 
 namespace Environment {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "NamedStorage.h"
+#include "Environment/NamedStorage.h"
 
 namespace {
 

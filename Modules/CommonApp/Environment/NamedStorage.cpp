@@ -1,4 +1,4 @@
-#include "NamedStorage.h"
+#include "Environment/NamedStorage.h"
 
 #include <cassert>
 

@@ -4,7 +4,7 @@
 
 #include "Exceptions.h"
 #include "Format.h"
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 namespace ChannelDatabase {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "Exceptions.h"
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 /// Logs `text` under the operation's name and throws it as a Common::Exception.
 [[noreturn]] inline void ThrowLogged(const char* traceFunctionName, const std::string& text,

@@ -6,8 +6,8 @@
 #include <type_traits>
 #include <variant>
 
-#include "Application.h"
-#include "CmdLine.h"
+#include "CmdLine/CmdLine.h"
+#include "Frame/Application.h"
 
 /// One key. The operation's argument is the key's argument; an overriding operation is called through the same row.
 template <typename Flows>

@@ -9,7 +9,7 @@
 #include "Exceptions.h"
 #include "FlowText.h"
 #include "OSAL/OSAL.h"
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "Application.h"
+#include "Frame/Application.h"
 #include "LumenSA.h"
 #include "OSAL/SyncObjects.h"
 

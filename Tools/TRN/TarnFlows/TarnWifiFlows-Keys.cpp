@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "FlowKeys.h"
+#include "Streams/Trace.h"
 #include "TarnWifiFlows.h"
-#include "Trace.h"
 
 namespace {
 

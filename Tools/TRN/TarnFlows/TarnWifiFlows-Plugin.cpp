@@ -3,7 +3,7 @@
 #include <stdexcept>
 
 #include "CSampleClover.h"
-#include "CmdLine.h"
+#include "CmdLine/CmdLine.h"
 #include "FlowFailure.h"
 #include "LumenSAAsh2.h"
 #include "LumenSAAsh4.h"

@@ -2,9 +2,9 @@
 #include <cctype>
 #include <sstream>
 
-#include "AppStreams.h"
 #include "FlowFailure.h"
 #include "OSAL/OSAL.h"
+#include "Streams/AppStreams.h"
 #include "TarnWifiFlows.h"
 
 using Streams::TraceError;

@@ -1,6 +1,6 @@
 #include "TarnWifiFlowsWeb.h"
 
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 void TarnWifiFlowsWeb::OutputObject(std::string type, std::string data) {
     TRACE_SCOPE("TarnWifiFlowsWeb::OutputObject");

@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
-#include "CmdLine.h"
+#include "CmdLine/CmdLine.h"
 #include "KeyTable.h"
 
 namespace TarnHost {

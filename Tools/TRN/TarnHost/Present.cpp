@@ -6,7 +6,7 @@
 #include <sstream>
 #include <vector>
 
-#include "CmdLine.h"
+#include "CmdLine/CmdLine.h"
 #include "KeyTable.h"
 
 namespace TarnHost {

@@ -2,10 +2,10 @@
 
 #include <new>
 
-#include "AppStreams.h"
 #include "Guarded.h"
 #include "Kernel.h"
 #include "OSAL/OSAL.h"
+#include "Streams/AppStreams.h"
 
 namespace TarnHost {
 namespace {

@@ -1,6 +1,6 @@
 #include "SettingsMemory.h"
 
-#include "CmdLine.h"
+#include "CmdLine/CmdLine.h"
 #include "KeyTable.h"
 
 namespace TarnHost {

@@ -1,6 +1,6 @@
 // Shares the process-wide objects with the program that loads it.
-#include "AppStreams.h"
-#include "Trace.h"
+#include "Streams/AppStreams.h"
+#include "Streams/Trace.h"
 
 extern "C" __attribute__((visibility("default"))) void WriteTraceOfPlugin() {
     TRACE_SCOPE("Plugin::Write");

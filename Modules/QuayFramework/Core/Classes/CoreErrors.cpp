@@ -2,8 +2,8 @@
 
 #include "Exceptions.h"
 #include "Format.h"
-#include "LogPrinter.h"
-#include "Trace.h"
+#include "Streams/LogPrinter.h"
+#include "Streams/Trace.h"
 
 namespace Core {
 

@@ -3,9 +3,9 @@
 #include <optional>
 
 #include "Format.h"
-#include "LogPrinter.h"
 #include "ServiceDomain.h"
-#include "Streams.h"
+#include "Streams/LogPrinter.h"
+#include "Streams/Streams.h"
 #include "ValueFactory.h"
 
 namespace Core {

@@ -7,10 +7,10 @@
 #include <memory>
 #include <string>
 
-#include "DebugPrint.h"
 #include "OSAL/SyncObjects.h"
 #include "SingletonSlots.h"
-#include "Streams.h"
+#include "Streams/DebugPrint.h"
+#include "Streams/Streams.h"
 
 namespace Streams {
 

@@ -1,4 +1,4 @@
-#include "DebugPrint.h"
+#include "Streams/DebugPrint.h"
 
 #include <cstdio>
 #include <string>

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "CmdLine.h"
-#include "Context.h"
+#include "CmdLine/CmdLine.h"
+#include "Environment/Context.h"
 
 namespace CmdProcessor {
 

@@ -1,11 +1,11 @@
-#include "Application.h"
+#include "Frame/Application.h"
 
 #include <csignal>
 #include <sstream>
 
-#include "AppStreams.h"
 #include "Format.h"
 #include "OSAL/OSAL.h"
+#include "Streams/AppStreams.h"
 
 namespace AnvilTool {
 

@@ -14,7 +14,7 @@
 #include <optional>
 #include <string>
 
-#include "CmdProcessor.h"
+#include "CmdProcessor/CmdProcessor.h"
 #include "Exceptions.h"
 
 namespace XML {

@@ -1,4 +1,4 @@
-#include "AppStreams.h"
+#include "Streams/AppStreams.h"
 
 #include <algorithm>
 #include <string_view>

@@ -1,4 +1,4 @@
-#include "CmdLine.h"
+#include "CmdLine/CmdLine.h"
 #include "Format.h"
 
 namespace CmdLine {

@@ -1,8 +1,8 @@
-#include "LogPrinter.h"
+#include "Streams/LogPrinter.h"
 
 #include <sstream>
 
-#include "AppStreams.h"
+#include "Streams/AppStreams.h"
 
 namespace Utilities {
 

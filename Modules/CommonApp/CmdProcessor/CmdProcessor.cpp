@@ -1,9 +1,9 @@
-#include "CmdProcessor.h"
+#include "CmdProcessor/CmdProcessor.h"
 
 #include <algorithm>
 
-#include "AppStreams.h"
 #include "Format.h"
+#include "Streams/AppStreams.h"
 
 namespace CmdProcessor {
 

@@ -1,9 +1,9 @@
 // What each kind of failure prints, and the ladder that finds the handler of an exception.
 #include <memory>
 
-#include "AppStreams.h"
-#include "Application.h"
 #include "Format.h"
+#include "Frame/Application.h"
+#include "Streams/AppStreams.h"
 
 namespace Common {
 

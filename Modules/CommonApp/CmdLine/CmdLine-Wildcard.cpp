@@ -1,6 +1,6 @@
 #include <vector>
 
-#include "CmdLine.h"
+#include "CmdLine/CmdLine.h"
 
 namespace CmdLine {
 

@@ -1,8 +1,8 @@
-#include "Trace.h"
+#include "Streams/Trace.h"
 
 #include <array>
 
-#include "AppStreams.h"
+#include "Streams/AppStreams.h"
 
 namespace Streams {
 
