@@ -4,7 +4,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "FileAir.h"
+#include "Air/FileAir.h"
 #include "Format.h"
 
 namespace quayCommand {

@@ -5,10 +5,10 @@
 #include <optional>
 #include <string>
 
-#include "MonitoredRadio.h"
+#include "Adapter/SimulatedAdapter.h"
+#include "Air/Scene/SceneAir.h"
+#include "Monitor/MonitoredRadio.h"
 #include "RadioSetup.h"
-#include "SceneAir.h"
-#include "SimulatedAdapter.h"
 
 namespace quayCommand {
 

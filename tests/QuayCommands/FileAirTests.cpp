@@ -1,6 +1,6 @@
 #include "TestRadio.h"
 
-#include "FileAir.h"
+#include "Air/FileAir.h"
 
 using namespace radiotest;
 

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "Random.h"
+#include "Air/Scene/Random.h"
 
 using namespace radiotest;
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "Ofdm.h"
+#include "Air/Scene/Ofdm.h"
 
 using namespace radiotest;
 

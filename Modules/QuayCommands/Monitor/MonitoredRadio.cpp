@@ -1,4 +1,4 @@
-#include "MonitoredRadio.h"
+#include "Monitor/MonitoredRadio.h"
 
 #include <cstring>
 #include <utility>

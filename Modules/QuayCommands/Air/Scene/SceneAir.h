@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "Air.h"
-#include "Scene.h"
+#include "Air/Air.h"
+#include "Air/Scene/Scene.h"
 
 namespace quayCommand {
 

@@ -1,4 +1,4 @@
-#include "Fft.h"
+#include "Air/Scene/Fft.h"
 
 #include <cassert>
 #include <cmath>

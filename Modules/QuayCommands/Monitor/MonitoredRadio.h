@@ -1,8 +1,8 @@
 // The journal and the fault plan as one wrapper round any adapter, so that each kind of radio gets both.
 #pragma once
 
-#include "FaultPlan.h"
-#include "Journal.h"
+#include "Monitor/FaultPlan.h"
+#include "Monitor/Journal.h"
 #include "QuayCommands.h"
 
 namespace quayCommand {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "Scene.h"
+#include "Air/Scene/Scene.h"
 
 namespace quayCommand {
 

@@ -1,4 +1,4 @@
-#include "JsonReader.h"
+#include "Air/Scene/JsonReader.h"
 
 #include <algorithm>
 #include <cmath>

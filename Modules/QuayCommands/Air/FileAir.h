@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Air.h"
+#include "Air/Air.h"
 #include "Refusal.h"
 
 namespace quayCommand {

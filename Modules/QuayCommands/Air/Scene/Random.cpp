@@ -1,4 +1,4 @@
-#include "Random.h"
+#include "Air/Scene/Random.h"
 
 #include <cmath>
 

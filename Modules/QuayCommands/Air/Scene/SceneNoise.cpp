@@ -3,9 +3,9 @@
 #include <cmath>
 #include <numbers>
 
-#include "Fft.h"
-#include "Random.h"
-#include "SceneSignal.h"
+#include "Air/Scene/Fft.h"
+#include "Air/Scene/Random.h"
+#include "Air/Scene/SceneSignal.h"
 
 namespace quayCommand {
 namespace {

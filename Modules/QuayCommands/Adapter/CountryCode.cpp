@@ -1,4 +1,4 @@
-#include "CountryCode.h"
+#include "Adapter/CountryCode.h"
 
 #include <algorithm>
 #include <array>

@@ -1,9 +1,9 @@
 // An adapter that exists in software only: it accepts every call of the flows and captures what its air gives.
 #pragma once
 
-#include "AdapterDescription.h"
-#include "Air.h"
-#include "CountryCode.h"
+#include "Adapter/AdapterDescription.h"
+#include "Adapter/CountryCode.h"
+#include "Air/Air.h"
 #include "QuayCommands.h"
 
 namespace quayCommand {

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "Fft.h"
-#include "SceneSignal.h"
+#include "Air/Scene/Fft.h"
+#include "Air/Scene/SceneSignal.h"
 
 namespace quayCommand {
 

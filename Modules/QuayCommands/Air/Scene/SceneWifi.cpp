@@ -2,10 +2,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Air/Scene/Ofdm.h"
+#include "Air/Scene/Random.h"
+#include "Air/Scene/SceneSignal.h"
 #include "ChannelPlan.h"
-#include "Ofdm.h"
-#include "Random.h"
-#include "SceneSignal.h"
 
 namespace quayCommand {
 namespace {

@@ -1,10 +1,10 @@
-#include "Ofdm.h"
+#include "Air/Scene/Ofdm.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 
-#include "Random.h"
+#include "Air/Scene/Random.h"
 
 namespace quayCommand {
 namespace {

@@ -1,4 +1,4 @@
-#include "FaultPlan.h"
+#include "Monitor/FaultPlan.h"
 
 #include <algorithm>
 #include <cctype>

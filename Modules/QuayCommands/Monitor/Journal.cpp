@@ -1,4 +1,4 @@
-#include "Journal.h"
+#include "Monitor/Journal.h"
 
 #include "Format.h"
 

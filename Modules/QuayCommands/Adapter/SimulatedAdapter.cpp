@@ -1,4 +1,4 @@
-#include "SimulatedAdapter.h"
+#include "Adapter/SimulatedAdapter.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,11 +1,11 @@
-#include "SceneAir.h"
+#include "Air/Scene/SceneAir.h"
 
 #include <algorithm>
 #include <cmath>
 
+#include "Air/Scene/Random.h"
+#include "Air/Scene/SceneSignal.h"
 #include "Format.h"
-#include "Random.h"
-#include "SceneSignal.h"
 
 namespace quayCommand {
 namespace {

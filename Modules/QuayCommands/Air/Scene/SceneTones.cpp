@@ -3,8 +3,8 @@
 #include <cmath>
 #include <numbers>
 
-#include "Random.h"
-#include "SceneSignal.h"
+#include "Air/Scene/Random.h"
+#include "Air/Scene/SceneSignal.h"
 
 namespace quayCommand {
 

@@ -1,4 +1,4 @@
-#include "FileAir.h"
+#include "Air/FileAir.h"
 
 #include <algorithm>
 #include <cmath>

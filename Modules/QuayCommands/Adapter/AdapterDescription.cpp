@@ -1,4 +1,4 @@
-#include "AdapterDescription.h"
+#include "Adapter/AdapterDescription.h"
 
 #include <algorithm>
 #include <array>

@@ -1,10 +1,10 @@
 // The JSON form of a scene.
 #include <cmath>
 
+#include "Air/Scene/JsonReader.h"
+#include "Air/Scene/Scene.h"
 #include "ChannelPlan.h"
 #include "Format.h"
-#include "JsonReader.h"
-#include "Scene.h"
 
 namespace quayCommand {
 namespace {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Operations.h"
+#include "Monitor/Operations.h"
 #include "Refusal.h"
 
 namespace quayCommand {
