@@ -1,5 +1,5 @@
 // Parameters in file names, sample lines, and the fast reader against the plain rules.
-#include "AdcFile.h"
+#include "Stores/AdcFile.h"
 
 #include <gtest/gtest.h>
 

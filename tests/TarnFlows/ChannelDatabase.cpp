@@ -1,5 +1,5 @@
 // Channels, their selection for a device, line numbers, and the forms of chains and bandwidths.
-#include "ChannelDatabase.h"
+#include "Device/ChannelDatabase.h"
 
 #include <gtest/gtest.h>
 

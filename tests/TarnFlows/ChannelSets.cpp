@@ -5,7 +5,7 @@
 #include <array>
 #include <set>
 
-#include "ChannelDatabase.h"
+#include "Device/ChannelDatabase.h"
 #include "WifiDefs.h"
 
 namespace {

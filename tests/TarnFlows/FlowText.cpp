@@ -1,5 +1,5 @@
 // Flags, lists, ranges and forgiving numbers.
-#include "FlowText.h"
+#include "Support/FlowText.h"
 
 #include <gtest/gtest.h>
 

@@ -8,7 +8,7 @@
 #include <random>
 
 #include "FlowsTest.h"
-#include "NumberText.h"
+#include "Support/NumberText.h"
 
 namespace {
 

@@ -16,7 +16,7 @@
 #include "OSAL/OSAL.h"
 #include "RadioSetup.h"
 #include "Streams/AppStreams.h"
-#include "TarnWifiFlowsWeb.h"
+#include "Web/TarnWifiFlowsWeb.h"
 
 /// The variant of a test, with its state in reach.
 template <typename Flows>

@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "FlowsTest.h"
-#include "NumberText.h"
+#include "Support/NumberText.h"
 
 namespace {
 

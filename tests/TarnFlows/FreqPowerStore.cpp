@@ -1,5 +1,5 @@
 // The frequency-power store, its CSV table to the byte, and the memory documents.
-#include "FreqPowerStore.h"
+#include "Stores/FreqPowerStore.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 #include <sstream>
 #include <stdexcept>
 
+#include "Device/NvmDocuments.h"
 #include "Exceptions.h"
-#include "NvmDocuments.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // The gain CSV file: its rows, its messages, and its look-up.
-#include "GainFile.h"
+#include "Stores/GainFile.h"
 
 #include <gtest/gtest.h>
 

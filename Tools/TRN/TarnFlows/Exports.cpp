@@ -2,7 +2,7 @@
 #include <memory>
 
 #include "ITrellisPlugin.h"
-#include "TarnWifiFlowsWeb.h"
+#include "Web/TarnWifiFlowsWeb.h"
 #include "WifiDefs.h"  // starts the typed values when the library loads
 
 namespace {

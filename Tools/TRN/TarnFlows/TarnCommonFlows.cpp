@@ -1,10 +1,10 @@
 #include "TarnCommonFlows.h"
 
-#include "ChainBuffers.h"
-#include "FlowFailure.h"
-#include "FlowText.h"
-#include "NumberText.h"
 #include "OSAL/OSAL.h"
+#include "Support/ChainBuffers.h"
+#include "Support/FlowFailure.h"
+#include "Support/FlowText.h"
+#include "Support/NumberText.h"
 
 using LumenSpectrumAnalyzer::CLmnSA;
 using LumenSpectrumAnalyzer::LmnSAProperty;

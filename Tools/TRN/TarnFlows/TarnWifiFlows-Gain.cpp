@@ -1,8 +1,8 @@
 // Where the gain comes from that the engine takes off each power: the manual settings or the gain file.
 #include <algorithm>
 
-#include "FlowFailure.h"
-#include "FlowText.h"
+#include "Support/FlowFailure.h"
+#include "Support/FlowText.h"
 #include "TarnWifiFlows.h"
 
 using quayCommand::ChainGain;

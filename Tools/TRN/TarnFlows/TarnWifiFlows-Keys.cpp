@@ -2,8 +2,8 @@
 #include <array>
 #include <vector>
 
-#include "FlowKeys.h"
 #include "Streams/Trace.h"
+#include "Support/FlowKeys.h"
 #include "TarnWifiFlows.h"
 
 namespace {

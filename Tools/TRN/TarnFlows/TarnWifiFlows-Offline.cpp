@@ -3,10 +3,10 @@
 #include <filesystem>
 #include <fstream>
 
-#include "AdcFile.h"
-#include "FlowFailure.h"
-#include "NumberText.h"
 #include "OSAL/OSAL.h"
+#include "Stores/AdcFile.h"
+#include "Support/FlowFailure.h"
+#include "Support/NumberText.h"
 #include "TarnWifiFlows.h"
 
 using Streams::TraceError;

@@ -4,7 +4,7 @@
 
 #include "CSampleClover.h"
 #include "CmdLine/CmdLine.h"
-#include "FlowFailure.h"
+#include "Device/NvmDocuments.h"
 #include "LumenSAAsh2.h"
 #include "LumenSAAsh4.h"
 #include "LumenSABay.h"
@@ -12,7 +12,7 @@
 #include "LumenSAFirYew.h"
 #include "LumenSAPine.h"
 #include "LumenSARowan.h"
-#include "NvmDocuments.h"
+#include "Support/FlowFailure.h"
 #include "TarnWifiFlows.h"
 
 using Streams::TraceInfo;

@@ -1,8 +1,8 @@
 // Bringing the radio into receive state, and the default configuration.
 #include <optional>
 
-#include "FlowFailure.h"
 #include "OSAL/OSAL.h"
+#include "Support/FlowFailure.h"
 #include "TarnWifiFlows.h"
 
 using Streams::TraceError;

@@ -2,8 +2,8 @@
 // capture must do. None talks to the receiver.
 #include <algorithm>
 
-#include "FlowFailure.h"
-#include "FlowText.h"
+#include "Support/FlowFailure.h"
+#include "Support/FlowText.h"
 #include "TarnWifiFlows.h"
 
 using Streams::TraceInfo;

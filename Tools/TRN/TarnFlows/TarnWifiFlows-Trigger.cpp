@@ -1,7 +1,7 @@
 // One measurement: set up, capture, analyse; and the stores and exports that grow from triggers.
-#include "FlowFailure.h"
-#include "NumberText.h"
 #include "OSAL/OSAL.h"
+#include "Support/FlowFailure.h"
+#include "Support/NumberText.h"
 #include "TarnWifiFlows.h"
 
 using LumenSpectrumAnalyzer::CLmnSA;

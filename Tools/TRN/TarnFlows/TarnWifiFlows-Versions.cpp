@@ -2,9 +2,9 @@
 #include <cctype>
 #include <sstream>
 
-#include "FlowFailure.h"
 #include "OSAL/OSAL.h"
 #include "Streams/AppStreams.h"
+#include "Support/FlowFailure.h"
 #include "TarnWifiFlows.h"
 
 using Streams::TraceError;

@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "CSampleCommon.h"
-#include "ChannelDatabase.h"
-#include "FreqPowerStore.h"
-#include "GainFile.h"
+#include "Device/ChannelDatabase.h"
 #include "ITrellisPlugin.h"
 #include "QuayCommands.h"
+#include "Stores/FreqPowerStore.h"
+#include "Stores/GainFile.h"
 #include "TarnCommonFlows.h"
 
 /// Size class of the board, as the newer gain tables need it.

@@ -1,4 +1,4 @@
-#include "GainFile.h"
+#include "Stores/GainFile.h"
 
 #include <bit>
 #include <cmath>
@@ -7,9 +7,9 @@
 #include <fstream>
 
 #include "Exceptions.h"
-#include "FlowText.h"
 #include "OSAL/OSAL.h"
 #include "Streams/Trace.h"
+#include "Support/FlowText.h"
 
 namespace {
 

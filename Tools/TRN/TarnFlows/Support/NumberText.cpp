@@ -1,4 +1,4 @@
-#include "NumberText.h"
+#include "Support/NumberText.h"
 
 #include <array>
 #include <charconv>

@@ -1,12 +1,12 @@
-#include "FreqPowerStore.h"
+#include "Stores/FreqPowerStore.h"
 
 #include <algorithm>
 #include <utility>
 
-#include "ChannelDatabase.h"
+#include "Device/ChannelDatabase.h"
 #include "Exceptions.h"
-#include "NumberText.h"
 #include "OSAL/OSAL.h"
+#include "Support/NumberText.h"
 
 namespace {
 

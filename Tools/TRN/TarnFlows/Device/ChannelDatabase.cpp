@@ -1,4 +1,4 @@
-#include "ChannelDatabase.h"
+#include "Device/ChannelDatabase.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "TarnWifiFlowsWeb.h"
+#include "Web/TarnWifiFlowsWeb.h"
 
 #include "Streams/Trace.h"
 

@@ -1,4 +1,4 @@
-#include "AdcFile.h"
+#include "Stores/AdcFile.h"
 
 #include <array>
 #include <cstdint>
@@ -7,7 +7,7 @@
 #include <fstream>
 #include <string_view>
 
-#include "FlowText.h"
+#include "Support/FlowText.h"
 
 namespace AdcFile {
 

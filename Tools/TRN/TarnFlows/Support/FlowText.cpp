@@ -1,4 +1,4 @@
-#include "FlowText.h"
+#include "Support/FlowText.h"
 
 #include <algorithm>
 #include <charconv>

@@ -4,7 +4,7 @@
 #include <span>
 #include <string>
 
-#include "ChainBuffers.h"
+#include "Support/ChainBuffers.h"
 
 /// Appends one number; "inf", "nan" and "1e+06" as the stream writes them.
 void AppendStreamText(std::string& out, double value);

@@ -1,4 +1,4 @@
-#include "NvmDocuments.h"
+#include "Device/NvmDocuments.h"
 
 #include <array>
 #include <cstddef>
