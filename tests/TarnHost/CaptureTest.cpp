@@ -6,11 +6,11 @@
 #include <map>
 #include <set>
 
-#include "CaptureFolder.h"
-#include "CapturePlan.h"
-#include "Progress.h"
-#include "ResultTable.h"
-#include "SampleFile.h"
+#include "Captures/CaptureFolder.h"
+#include "Captures/CapturePlan.h"
+#include "Captures/SampleFile.h"
+#include "Console/Progress.h"
+#include "Console/ResultTable.h"
 #include "TempFolder.h"
 
 using namespace TarnHost;

@@ -5,12 +5,12 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "CommandLine.h"
-#include "Present.h"
+#include "Commands/CommandLine.h"
+#include "Console/Present.h"
+#include "Lines/SettingsMemory.h"
+#include "Lines/ShellHelp.h"
 #include "Program.h"
 #include "RadioSetup.h"
-#include "SettingsMemory.h"
-#include "ShellHelp.h"
 
 namespace fs = std::filesystem;
 

@@ -14,7 +14,7 @@
 #include <thread>
 #include <vector>
 
-#include "ResultTable.h"
+#include "Console/ResultTable.h"
 #include "TempFolder.h"
 
 extern char** environ;

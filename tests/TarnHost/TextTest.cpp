@@ -3,13 +3,13 @@
 
 #include <nlohmann/json.hpp>
 
-#include "CommandLine.h"
-#include "ConfigText.h"
+#include "Commands/CommandLine.h"
+#include "Console/Progress.h"
+#include "Console/ResultTable.h"
+#include "Console/TextWidth.h"
 #include "Exchange.h"
-#include "KeyLine.h"
-#include "Progress.h"
-#include "ResultTable.h"
-#include "TextWidth.h"
+#include "Lines/ConfigText.h"
+#include "Lines/KeyLine.h"
 
 using namespace TarnHost;
 

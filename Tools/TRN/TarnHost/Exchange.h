@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "Console/Terminal.h"
 #include "ITrellisPlugin.h"
-#include "Terminal.h"
 
 namespace TarnHost {
 

@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "CommandLine.h"
+#include "Commands/CommandLine.h"
 
 namespace TarnHost {
 namespace {

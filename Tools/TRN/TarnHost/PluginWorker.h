@@ -8,7 +8,7 @@
 #include <string>
 #include <thread>
 
-#include "InterruptWatch.h"
+#include "Console/InterruptWatch.h"
 #include "Session.h"
 
 namespace TarnHost {

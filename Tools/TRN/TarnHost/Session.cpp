@@ -2,8 +2,8 @@
 
 #include <new>
 
+#include "Commands/Kernel.h"
 #include "Guarded.h"
-#include "Kernel.h"
 #include "OSAL/OSAL.h"
 #include "Streams/AppStreams.h"
 

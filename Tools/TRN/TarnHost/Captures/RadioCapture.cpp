@@ -1,0 +1,121 @@
+#include "Captures/RadioCapture.h"
+
+#include <array>
+#include <memory>
+
+#include "Guarded.h"
+
+namespace TarnHost {
+namespace {
+
+using namespace quayCommand;
+
+/// Generations of the capture engine; each has its own form of the capture record.
+enum class Generation { First, Second, Third, Fourth };
+
+Generation GenerationOf(std::uint32_t hwType) {
+    if (hwType == 26 || hwType == 27 || hwType == 29 || hwType == 30) return Generation::Fourth;
+    if (hwType >= 11) return Generation::Third;
+    return hwType == 9 ? Generation::Second : Generation::First;
+}
+
+/// Words that the radio wants; they have no meaning here.
+CaptureDescriptorD NewDescriptor(std::uint32_t selector) {
+    return {1, selector, 0, 0x80000000, 0x80000000, 0, 0x80000000, 0x80000000, 10, 2, 2};
+}
+
+CaptureDescriptorB OldDescriptor(std::uint32_t selector) {
+    return {1, selector, 0, 0x40000000, 0x40000000, 0, 0x80000000, 0x40000000, 10, 2};
+}
+
+}  // namespace
+
+Result<RadioCapture> RadioCapture::Open() {
+    RadioCapture radio(CommandFactory::GetInstance().getWifiInstance());
+    const auto failure = Guarded(NoAdapter, "can't open the adapter", [&] {
+        radio.m_adc = radio.m_wifi->GetAdcObject();
+        radio.m_abilities = {radio.m_wifi->GetHwType(), radio.m_wifi->GetCardType(),
+                             radio.m_wifi->GetDeviceInfo()->GetAntennaMask(),
+                             CommandFactory::GetInstance().getNvmInstance()};
+    });
+    if (failure) return *failure;
+    return radio;
+}
+
+Result<std::vector<PlanEntry>> RadioCapture::Plan() {
+    std::vector<PlanEntry> plan;
+    const auto failure =
+        Guarded(Failed, "can't ask the adapter for its channels", [&] { plan = MakeCapturePlan(m_abilities); });
+    if (failure) return *failure;
+    return plan;
+}
+
+void RadioCapture::TuneTo(const PlanEntry& entry) {
+    RxConfig config;
+    config.m_channel = entry.channel;
+    config.m_band = entry.band;
+    config.mode = 13;
+    config.antennaMask = entry.chain;
+    config.m_currChain = entry.chain;
+    config.m_Bandwidth = entry.bandwidth;
+    config.secondBandwidth = entry.bandwidth;
+    config.antennaSelection = 3;
+    m_wifi->SetLmac(entry.band);
+    m_adc->ConfigTxRx(&config);
+    m_adc->StartStopAllPeriodicCalibrations();
+}
+
+void RadioCapture::SetLowestGain() {
+    const std::uint32_t hw = m_abilities.hwType;
+    GainConfig gain;
+    gain.enable = 1;
+    if (GenerationOf(hw) == Generation::Fourth)
+        m_adc->SetManualGainC({gain.enable});
+    else if (hw == 25 || hw == 28)
+        m_adc->SetManualGainB({gain.enable});
+    else
+        m_adc->SetManualGainA(gain);
+}
+
+bool RadioCapture::Read(const PlanEntry& entry, Samples& samples) {
+    const std::size_t length = m_adc->GetCaptureLength();
+    samples.i.assign(length, 0.0);
+    samples.q.assign(length, 0.0);
+    // the radio may fill as many chains as its buffers have; only the first is asked for
+    std::array<std::vector<double>, 6> spare;
+    spare.fill(std::vector<double>(length));
+    std::array<double*, 4> i = {samples.i.data(), spare[0].data(), spare[1].data(), spare[2].data()};
+    std::array<double*, 4> q = {samples.q.data(), spare[3].data(), spare[4].data(), spare[5].data()};
+    const AdcReadRequest request = {0, 5000, 2, 2};
+
+    const Generation generation = GenerationOf(m_abilities.hwType);
+    if (generation == Generation::First || generation == Generation::Second) {
+        m_adc->SetCaptureDescriptorB(OldDescriptor(entry.chain));
+        return m_adc->ReadCapture(request, i.data(), q.data());
+    }
+    if (generation == Generation::Fourth) {
+        m_adc->SetCaptureSource({3, 1, 0, 2, 0, 1});
+        m_adc->SetCaptureDescriptorD(NewDescriptor(entry.chain));
+    } else {
+        m_adc->SetCaptureDescriptorC(NewDescriptor(entry.chain));
+    }
+    std::vector<std::uint8_t> metadata(CaptureMetadataBytes);
+    return m_adc->ReadCaptureEx(request, i.data(), q.data(), metadata.data());
+}
+
+Result<Samples> RadioCapture::Capture(const PlanEntry& entry) {
+    Samples samples;
+    bool isRead = false;
+    const auto failure = Guarded(Failed, "the radio failed", [&] {
+        m_adc->SetCaptureMode(true);
+        TuneTo(entry);
+        SetLowestGain();
+        isRead = Read(entry, samples);
+        m_adc->SetCaptureMode(false);
+    });
+    if (failure) return *failure;
+    if (!isRead) return Failure{"the radio captured nothing"};
+    return samples;
+}
+
+}  // namespace TarnHost

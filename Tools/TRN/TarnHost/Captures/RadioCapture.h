@@ -1,0 +1,40 @@
+// Captures straight from the radio's interfaces, in the steps that its generation of chips wants.
+#pragma once
+
+#include <vector>
+
+#include "Captures/CapturePlan.h"
+#include "Outcome.h"
+#include "QuayCommands.h"
+
+namespace TarnHost {
+
+/// ADC codes of one chain.
+struct Samples {
+    std::vector<double> i;
+    std::vector<double> q;
+};
+
+/// The adapter that CommandFactory gives. Failures of the radio come back as values.
+/// Thread: one at a time.
+class RadioCapture {
+public:
+    static Result<RadioCapture> Open();
+
+    const AdapterAbilities& Abilities() const { return m_abilities; }
+    Result<std::vector<PlanEntry>> Plan();
+    /// One capture with gain index 0 and without pre-LNA resistor, which is what an analysis of files assumes.
+    Result<Samples> Capture(const PlanEntry& entry);
+
+private:
+    explicit RadioCapture(quayCommand::IWifiCommands* wifi) : m_wifi(wifi) {}
+    void TuneTo(const PlanEntry& entry);
+    void SetLowestGain();
+    bool Read(const PlanEntry& entry, Samples& samples);
+
+    quayCommand::IWifiCommands* m_wifi;
+    quayCommand::IAdcCommands* m_adc = nullptr;
+    AdapterAbilities m_abilities;
+};
+
+}  // namespace TarnHost

@@ -1,0 +1,96 @@
+// The commands of the program, each in a file of its own.
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "Console/InterruptWatch.h"
+#include "Console/Terminal.h"
+#include "Measurement.h"
+#include "Session.h"
+
+namespace TarnHost {
+
+/// What every command works with.
+struct Context {
+    Console& console;
+    InterruptWatch& watch;
+    HostOptions options;
+};
+
+struct AnalyseOptions {
+    std::string folder;
+};
+
+struct RunOptions {
+    std::vector<std::string> lines;
+    std::string script;  ///< a file, or "-"; empty: `lines` are run
+    bool isFrontEnd = false;
+    bool plainOutput = false;
+    bool record = false;
+    bool keepGoing = false;
+};
+
+struct SimulateOptions {
+    std::string folder;
+    std::string scene;  ///< scene file or name of a shipped scene; empty: the air of the common options
+    unsigned count = 1;
+    bool overwrite = false;
+};
+
+struct InfoOptions {
+    bool kernelsOnly = false;
+};
+
+struct MeasureOptions {
+    TarnMeasure::Request request;
+    std::string picture;  ///< .png, .svg or .pdf; empty: none
+    std::string csv;      ///< empty: none
+    bool json = false;    ///< JSON instead of the table
+};
+
+struct ShellOptions {};
+
+using CommandOptions =
+    std::variant<AnalyseOptions, RunOptions, SimulateOptions, InfoOptions, MeasureOptions, ShellOptions>;
+
+/// Analyses a folder of sample files and prints the table of results.
+ExitStatus Analyse(const AnalyseOptions& options, Context& context);
+/// Hands command lines to the plug-in and prints its answers.
+ExitStatus RunLines(const RunOptions& options, Context& context);
+/// Writes captures of the adapter's air as sample files.
+ExitStatus Simulate(const SimulateOptions& options, Context& context);
+/// Prints versions, adapter, air, kernel, paths.
+ExitStatus Info(const InfoOptions& options, Context& context);
+/// Measures channels and shows table, picture and files.
+ExitStatus Measure(const MeasureOptions& options, Context& context);
+/// Reads lines from a person and runs them.
+ExitStatus RunShell(const ShellOptions& options, Context& context);
+
+inline ExitStatus Execute(const AnalyseOptions& options, Context& context) {
+    return Analyse(options, context);
+}
+inline ExitStatus Execute(const RunOptions& options, Context& context) {
+    return RunLines(options, context);
+}
+inline ExitStatus Execute(const SimulateOptions& options, Context& context) {
+    return Simulate(options, context);
+}
+inline ExitStatus Execute(const InfoOptions& options, Context& context) {
+    return Info(options, context);
+}
+inline ExitStatus Execute(const MeasureOptions& options, Context& context) {
+    return Measure(options, context);
+}
+inline ExitStatus Execute(const ShellOptions& options, Context& context) {
+    return RunShell(options, context);
+}
+
+/// Says why a command ends early.
+ExitStatus Refuse(const Failure& failure, Context& context);
+
+/// Looks once more at the radio when a command is done: a radio in trouble turns success into failure.
+ExitStatus CheckRadio(ExitStatus status, Context& context);
+
+}  // namespace TarnHost

@@ -1,0 +1,196 @@
+#include "Console/LineEditor.h"
+
+#include <histedit.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <cwchar>
+#include <filesystem>
+
+#include "Lines/ShellHelp.h"
+
+namespace TarnHost {
+namespace {
+
+constexpr int historyLines = 1000;
+
+enum class Wake { Input, Signal, Nothing };
+
+/// Waits until standard input has something or a signal came.
+Wake WaitForInput(const InterruptWatch& watch) {
+    pollfd watched[] = {{STDIN_FILENO, POLLIN, 0}, {watch.Descriptor(), POLLIN, 0}};
+    while (true) {
+        if (::poll(watched, 2, -1) < 0 && errno != EINTR) return Wake::Nothing;
+        if (watch.IsRequested()) return Wake::Signal;
+        if (watched[0].revents != 0) return Wake::Input;
+    }
+}
+
+void ShowCandidates(const std::vector<std::string>& candidates, std::size_t columns) {
+    std::size_t width = 0;
+    for (const std::string& candidate : candidates)
+        width = std::max(width, candidate.size() + 2);
+    const std::size_t perRow = std::max<std::size_t>(1, columns / std::max<std::size_t>(1, width));
+    std::fputc('\n', stdout);
+    for (std::size_t k = 0; k < candidates.size(); ++k) {
+        const bool isLast = (k + 1) % perRow == 0 || k + 1 == candidates.size();
+        std::printf("%-*s%s", isLast ? 0 : static_cast<int>(width), candidates[k].c_str(), isLast ? "\n" : "");
+    }
+    std::fflush(stdout);
+}
+
+}  // namespace
+
+/// libedit's two objects, and what its callbacks need.
+struct LineEditor::Terminal {
+    Terminal(InterruptWatch& signals, std::string file) : watch(signals), historyFile(std::move(file)) {
+        std::setlocale(LC_CTYPE, "");
+        editor = ::el_init("tarn", stdin, stdout, stderr);
+        past = ::history_init();
+        ::history(past, &event, H_SETSIZE, historyLines);
+        ::history(past, &event, H_SETUNIQUE, 1);
+        if (!historyFile.empty()) ::history(past, &event, H_LOAD, historyFile.c_str());
+        ::el_set(editor, EL_CLIENTDATA, this);
+        ::el_set(editor, EL_EDITOR, "emacs");
+        ::el_set(editor, EL_SIGNAL, 0);
+        ::el_set(editor, EL_HIST, ::history, past);
+        ::el_set(editor, EL_PROMPT, &Terminal::Prompt);
+        ::el_set(editor, EL_GETCFN, &Terminal::GetCharacter);
+        ::el_set(editor, EL_ADDFN, "tarn-complete", "Complete keys, values and files", &Terminal::Complete);
+        ::el_set(editor, EL_BIND, "^I", "tarn-complete", nullptr);
+    }
+    ~Terminal() {
+        ::history_end(past);
+        ::el_end(editor);
+    }
+    Terminal(const Terminal&) = delete;
+    Terminal& operator=(const Terminal&) = delete;
+
+    /// After each line, so that a closed terminal or a crash loses nothing.
+    void Remember(const std::string& line) {
+        ::history(past, &event, H_ENTER, line.c_str());
+        if (historyFile.empty()) return;
+        std::error_code ignored;
+        std::filesystem::create_directories(std::filesystem::path(historyFile).parent_path(), ignored);
+        ::history(past, &event, H_SAVE, historyFile.c_str());
+    }
+
+    static Terminal& Of(EditLine* line) {
+        void* self = nullptr;
+        ::el_get(line, EL_CLIENTDATA, &self);
+        return *static_cast<Terminal*>(self);
+    }
+    static char* Prompt(EditLine* line) { return Of(line).prompt.data(); }
+    static int GetCharacter(EditLine* line, wchar_t* character);
+    static unsigned char Complete(EditLine* line, int character);
+
+    InterruptWatch& watch;
+    std::string historyFile;
+    std::string prompt;
+    EditLine* editor = nullptr;
+    History* past = nullptr;
+    HistEvent event{};
+    std::mbstate_t decoder{};
+};
+
+int LineEditor::Terminal::GetCharacter(EditLine* line, wchar_t* character) {
+    Terminal& self = Of(line);
+    while (true) {
+        if (WaitForInput(self.watch) != Wake::Input) return -1;
+        char byte = 0;
+        const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
+        if (count < 0 && (errno == EINTR || errno == EAGAIN)) continue;
+        if (count <= 0) return static_cast<int>(count);
+        const std::size_t used = std::mbrtowc(character, &byte, 1, &self.decoder);
+        if (used == static_cast<std::size_t>(-2)) continue;  // a character of several bytes
+        if (used == static_cast<std::size_t>(-1)) {
+            self.decoder = {};
+            continue;
+        }
+        return 1;
+    }
+}
+
+unsigned char LineEditor::Terminal::Complete(EditLine* line, int) {
+    const LineInfo* info = ::el_line(line);
+    const std::string before(info->buffer, info->cursor);
+    const std::vector<std::string> candidates = Completions(before);
+    if (candidates.empty()) return CC_ERROR;
+    const auto blank = before.find_last_of(" \t");
+    const std::size_t word = before.size() - (blank == std::string::npos ? 0 : blank + 1);
+    std::string text = CommonStart(candidates);
+    const bool isWhole = candidates.size() == 1 && !text.ends_with('/');
+    if (isWhole) text += ' ';
+    if (text.size() > word || isWhole) {
+        ::el_deletestr(line, static_cast<int>(word));
+        return ::el_insertstr(line, text.c_str()) == 0 ? CC_REFRESH : CC_ERROR;
+    }
+    int columns = 80;
+    if (::el_get(line, EL_GETTC, "co", &columns) != 0) columns = 80;
+    ShowCandidates(candidates, static_cast<std::size_t>(std::max(columns, 20)));
+    return CC_REDISPLAY;
+}
+
+LineEditor::LineEditor(InterruptWatch& watch, std::string historyFile) : m_watch(watch) {
+    if (::isatty(STDIN_FILENO) && ::isatty(STDOUT_FILENO))
+        m_terminal = std::make_unique<Terminal>(watch, std::move(historyFile));
+}
+
+LineEditor::~LineEditor() = default;
+
+bool LineEditor::IsEditing() const {
+    return m_terminal != nullptr;
+}
+
+LineEditor::Line LineEditor::Read(const std::string& prompt) {
+    if (m_terminal) {
+        m_terminal->prompt = prompt;
+        int count = 0;
+        const char* text = ::el_gets(m_terminal->editor, &count);
+        if (!text || count <= 0) {
+            if (!m_watch.IsRequested() || m_watch.Status() == Terminated) return {{}, End::EndOfInput};
+            m_watch.Forget();
+            std::fputs("^C\n", stdout);
+            std::fflush(stdout);
+            ::el_reset(m_terminal->editor);
+            return {{}, End::Interrupted};
+        }
+        std::string line(text, static_cast<std::size_t>(count));
+        while (line.ends_with('\n') || line.ends_with('\r'))
+            line.pop_back();
+        if (!line.empty()) m_terminal->Remember(line);
+        return {line, End::None};
+    }
+    while (true) {
+        if (const auto end = m_pending.find('\n'); end != std::string::npos) {
+            Line line{m_pending.substr(0, end), End::None};
+            m_pending.erase(0, end + 1);
+            if (line.text.ends_with('\r')) line.text.pop_back();
+            return line;
+        }
+        char block[4096];
+        if (WaitForInput(m_watch) != Wake::Input) return {{}, End::EndOfInput};
+        const ssize_t count = ::read(STDIN_FILENO, block, sizeof block);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) {
+            if (m_pending.empty()) return {{}, End::EndOfInput};
+            return {std::exchange(m_pending, {}), End::None};
+        }
+        m_pending.append(block, static_cast<std::size_t>(count));
+    }
+}
+
+std::string LineEditor::DefaultHistoryFile() {
+    if (const char* state = std::getenv("XDG_STATE_HOME"); state && *state == '/')
+        return std::string(state) + "/tarn/history";
+    if (const char* home = std::getenv("HOME"); home && *home == '/')
+        return std::string(home) + "/.local/state/tarn/history";
+    return {};
+}
+
+}  // namespace TarnHost

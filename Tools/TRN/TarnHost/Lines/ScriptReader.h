@@ -1,0 +1,48 @@
+// Command lines from a script file or from standard input, one after the other as they arrive.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "Console/InterruptWatch.h"
+#include "Outcome.h"
+
+namespace TarnHost {
+
+struct ScriptLine {
+    std::size_t number = 0;  ///< from 1, blank and comment lines counted
+    std::string text;
+};
+
+/// Reads line by line, so that another program can write a line, wait for its answer, and write the next.
+/// A byte order mark at the start and carriage returns at line ends are dropped.
+class ScriptReader {
+public:
+    /// @param path  a file, or "-" for standard input
+    static Result<ScriptReader> Open(const std::string& path, const InterruptWatch& watch);
+    ~ScriptReader();
+    ScriptReader(ScriptReader&& other) noexcept;
+    ScriptReader& operator=(ScriptReader&&) = delete;
+
+    /// The next line that holds more than a comment. Nothing at the end, after a signal, or after a failure.
+    std::optional<ScriptLine> Next();
+    /// Why reading ended early.
+    const std::optional<Failure>& Trouble() const { return m_trouble; }
+
+private:
+    ScriptReader(int descriptor, std::string name, const InterruptWatch& watch)
+        : m_descriptor(descriptor), m_name(std::move(name)), m_watch(&watch) {}
+    std::optional<std::string> RawLine();
+    bool Fill();
+
+    int m_descriptor;
+    std::string m_name;
+    const InterruptWatch* m_watch;
+    std::string m_buffer;
+    std::size_t m_number = 0;
+    bool m_isAtEnd = false;
+    std::optional<Failure> m_trouble;
+};
+
+}  // namespace TarnHost
