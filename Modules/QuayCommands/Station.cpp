@@ -36,27 +36,28 @@ std::optional<std::string> FileText(const std::string& path) {
     return file ? std::optional(text.str()) : std::nullopt;
 }
 
-Outcome<MadeAir> MakeSceneAir(const std::string& name, std::uint64_t seed) {
+OSAL::Outcome<MadeAir> MakeSceneAir(const std::string& name, std::uint64_t seed) {
     auto text = ShippedSceneText(name);
     if (!text) text = FileText(name);
     if (!text)
-        return Refusal{Common::Format("air: ${1}: neither a readable scene file of at most 1 MB nor one of the shipped "
-                                      "scenes ${2}") %
-                       name % SceneNames()};
+        return OSAL::Refusal{
+            Common::Format("air: ${1}: neither a readable scene file of at most 1 MB nor one of the shipped "
+                           "scenes ${2}") %
+            name % SceneNames()};
     auto scene = ReadScene(*text);
-    if (scene.IsRefused()) return Refusal{Common::Format("air: ${1}: ${2}") % name % scene.Reason()};
+    if (scene.IsRefused()) return OSAL::Refusal{Common::Format("air: ${1}: ${2}") % name % scene.Reason()};
     auto air = std::make_unique<SceneAir>(name, std::move(scene.Value()), seed);
     auto* const pointer = air.get();
     return MadeAir{std::move(air), pointer};
 }
 
-Outcome<MadeAir> MakeAir(const std::string& text, std::uint64_t seed) {
+OSAL::Outcome<MadeAir> MakeAir(const std::string& text, std::uint64_t seed) {
     if (text.empty() || text == "sim") return MakeSceneAir(DefaultScene, seed);
     if (text.starts_with("sim:")) return MakeSceneAir(text.substr(4), seed);
     if (!text.starts_with("file:"))
-        return Refusal{Common::Format("air: ${1}: isn't sim, sim:SCENE or file:PATH") % text};
+        return OSAL::Refusal{Common::Format("air: ${1}: isn't sim, sim:SCENE or file:PATH") % text};
     auto stored = FileAir::Open(text.substr(5));
-    if (stored.IsRefused()) return Refusal{"air: " + stored.Reason()};
+    if (stored.IsRefused()) return OSAL::Refusal{"air: " + stored.Reason()};
     return MadeAir{std::make_unique<FileAir>(std::move(stored.Value()))};
 }
 

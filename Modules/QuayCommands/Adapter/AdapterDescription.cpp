@@ -109,7 +109,7 @@ std::string KeyNames() {
 
 }  // namespace
 
-Outcome<AdapterDescription> ReadAdapter(std::string_view text) {
+OSAL::Outcome<AdapterDescription> ReadAdapter(std::string_view text) {
     AdapterDescription adapter;
     if (text.empty()) return adapter;
     std::set<std::string_view> seen;
@@ -118,7 +118,7 @@ Outcome<AdapterDescription> ReadAdapter(std::string_view text) {
         const auto name = part.substr(0, equals);
         const auto key = std::find_if(Keys.begin(), Keys.end(), [&](const Key& k) { return k.name == name; });
         if (key == Keys.end())
-            return Refusal{Common::Format("adapter: ${1}: unknown key; the keys are ${2}") % name % KeyNames()};
+            return OSAL::Refusal{Common::Format("adapter: ${1}: unknown key; the keys are ${2}") % name % KeyNames()};
         Reason reason;
         if (equals == std::string_view::npos)
             reason = "has no value";
@@ -126,7 +126,7 @@ Outcome<AdapterDescription> ReadAdapter(std::string_view text) {
             reason = "is given twice";
         else
             reason = key->read(part.substr(equals + 1), adapter);
-        if (reason) return Refusal{Common::Format("adapter: ${1}: ${2}") % name % *reason};
+        if (reason) return OSAL::Refusal{Common::Format("adapter: ${1}: ${2}") % name % *reason};
     }
     return adapter;
 }

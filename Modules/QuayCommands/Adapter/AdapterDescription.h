@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "Refusal.h"
+#include "OSAL/Outcome.h"
 
 namespace quayCommand {
 
@@ -31,7 +31,7 @@ struct AdapterDescription {
 
 /// "KEY=VALUE,...": keys left out keep their defaults; empty text gives the default adapter. A refusal begins with
 /// "adapter: " and the key.
-Outcome<AdapterDescription> ReadAdapter(std::string_view text);
+OSAL::Outcome<AdapterDescription> ReadAdapter(std::string_view text);
 
 /// Every key written out, as `ReadAdapter` takes it.
 std::string AdapterText(const AdapterDescription& adapter);

@@ -34,29 +34,30 @@ std::string ImaginaryText(const std::string& line) {
     return line.substr(dropped + 1, line.find(' ', dropped + 1) - dropped - 1);
 }
 
-Outcome<FileAir::Recording> ReadRecording(const fs::path& path, std::size_t room) {
+OSAL::Outcome<FileAir::Recording> ReadRecording(const fs::path& path, std::size_t room) {
     std::error_code error;
     if (fs::file_size(path, error) > MaxFileBytes && !error)
-        return Refusal{Common::Format("${1}: is larger than a sample file can be") % path.string()};
+        return OSAL::Refusal{Common::Format("${1}: is larger than a sample file can be") % path.string()};
     std::ifstream file(path, std::ios::binary);
-    if (error || !file) return Refusal{Common::Format("${1}: can't be read") % path.string()};
+    if (error || !file) return OSAL::Refusal{Common::Format("${1}: can't be read") % path.string()};
     FileAir::Recording samples;
     std::string line;
     while (std::getline(file, line)) {
         auto sample = ReadSampleLine(line);
         if (sample.IsRefused())
-            return Refusal{Common::Format("${1}:${2}: ${3}") % path.string() % (samples.size() + 1) % sample.Reason()};
+            return OSAL::Refusal{Common::Format("${1}:${2}: ${3}") % path.string() % (samples.size() + 1) %
+                                 sample.Reason()};
         if (samples.size() == room)
-            return Refusal{Common::Format("${1}: more than ${2} samples in all") % path.string() % MaxSamples};
+            return OSAL::Refusal{Common::Format("${1}: more than ${2} samples in all") % path.string() % MaxSamples};
         samples.push_back(sample.Value());
     }
-    if (file.bad()) return Refusal{Common::Format("${1}: can't be read to its end") % path.string()};
-    if (samples.empty()) return Refusal{Common::Format("${1}: holds no samples") % path.string()};
+    if (file.bad()) return OSAL::Refusal{Common::Format("${1}: can't be read to its end") % path.string()};
+    if (samples.empty()) return OSAL::Refusal{Common::Format("${1}: holds no samples") % path.string()};
     return samples;
 }
 
 /// The files of `path` in the order in which they are heard.
-Outcome<std::vector<fs::path>> FilesOf(const fs::path& path) {
+OSAL::Outcome<std::vector<fs::path>> FilesOf(const fs::path& path) {
     std::error_code error;
     if (!fs::is_directory(path, error)) return std::vector{path};
     std::vector<fs::path> files;
@@ -65,34 +66,34 @@ Outcome<std::vector<fs::path>> FilesOf(const fs::path& path) {
         if (entry->is_regular_file() && !name.starts_with('.') && name != "result.csv") files.push_back(entry->path());
     }
     if (error || files.empty())
-        return Refusal{Common::Format("${1}: ${2}") % path.string() %
-                       (error ? "the folder can't be listed" : "no sample file in this folder")};
+        return OSAL::Refusal{Common::Format("${1}: ${2}") % path.string() %
+                             (error ? "the folder can't be listed" : "no sample file in this folder")};
     std::sort(files.begin(), files.end());
     return files;
 }
 
 }  // namespace
 
-Outcome<FileAir::Sample> ReadSampleLine(const std::string& line) {
+OSAL::Outcome<FileAir::Sample> ReadSampleLine(const std::string& line) {
     const auto i = NumberAtStart(line.substr(0, line.find(' ')));
     const auto q = NumberAtStart(ImaginaryText(line));
-    if (!i || !q) return Refusal{Common::Format("${1} isn't a number") % (i ? "Q" : "I")};
+    if (!i || !q) return OSAL::Refusal{Common::Format("${1} isn't a number") % (i ? "Q" : "I")};
     const auto whole = [](double value) { return std::trunc(value); };
     const auto fits = [](double value) { return value >= -32768.0 && value <= 32767.0; };
     if (!fits(whole(*i)) || !fits(whole(*q)))
-        return Refusal{Common::Format("${1} isn't a code of 16 bits") % (fits(whole(*i)) ? "Q" : "I")};
+        return OSAL::Refusal{Common::Format("${1} isn't a code of 16 bits") % (fits(whole(*i)) ? "Q" : "I")};
     return FileAir::Sample{static_cast<std::int16_t>(*i), static_cast<std::int16_t>(*q)};
 }
 
-Outcome<FileAir> FileAir::Open(const std::string& path) {
+OSAL::Outcome<FileAir> FileAir::Open(const std::string& path) {
     auto files = FilesOf(path);
-    if (files.IsRefused()) return Refusal{files.Reason()};
+    if (files.IsRefused()) return OSAL::Refusal{files.Reason()};
     FileAir air;
     air.m_path = path;
     std::size_t room = MaxSamples;
     for (const auto& file : files.Value()) {
         auto recording = ReadRecording(file, room);
-        if (recording.IsRefused()) return Refusal{recording.Reason()};
+        if (recording.IsRefused()) return OSAL::Refusal{recording.Reason()};
         room -= recording.Value().size();
         air.m_recordings.push_back(std::move(recording.Value()));
     }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "Air/Air.h"
-#include "Refusal.h"
+#include "OSAL/Outcome.h"
 
 namespace quayCommand {
 
@@ -22,7 +22,7 @@ public:
 
     /// One file, or a folder's files in the order of their names; hidden files, "result.csv" and folders within are
     /// left out. A refusal begins with the file and, for a bad sample, its line number.
-    static Outcome<FileAir> Open(const std::string& path);
+    static OSAL::Outcome<FileAir> Open(const std::string& path);
 
     std::string Describe() const override;
     bool Capture(const CaptureRequest& request) override;
@@ -35,6 +35,6 @@ private:
 
 /// One line of a sample file: I up to the first blank, blanks, one character that is dropped, Q. Text behind a number
 /// is ignored; a line without anything behind its first number has Q equal to I. Codes are cut to whole numbers.
-Outcome<FileAir::Sample> ReadSampleLine(const std::string& line);
+OSAL::Outcome<FileAir::Sample> ReadSampleLine(const std::string& line);
 
 }  // namespace quayCommand

@@ -59,10 +59,10 @@ std::string NearestNames(std::string_view name) {
 
 }  // namespace
 
-Outcome<FaultPlan::Fault> FaultPlan::ReadFault(std::string_view entry) {
+OSAL::Outcome<FaultPlan::Fault> FaultPlan::ReadFault(std::string_view entry) {
     const auto parts = SplitAt(entry, ':');
     const auto refuse = [&](const std::string& reason) {
-        return Refusal{Common::Format("faults: ${1}: ${2}") % entry % reason};
+        return OSAL::Refusal{Common::Format("faults: ${1}: ${2}") % entry % reason};
     };
     if (parts.size() < 2 || parts.size() > 3) return refuse("isn't OPERATION:N or OPERATION:N:KIND");
     const auto operation = OperationOf(parts[0]);
@@ -81,17 +81,17 @@ Outcome<FaultPlan::Fault> FaultPlan::ReadFault(std::string_view entry) {
                                  : FaultKind::Common};
 }
 
-Outcome<FaultPlan> FaultPlan::Read(std::string_view text) {
+OSAL::Outcome<FaultPlan> FaultPlan::Read(std::string_view text) {
     FaultPlan plan;
     if (text.empty()) return plan;
     for (const auto entry : SplitAt(text, ',')) {
         auto fault = ReadFault(entry);
-        if (fault.IsRefused()) return Refusal{fault.Reason()};
+        if (fault.IsRefused()) return OSAL::Refusal{fault.Reason()};
         const auto& added = fault.Value();
         const bool twice = std::any_of(plan.m_faults.begin(), plan.m_faults.end(), [&](const Fault& known) {
             return known.operation == added.operation && known.call == added.call;
         });
-        if (twice) return Refusal{Common::Format("faults: ${1}: is given twice") % entry};
+        if (twice) return OSAL::Refusal{Common::Format("faults: ${1}: is given twice") % entry};
         plan.m_faults.push_back(added);
     }
     return plan;

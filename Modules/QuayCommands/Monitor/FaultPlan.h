@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "Monitor/Operations.h"
-#include "Refusal.h"
+#include "OSAL/Outcome.h"
 
 namespace quayCommand {
 
@@ -17,7 +17,7 @@ enum class FaultKind { Common, Quay, Std };
 class FaultPlan {
 public:
     /// "OPERATION:N[:KIND][,...]", N a call counted from 1 or "*". A refusal begins with "faults: " and the entry.
-    static Outcome<FaultPlan> Read(std::string_view text);
+    static OSAL::Outcome<FaultPlan> Read(std::string_view text);
 
     /// Counts a call, and throws when the plan says so; the call itself must then not happen.
     void Count(Operation operation);
@@ -29,7 +29,7 @@ private:
         std::uint64_t call;
         FaultKind kind;
     };
-    static Outcome<Fault> ReadFault(std::string_view entry);
+    static OSAL::Outcome<Fault> ReadFault(std::string_view entry);
 
     std::vector<Fault> m_faults;
     std::array<std::uint64_t, OperationCount> m_calls{};

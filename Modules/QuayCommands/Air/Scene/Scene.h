@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Refusal.h"
+#include "OSAL/Outcome.h"
 
 namespace quayCommand {
 
@@ -83,7 +83,7 @@ struct Scene {
 
 /// Reads a scene's JSON. A refusal begins with "LINE:COLUMN: " for text that isn't JSON, else with the place in the
 /// document, such as "accessPoints[1].level_dbm: ".
-Outcome<Scene> ReadScene(std::string_view text);
+OSAL::Outcome<Scene> ReadScene(std::string_view text);
 
 /// Level of a source at a scene time: its offset in dB; nothing while it is silent.
 struct SourceState {

@@ -146,13 +146,13 @@ Scene ReadDocument(JsonObject& document) {
 
 }  // namespace
 
-Outcome<Scene> ReadScene(std::string_view text) {
+OSAL::Outcome<Scene> ReadScene(std::string_view text) {
     try {
         const auto json = ParseJson(text);
         JsonObject document(json, "");
         return ReadDocument(document);
     } catch (const JsonError& error) {
-        return Refusal{error.what()};
+        return OSAL::Refusal{error.what()};
     }
 }
 
