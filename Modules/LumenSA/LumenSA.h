@@ -23,7 +23,7 @@
 #include <utility>
 
 #include "GainModel.h"
-#include "OSAL/SyncObjects.h"
+#include "OSAL/Locks.h"
 
 struct KelpsFFTSpec_C_64fc;
 

@@ -7,7 +7,7 @@
 #include <memory>
 #include <string>
 
-#include "OSAL/SyncObjects.h"
+#include "OSAL/Locks.h"
 #include "SingletonSlots.h"
 #include "Streams/DebugPrint.h"
 #include "Streams/Streams.h"

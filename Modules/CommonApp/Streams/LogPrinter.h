@@ -7,7 +7,7 @@
 #include <ostream>
 #include <string>
 
-#include "OSAL/SyncObjects.h"
+#include "OSAL/Locks.h"
 #include "SingletonSlots.h"
 
 namespace Utilities {

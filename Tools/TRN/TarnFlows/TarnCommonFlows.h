@@ -9,7 +9,7 @@
 
 #include "Frame/Application.h"
 #include "LumenSA.h"
-#include "OSAL/SyncObjects.h"
+#include "OSAL/Locks.h"
 
 /// Answers go to `m_response`; failures are exceptions unless an operation says otherwise.
 /// Thread: one thread at a time.

@@ -1,7 +1,7 @@
 // The root of the interfaces of this framework, and the process-wide instance of a type.
 #pragma once
 
-#include "OSAL/SyncObjects.h"  // Utilities::IObject
+#include "OSAL/Locks.h"  // Utilities::IObject
 
 namespace Utilities {
 

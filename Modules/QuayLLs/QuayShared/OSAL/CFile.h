@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "OSAL/SyncObjects.h"
+#include "OSAL/Locks.h"
 
 namespace OSAL {
 

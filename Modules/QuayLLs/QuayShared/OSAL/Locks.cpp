@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <thread>
 
-#include "OSAL/SyncObjects.h"
+#include "OSAL/Locks.h"
 
 namespace SyncObjectsOSAL {
 

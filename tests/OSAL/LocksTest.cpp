@@ -4,7 +4,7 @@
 #include <string>
 #include <thread>
 
-#include "OSAL/SyncObjects.h"
+#include "OSAL/Locks.h"
 
 using namespace SyncObjectsOSAL;
 
