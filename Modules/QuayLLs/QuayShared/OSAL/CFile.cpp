@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "OSAL/OSAL.h"
+#include "OSAL/Files.h"
+#include "OSAL/Paths.h"
 
 namespace OSAL {
 

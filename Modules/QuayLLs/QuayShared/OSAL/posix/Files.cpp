@@ -1,12 +1,9 @@
-// Files and folders by POSIX calls. A path with a zero byte in it names nothing, as the system would cut it there.
+// Files and folders by POSIX calls. The system would cut a path at a zero byte: such a path names nothing.
 #include <dirent.h>
 #include <fcntl.h>
-#include <limits.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -14,7 +11,7 @@
 #include <system_error>
 #include <vector>
 
-#include "OSAL/OSAL.h"
+#include "OSAL/Files.h"
 
 namespace OSAL {
 
@@ -75,19 +72,6 @@ bool IsSameFile(FileHandle a, FileHandle b) {
 }
 
 }  // namespace
-
-std::string NativePath(std::string path) {
-    std::replace(path.begin(), path.end(), '\\', '/');
-    return path;
-}
-
-int GetModuleDirectory(std::string& out) {
-    std::array<char, PATH_MAX> buffer;
-    const auto length = readlink("/proc/self/exe", buffer.data(), buffer.size());
-    if (length <= 0 || static_cast<std::size_t>(length) == buffer.size()) return Failure;
-    out = DirectoryOf(std::string(buffer.data(), static_cast<std::size_t>(length)));
-    return Success;
-}
 
 bool IsLink(const std::string& path) {
     // With a separator at its end a path names what the link leads to.
@@ -190,13 +174,6 @@ int WriteFile(FileHandle file, const void* data, std::size_t size, std::size_t& 
 
 void CloseFile(FileHandle file) {
     if (file >= 0) close(static_cast<int>(file));
-}
-
-int FormatSystemError(std::int32_t code, std::string& out) {
-    out = std::system_category().message(code);
-    if (!out.starts_with("Unknown error")) return Success;
-    out.clear();
-    return Failure;
 }
 
 }  // namespace OSAL

@@ -13,7 +13,7 @@
 #define TARN_HAS_CPUID 1
 #endif
 
-#include "OSAL/OSAL.h"
+#include "OSAL/Machine.h"
 
 namespace OSAL {
 

@@ -1,0 +1,39 @@
+// Files and folders. A path with a zero byte in it names nothing.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "OSAL/Errors.h"
+
+namespace OSAL {
+
+/// True when the path exists and is a symbolic link, or a regular file with more than one hard link. Folders always
+/// have several and are no links.
+bool IsLink(const std::string& path);
+int CopyFile(const std::string& from, const std::string& to);
+/// Names in the folder in the order the system gives them, without ".", ".." and "result.csv". Empty when it can't be
+/// read.
+std::vector<std::string> ListDirectory(const std::string& folder);
+bool DirectoryExists(const std::string& path);
+/// Makes the folder and its missing parents; true when it stands there afterwards.
+bool CreateDirectory(const std::string& path);
+/// False for a folder. @throws OSAL::exception when the path is a symbolic link to anything but a folder
+bool FileExists(const std::string& path);
+/// Puts `from` in the place of `to` in one step; `to` stays as it was on failure.
+int ReplaceFile(const std::string& from, const std::string& to);
+
+// Files. A handle below 0 is invalid: writes to it fail, and closing it does nothing.
+using FileHandle = std::intptr_t;
+constexpr FileHandle InvalidFile = -1;
+enum FileMode : unsigned { ReadOnly = 1, ReadWrite = 2, Append = 4 };
+/// @param mode one or several of `FileMode`; without any of them the result is `InvalidFile`
+/// @param openExisting false creates the file or empties it; `Append` opens it always
+FileHandle OpenFile(const std::string& path, unsigned mode, bool openExisting);
+/// All bytes or `Failure`.
+int WriteFile(FileHandle file, const void* data, std::size_t size, std::size_t& written);
+void CloseFile(FileHandle file);
+
+}  // namespace OSAL
