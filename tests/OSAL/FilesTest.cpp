@@ -3,39 +3,9 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
-#include "OSAL/CFile.h"
+#include "Folder.h"
 #include "OSAL/OSAL.h"
-#include "OSAL/SequentialFile.h"
-
-namespace fs = std::filesystem;
-
-namespace {
-
-class Files : public testing::Test {
-protected:
-    Files() {
-        std::string pattern = fs::temp_directory_path() / "osal-XXXXXX";
-        m_folder = std::string(mkdtemp(pattern.data())) + "/";
-    }
-    ~Files() override { fs::remove_all(m_folder); }
-
-    std::string Make(const std::string& name, const std::string& text) const {
-        std::ofstream(m_folder + name, std::ios::binary) << text;
-        return m_folder + name;
-    }
-    static std::string TextOf(const std::string& path) {
-        std::ostringstream text;
-        text << std::ifstream(path, std::ios::binary).rdbuf();
-        return text.str();
-    }
-    std::string m_folder;
-};
-
-}  // namespace
 
 TEST(Paths, AreTakenApartAtTheLastSeparatorOfEitherKind) {
     struct Case {
@@ -107,7 +77,7 @@ TEST_F(Files, ReplaceKeepsTheTargetWhenThereIsNothingToReplaceItWith) {
 }
 
 TEST_F(Files, ListingLeavesOutTheDotsAndTheResultFile) {
-    for (const char* name : {"b.txt", "a", "result.csv", ".hidden"})
+    for (const char* name : {"b.txt", "a", "result.csv", ".hidden", ".a.0123456789ab.part"})
         Make(name, "");
     fs::create_directories(m_folder + "sub/deeper");
     auto names = OSAL::ListDirectory(m_folder);
@@ -143,8 +113,17 @@ TEST_F(Files, PathsThatNameNoFileGiveNoHandle) {
     for (const auto& path : {std::string(), m_folder, m_folder + "missing", m_folder + std::string("a\0b", 3)})
         EXPECT_EQ(OSAL::OpenFile(path, OSAL::ReadOnly, true), OSAL::InvalidFile) << path;
     EXPECT_EQ(OSAL::OpenFile(m_folder + "a", 0, true), OSAL::InvalidFile) << "no mode";
-    mkfifo((m_folder + "pipe").c_str(), 0600);
-    EXPECT_EQ(OSAL::OpenFile(m_folder + "pipe", OSAL::ReadWrite, false), OSAL::InvalidFile);
+    const auto pipe = m_folder + "pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const unsigned mode : {OSAL::ReadOnly, OSAL::ReadWrite, OSAL::Append})
+        EXPECT_EQ(OSAL::OpenFile(pipe, mode, mode != OSAL::ReadWrite), OSAL::InvalidFile) << "waits for nobody";
+    EXPECT_EQ(OSAL::SequentialFile(pipe).Write("x", 1, false), -1);
+    EXPECT_FALSE(OSAL::CFile(pipe).Open());
+    fs::create_symlink("a", m_folder + "link");
+    EXPECT_EQ(OSAL::OpenFile(m_folder + "link", OSAL::Append | OSAL::NoLink, true), OSAL::InvalidFile);
+    fs::create_hard_link(m_folder + "a", m_folder + "b");
+    EXPECT_EQ(OSAL::OpenFile(m_folder + "b", OSAL::ReadWrite | OSAL::NoLink, false), OSAL::InvalidFile);
+    EXPECT_EQ(TextOf(m_folder + "a"), "x") << "refused before it is emptied";
     if (geteuid() != 0) {
         chmod((m_folder + "a").c_str(), 0);
         EXPECT_EQ(OSAL::OpenFile(m_folder + "a", OSAL::ReadOnly, true), OSAL::InvalidFile);

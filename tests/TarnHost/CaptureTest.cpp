@@ -86,37 +86,6 @@ TEST(SampleFiles, HoldOneSampleALineInTheFormThatAnalysisReads) {
     EXPECT_EQ(SampleText({{24, -32768, 0}, {-1, 32767, -0.0}}), "24 ,-1\n-32768 ,32767\n0 ,0\n");
 }
 
-TEST(SampleFiles, AreWrittenWholeOrNotAtAll) {
-    const TempFolder folder;
-    const auto path = folder.Path() / "a.txt";
-    EXPECT_FALSE(WriteWhole(path, "one\n"));
-    EXPECT_FALSE(WriteWhole(path, "two\n"));
-    EXPECT_EQ(ReadText(path), "two\n");
-    std::filesystem::create_directory(folder.Path() / "taken");
-    std::ofstream(folder.Path() / "taken" / "x");
-    for (const auto& bad : {folder.Path() / "missing" / "a.txt", folder.Path() / "taken"}) {
-        const auto failure = WriteWhole(bad, "text");
-        ASSERT_TRUE(failure) << bad;
-        EXPECT_NE(failure->message.find(bad.string()), std::string::npos);
-    }
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 2);
-}
-
-TEST(SampleFiles, GoThroughALinkAndNeverReplaceADevice) {
-    const TempFolder folder;
-    const auto link = folder.Path() / "link.txt", target = folder.Path() / "target.txt";
-    std::filesystem::create_symlink("target.txt", link);
-    EXPECT_FALSE(WriteWhole(link, "one\n"));
-    EXPECT_TRUE(std::filesystem::is_symlink(link));
-    EXPECT_EQ(ReadText(target), "one\n");
-    EXPECT_FALSE(WriteWhole("/dev/null", "gone"));
-    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
-    const auto failure = WriteWhole("/dev/full", "text");
-    ASSERT_TRUE(failure);
-    EXPECT_NE(failure->message.find("No space left"), std::string::npos) << failure->message;
-    EXPECT_TRUE(std::filesystem::is_character_file("/dev/full"));
-}
-
 TEST(Folders, ListWhatAnalysisTakesAndWhyItSkips) {
     const TempFolder folder;
     const std::string good = "BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_";

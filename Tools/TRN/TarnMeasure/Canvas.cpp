@@ -109,7 +109,8 @@ std::optional<std::string> Canvas::Finish() {
     cairo_surface_finish(m_surface);
     if (status == CAIRO_STATUS_SUCCESS) status = cairo_surface_status(m_surface);
     if (status != CAIRO_STATUS_SUCCESS) return m_path + ": " + cairo_status_to_string(status);
-    return OSAL::WriteWholeFile(m_path, m_bytes);
+    const auto written = OSAL::WriteWholeFile(m_path, m_bytes);
+    return written ? std::nullopt : std::optional(written.Reason());
 }
 
 }  // namespace TarnMeasure

@@ -8,6 +8,13 @@
 namespace OSAL {
 
 namespace {
+/// Whether the path can be opened for writing without waiting; the file stands there afterwards.
+bool IsWritable(const std::string& path) {
+    const FileHandle file = OpenFile(path, Append, true);
+    CloseFile(file);
+    return file != InvalidFile;
+}
+
 using Guard = SyncObjectsOSAL::Entered<SyncObjectsOSAL::CriticalSectionOSAL>;
 }  // namespace
 
@@ -29,6 +36,7 @@ bool CFile::Open() {
         if (!m_directory.empty() && !CreateDirectory(m_directory)) return false;
         m_stream.close();
         m_stream.clear();
+        if (!IsWritable(m_path)) return false;
         m_stream.open(m_path, std::ios_base::out | std::ios_base::trunc | std::ios_base::binary);
         return m_stream.is_open();
     } catch (const std::exception&) {
@@ -75,7 +83,7 @@ void CFile::Rename(const std::string& newName) {
     m_path = m_directory + m_name + m_extension;
     m_stream.close();
     m_stream.clear();
-    m_stream.open(m_path, std::ios_base::out | std::ios_base::app | std::ios_base::binary);
+    if (IsWritable(m_path)) m_stream.open(m_path, std::ios_base::out | std::ios_base::app | std::ios_base::binary);
     if (!m_stream.is_open()) throw std::ios_base::failure("Couldn't open file");
 }
 

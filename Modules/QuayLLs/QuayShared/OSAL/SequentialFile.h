@@ -20,7 +20,7 @@ public:
 
 private:
     std::string m_path;
-    std::int64_t m_position = 0;  // of the next read
+    std::uint64_t m_position = 0;  // of the next read
 };
 
 }  // namespace OSAL

@@ -30,7 +30,7 @@ std::string SampleText(const Samples& samples) {
 }
 
 std::optional<Failure> WriteWhole(const std::filesystem::path& path, const std::string& text) {
-    if (auto reason = OSAL::WriteWholeFile(path, text)) return Failure{*reason};
+    if (const auto written = OSAL::WriteWholeFile(path, text); !written) return Failure{written.Reason()};
     return std::nullopt;
 }
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "OSAL/Files.h"
+#include "OSAL/WholeFile.h"
 
 namespace OSAL {
 
@@ -34,16 +35,25 @@ bool LinkStatOf(const std::string& path, struct stat& status) {
     return IsUsable(path) && lstat(path.c_str(), &status) == 0;
 }
 
-/// The open flags of a mode; false when the mode asks for nothing.
+/// The open flags of a mode; false when the mode asks for nothing. Emptying comes later, when it is known what was
+/// opened.
 bool FlagsOf(unsigned mode, bool openExisting, int& flags) {
     if (mode & Append)
         flags = O_APPEND | O_CREAT | (mode & (ReadOnly | ReadWrite) ? O_RDWR : O_WRONLY);
     else if (mode & (ReadOnly | ReadWrite))
-        flags = (mode & ReadWrite ? O_RDWR : O_RDONLY) | (openExisting ? 0 : O_CREAT | O_TRUNC);
+        flags = openExisting && !(mode & ReadWrite) ? O_RDONLY : openExisting ? O_RDWR : O_RDWR | O_CREAT;
     else
         return false;
-    flags |= O_CLOEXEC;
+    flags |= O_CLOEXEC | O_NONBLOCK | O_NOCTTY | (mode & NoLink ? O_NOFOLLOW : 0);
     return true;
+}
+
+/// Whether what was opened is something to read and write at will; it then waits as usual again.
+bool IsAcceptable(int file, unsigned mode) {
+    struct stat status;
+    if (fstat(file, &status) != 0 || S_ISDIR(status.st_mode) || S_ISFIFO(status.st_mode)) return false;
+    if (mode & NoLink && status.st_nlink > 1) return false;
+    return S_ISREG(status.st_mode) || fcntl(file, F_SETFL, fcntl(file, F_GETFL) & ~O_NONBLOCK) == 0;
 }
 
 ssize_t ReadSome(int file, void* buffer, std::size_t size) {
@@ -103,7 +113,7 @@ std::vector<std::string> ListDirectory(const std::string& folder) {
     if (!directory) return names;
     while (const dirent* entry = readdir(directory.get())) {
         const std::string name = entry->d_name;
-        if (name != "." && name != ".." && name != "result.csv") names.push_back(name);
+        if (name != "." && name != ".." && name != "result.csv" && !IsLeftOverPart(name)) names.push_back(name);
     }
     return names;
 }
@@ -150,13 +160,28 @@ FileHandle OpenFile(const std::string& path, unsigned mode, bool openExisting) {
         file = open(path.c_str(), flags, 0666);
     } while (file < 0 && errno == EINTR);
     if (file < 0) return InvalidFile;
+    // A pipe would swallow what fits and then wait for ever.
+    const bool emptied = !(mode & Append) && !openExisting;
     struct stat status;
-    // A pipe would swallow what fits and then block for ever.
-    if (fstat(file, &status) != 0 || S_ISDIR(status.st_mode) || S_ISFIFO(status.st_mode)) {
-        close(file);
-        return InvalidFile;
+    if (IsAcceptable(file, mode) &&
+        (!emptied || (fstat(file, &status) == 0 && (!S_ISREG(status.st_mode) || ftruncate(file, 0) == 0))))
+        return file;
+    close(file);
+    return InvalidFile;
+}
+
+int ReadFile(FileHandle file, std::uint64_t position, void* data, std::size_t size, std::size_t& got) {
+    got = 0;
+    auto* bytes = static_cast<char*>(data);
+    while (got < size) {
+        const auto at = static_cast<off_t>(position + got);
+        const auto count = pread(static_cast<int>(file), bytes + got, size - got, at);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return Failure;
+        if (count == 0) break;
+        got += static_cast<std::size_t>(count);
     }
-    return file;
+    return Success;
 }
 
 int WriteFile(FileHandle file, const void* data, std::size_t size, std::size_t& written) {
