@@ -11,12 +11,9 @@ namespace LumenSpectrumAnalyzer {
 
 namespace {
 
-/// A file that can't be created or written is not reported.
-void WriteText(const std::string& path, const std::string& text) {
-    const OSAL::FileHandle file = OSAL::OpenFile(path, OSAL::ReadWrite, false);
-    std::size_t written = 0;
-    static_cast<void>(OSAL::WriteFile(file, text.data(), text.size(), written));
-    OSAL::CloseFile(file);
+/// The caller isn't told of a file that can't be written; log and error stream are.
+void WriteText(const char* traceFunctionName, const std::string& path, const std::string& text) {
+    if (const auto written = OSAL::WriteWholeFile(path, text); !written) REPORT_FAILURE(written.Reason());
 }
 
 /// `value` without its fraction, and a comma. `at` has room for 16 characters.
@@ -45,7 +42,7 @@ void CLmnSA::DumpIQ(const std::string& file) {
         *at++ = '\n';
         text.append(line.data(), at);
     }
-    WriteText(file, text);
+    WriteText(traceFunctionName, file, text);
 }
 
 void CLmnSA::DumpSpectrum(const std::string& file) {
@@ -77,7 +74,7 @@ void CLmnSA::DumpEnergy(const std::string& file, LmnSAExportType type) {
             text += ',';
         }
     }
-    WriteText(file, text);
+    WriteText(traceFunctionName, file, text);
 }
 
 void CLmnSA::DumpSpectrumByRBW(const std::string& file) {
@@ -106,7 +103,7 @@ void CLmnSA::DumpSpectrumByRBW(const std::string& file) {
             text += '\n';
         }
     }
-    WriteText(file, text);
+    WriteText(traceFunctionName, file, text);
 }
 
 void CLmnSA::DumpPeaks(const std::string& file) {
@@ -121,7 +118,7 @@ void CLmnSA::DumpPeaks(const std::string& file) {
                     .append("\n");
         text += '\n';
     }
-    WriteText(file, text);
+    WriteText(traceFunctionName, file, text);
 }
 
 }  // namespace LumenSpectrumAnalyzer

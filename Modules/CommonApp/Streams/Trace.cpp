@@ -108,6 +108,16 @@ void WriteTrace(unsigned level, const char* file, const char* function, const st
     }
 }
 
+void ReportFailure(const char* file, const char* function, const std::string& message) noexcept {
+    if (IsTraceOn()) WriteTrace(TraceError, file, function, message);
+    try {
+        const SyncObjectsOSAL::Locked<SyncObjectsOSAL::ILock> guard(AppStreams::GetLock());
+        AppStreams::GetError() << message << std::endl;
+    } catch (...) {
+        // Nobody is left to tell.
+    }
+}
+
 TraceScope::TraceScope(const char* file, const char* function) noexcept : m_file(file), m_function(function) {
     if (IsTraceOn()) WriteTrace(TraceInfo, m_file, m_function, "--------------------->Enter");
 }

@@ -15,6 +15,10 @@ bool IsTraceOn() noexcept;
 /// `file` is not written. Never throws.
 void WriteTrace(unsigned level, const char* file, const char* function, const std::string& message) noexcept;
 
+/// Tells of a failure that the caller's answer doesn't: a line at error level in the log, and one on the error stream
+/// of the process, where the host finds it. Never throws.
+void ReportFailure(const char* file, const char* function, const std::string& message) noexcept;
+
 /// The Enter and Exit lines of an operation. `function` must outlive the scope: pass a literal.
 class TraceScope {
 public:
@@ -35,6 +39,9 @@ private:
 #define TRACE_SCOPE(name)                                  \
     static constexpr const char* traceFunctionName = name; \
     const ::Streams::TraceScope traceScope(__FILE__, traceFunctionName)
+
+/// Reports a failure as `ReportFailure` does, under the name of the operation's scope.
+#define REPORT_FAILURE(message) ::Streams::ReportFailure(__FILE__, traceFunctionName, (message))
 
 /// One trace line, `message` being anything that converts to a std::string: it is only evaluated when a log is open.
 #define TRACE(level, message)                                                                    \

@@ -1,7 +1,5 @@
 // Stored captures in the place of a receiver: a folder of sample files into its result.csv.
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 
 #include "OSAL/OSAL.h"
 #include "Stores/AdcFile.h"
@@ -9,7 +7,6 @@
 #include "Support/NumberText.h"
 #include "TarnWifiFlows.h"
 
-using Streams::TraceError;
 using Streams::TraceInfo;
 
 /// Vectors of one file's chain; chains 1 and 2, without data, share one that stays zero. One file at a time is in
@@ -24,29 +21,26 @@ struct TarnWifiFlows::OfflineBuffers {
 
 namespace {
 
-/// The table of powers in the analysed folder. A folder that can't be written loses its lines but not the analysis.
+/// The table of powers in the analysed folder, a line a file as soon as it is analysed. A folder that can't be written
+/// loses its lines but not the analysis.
 class ResultFile {
 public:
     explicit ResultFile(const std::string& folder) : m_path(folder + "/result.csv") {}
 
-    void Create() const { Write("FILE_NAME, POWER, BAND, CH, BW, CHAIN,\n", std::ios::trunc); }
-    void Append(const std::string& line) const { Write(line, std::ios::app); }
-
-private:
-    void Write(const std::string& text, std::ios::openmode mode) const {
-        // Opening a pipe or a device that bears the name could wait for ever.
-        std::error_code error;
-        const auto type = std::filesystem::status(m_path, error).type();
-        if (type == std::filesystem::file_type::not_found || type == std::filesystem::file_type::regular) {
-            std::ofstream file(m_path, std::ios::out | std::ios::binary | mode);
-            file << text;
-            file.close();
-            if (file) return;
-        }
-        constexpr const char* traceFunctionName = "TarnWifiFlows::ReadADCSamplesFromFile";
-        TRACE(TraceError, Common::Format("Failed to write file: ${1}") % m_path);
+    void Create() const {
+        if (const auto made = OSAL::WriteWholeFile(m_path, "FILE_NAME, POWER, BAND, CH, BW, CHAIN,\n"); !made)
+            REPORT_FAILURE(made.Reason());
+    }
+    void Append(const std::string& line) const {
+        const OSAL::FileHandle file = OSAL::OpenFile(m_path, OSAL::Append | OSAL::NoLink, true);
+        std::size_t written = 0;
+        if (OSAL::WriteFile(file, line.data(), line.size(), written) != OSAL::Success)
+            REPORT_FAILURE("can't write '" + m_path + "': a line is lost");
+        OSAL::CloseFile(file);
     }
 
+private:
+    static constexpr const char* traceFunctionName = "TarnWifiFlows::ReadADCSamplesFromFile";
     std::string m_path;
 };
 

@@ -5,7 +5,8 @@
 
 #include "Device/ChannelDatabase.h"
 #include "Exceptions.h"
-#include "OSAL/OSAL.h"
+#include "OSAL/WholeFile.h"
+#include "Streams/Trace.h"
 #include "Support/NumberText.h"
 
 namespace {
@@ -84,9 +85,7 @@ std::string FreqPowerStore::ToCsv(std::exception_ptr& failure) const {
 void FreqPowerStore::Write(const std::string& path) const {
     std::exception_ptr failure;
     const std::string csv = ToCsv(failure);
-    const OSAL::FileHandle file = OSAL::OpenFile(path, OSAL::ReadWrite, false);
-    std::size_t written = 0;
-    OSAL::WriteFile(file, csv.data(), csv.size(), written);
-    OSAL::CloseFile(file);
+    constexpr const char* traceFunctionName = "FreqPowerStore::Write";
+    if (const auto written = OSAL::WriteWholeFile(path, csv); !written) REPORT_FAILURE(written.Reason());
     if (failure) std::rethrow_exception(failure);
 }
