@@ -88,7 +88,7 @@ TEST(Values, OfDifferentTypesCompareAndAssignThroughTheirTexts) {
         {Value(10), number, false, false},  // as numbers it doesn't
         {Value(red), colour, false, true},  // by value, not by text
         {Value(red), Value("Blue"), false, true},
-        {number, empty, false, true},  // a null sorts as told by the operation itself
+        {number, empty, false, true},  // a null sorts by the operation's own rule
     };
     for (const Case& one : cases) {
         EXPECT_EQ(one.left.Get()->Equals(one.right.Get()), one.equal) << one.left.ToString() << one.right.ToString();

@@ -21,8 +21,8 @@ std::uint32_t BoardNumber(std::uint32_t answer) {
     return answer == 1 ? 0 : answer == 2 ? 1 : 2;
 }
 
-/// Hardware types without a told rate (5 and 8 among them) capture like the others of their time: twice the narrowest
-/// channel, or the channel's width if that is more.
+/// Hardware types without a rate of their own (5 and 8 among them) capture like the others of their time: twice the
+/// narrowest channel, or the channel's width if that is more.
 double CaptureRateMhz(std::uint32_t hwType, std::uint32_t bandwidth) {
     const double rate = LumenSpectrumAnalyzer::SampleRateMhz(hwType, bandwidth);
     return rate > 0.0 ? rate : std::max(40.0, static_cast<double>(WidthMhz(bandwidth)));

@@ -1,4 +1,4 @@
-// The border to code that throws in the contract's two forms, by value and as a pointer.
+// The border to code that throws in two forms, by value and as a pointer.
 #pragma once
 
 #include <exception>
