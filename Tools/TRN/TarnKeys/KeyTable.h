@@ -1,6 +1,6 @@
-// The command language as data: every key that a command line may hold, in the order in which keys take effect.
-// Help, completion and documentation read it. The plug-in binds each key to its operation in a table of its own; a test
-// holds the two equal, name for name and in order.
+// The command language as data: every key that a command line may hold, in the order in which keys take effect, with
+// all that a host must know of it. The plug-in binds each row to the operation of its name at start and refuses to
+// start with a row that has none. Headings order the help text; nothing is decided by them.
 #pragma once
 
 #include <span>
@@ -8,15 +8,34 @@
 
 namespace TarnKeys {
 
-enum class ArgumentType { None, Int, Double, Text };
+/// File and Folder are texts that name one.
+enum class ArgumentKind { None, Int, Double, Text, File, Folder };
+
+/// What a key is for.
+enum class KeyRole {
+    Sets,        ///< a value that holds until it is set again
+    Acts,        ///< changes something once
+    Tells,       ///< answers about the device or a setting
+    ReadsOut,    ///< answers out of the last sweep
+    WritesFile,  ///< writes results to the file that its argument names
+    Triggers,    ///< captures a sweep
+};
+
+struct KeyArgument {
+    ArgumentKind kind = ArgumentKind::None;
+    std::string_view placeholder = {};  ///< how help writes it, such as "FILE"; empty without one
+    std::string_view values = {};       ///< accepted values split by "|", for completion; empty if they can't be listed
+};
 
 struct KeyRow {
     std::string_view name;
-    ArgumentType argument = ArgumentType::None;
-    std::string_view placeholder;  ///< how help writes the argument, such as "FILE"; empty without one
-    std::string_view values;       ///< accepted values split by "|", for completion; empty when they can't be listed
-    std::string_view group;        ///< heading in help
-    std::string_view help;         ///< what it does, one line, with units
+    KeyRole role;
+    KeyArgument argument;
+    std::string_view heading;  ///< in help
+    std::string_view help;     ///< what it does, one line, with units
+    /// A measurement sets it itself, or its labels would be wrong behind it: it may not stand among its keys.
+    bool spoilsMeasurement = false;
+    std::string_view voids = {};  ///< keys, split by "|", whose values of before no longer hold behind this one
 };
 
 /// All keys that the plug-in registers, in the order of their turns on a line.
@@ -24,5 +43,9 @@ std::span<const KeyRow> Keys();
 
 /// The row of a key, whatever the case of its letters; null when there is none.
 const KeyRow* FindKey(std::string_view name);
+
+/// True for a key that answers from, or writes, the results of the sweep before a trigger on the same line: its turn
+/// comes first.
+bool ReadsBeforeTrigger(const KeyRow& key);
 
 }  // namespace TarnKeys

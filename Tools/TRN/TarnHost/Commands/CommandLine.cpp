@@ -161,16 +161,11 @@ CLI::App* AddShell(CLI::App& app) {
     return command;
 }
 
-/// A key in the line of --keys that would make the results' labels wrong: one that the measurement sets itself, or that
-/// changes the tuning behind its back.
+/// A key in the line of --keys that would make the results' labels wrong.
 std::optional<std::string> ForbiddenKey(const std::string& line) {
-    static constexpr auto forbidden = std::to_array<std::string_view>(
-        {"-band", "-bandwidth", "-channel", "-chain", "-rbw", "-maxhold", "-channel_average",
-         "-channel_average_counter", "-channel_average_sweep_val", "-clear_average", "-reset_config", "-set_mcc",
-         "-trigger_now", "-read_adc_samples_from_file"});
     for (const std::string& token : CmdLine::Tokenize(line)) {
         const TarnKeys::KeyRow* key = TarnKeys::FindKey(token);
-        if (key && std::ranges::find(forbidden, key->name) != forbidden.end()) return token;
+        if (key && key->spoilsMeasurement) return token;
     }
     return std::nullopt;
 }

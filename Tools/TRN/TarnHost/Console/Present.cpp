@@ -101,7 +101,8 @@ std::string Readable(const std::string& line, const std::string& output) {
     for (const std::string& token : CmdLine::Tokenize(line))
         if (const TarnKeys::KeyRow* key = TarnKeys::FindKey(token)) keys.push_back(key);
     // A trigger may have settings before it; the other answers come from lines of their own.
-    const bool endsInTrigger = std::ranges::any_of(keys, [](auto* key) { return key->name == "-trigger_now"; });
+    const bool endsInTrigger =
+        std::ranges::any_of(keys, [](auto* key) { return key->role == TarnKeys::KeyRole::Triggers; });
     const std::vector<Numbers> lines = NumberLines(output);
     if (endsInTrigger && lines.size() == 4 && std::ranges::all_of(lines, [](auto& l) { return l.size() == 1; }))
         return TriggerText(lines);

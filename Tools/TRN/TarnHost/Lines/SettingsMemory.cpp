@@ -1,5 +1,8 @@
 #include "Lines/SettingsMemory.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include "CmdLine/CmdLine.h"
 #include "KeyTable.h"
 
@@ -15,37 +18,30 @@ Values KeysOf(const std::string& line) {
     for (auto token = tokens.begin(); token != tokens.end(); ++token) {
         const TarnKeys::KeyRow* key = TarnKeys::FindKey(*token);
         if (!key) continue;
-        const bool hasValue = key->argument != TarnKeys::ArgumentType::None && std::next(token) != tokens.end();
+        const bool hasValue = key->argument.kind != TarnKeys::ArgumentKind::None && std::next(token) != tokens.end();
         values[std::string(key->name)] = hasValue ? *++token : std::string();
     }
     return values;
 }
 
-bool IsSetting(const TarnKeys::KeyRow& key) {
-    return key.argument != TarnKeys::ArgumentType::None && key.name != "-channel_average_counter" &&
-           (key.group == "Settings" || key.group == "Analysis" || key.group == "Gain and floor");
-}
-
-void Forget(Values& values, std::initializer_list<const char*> keys) {
-    for (const char* key : keys)
-        values.erase(key);
+/// @param keys  names split by "|"
+void Forget(Values& values, std::string_view keys) {
+    while (!keys.empty()) {
+        const std::size_t end = std::min(keys.find('|'), keys.size());
+        values.erase(std::string(keys.substr(0, end)));
+        keys.remove_prefix(std::min(end + 1, keys.size()));
+    }
 }
 
 }  // namespace
 
 void SettingsMemory::Take(const std::string& line) {
     const Values onLine = KeysOf(line);
-    const auto forgetTuning = [&] {
-        Forget(m_values, {"-band", "-bandwidth", "-channel", "-chain", "-gain_file_name"});
-    };
     for (const TarnKeys::KeyRow& key : TarnKeys::Keys()) {
         const auto entry = onLine.find(std::string(key.name));
         if (entry == onLine.end()) continue;
-        if (key.name == "-reset_config" || key.name == "-set_mcc") forgetTuning();  // what they set back
-        // a channel number means nothing in another band or at another width
-        if (key.name == "-band") Forget(m_values, {"-bandwidth", "-channel"});
-        if (key.name == "-bandwidth") Forget(m_values, {"-channel"});
-        if (IsSetting(key)) m_values[entry->first] = entry->second;
+        Forget(m_values, key.voids);
+        if (key.role == TarnKeys::KeyRole::Sets) m_values[entry->first] = entry->second;
     }
 }
 
@@ -62,8 +58,7 @@ bool ReadsBeforeItsTrigger(const std::string& line) {
     const Values onLine = KeysOf(line);
     if (!onLine.contains("-trigger_now")) return false;
     for (const TarnKeys::KeyRow& key : TarnKeys::Keys())
-        if ((key.group == "Results" || key.name.starts_with("-save_")) && onLine.contains(std::string(key.name)))
-            return true;
+        if (TarnKeys::ReadsBeforeTrigger(key) && onLine.contains(std::string(key.name))) return true;
     return false;
 }
 

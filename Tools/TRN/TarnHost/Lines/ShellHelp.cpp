@@ -41,7 +41,7 @@ std::string Lower(std::string_view text) {
 
 std::string Usage(const KeyRow& key) {
     std::string text(key.name);
-    if (!key.placeholder.empty()) text += " " + std::string(key.placeholder);
+    if (!key.argument.placeholder.empty()) text += " " + std::string(key.argument.placeholder);
     return text;
 }
 
@@ -91,15 +91,15 @@ std::string HelpText() {
 std::string KeyListText() {
     std::string text;
     std::size_t width = 0;
-    std::vector<std::string_view> groups;
+    std::vector<std::string_view> headings;
     for (const KeyRow& key : TarnKeys::Keys()) {
         width = std::max(width, Usage(key).size());
-        if (std::ranges::find(groups, key.group) == groups.end()) groups.push_back(key.group);
+        if (std::ranges::find(headings, key.heading) == headings.end()) headings.push_back(key.heading);
     }
-    for (const std::string_view group : groups) {
-        text += (text.empty() ? "" : "\n") + std::string(group) + "\n";
+    for (const std::string_view heading : headings) {
+        text += (text.empty() ? "" : "\n") + std::string(heading) + "\n";
         for (const KeyRow& key : TarnKeys::Keys()) {
-            if (key.group != group) continue;
+            if (key.heading != heading) continue;
             std::string usage = Usage(key);
             usage.resize(width, ' ');
             text += "  " + usage + "  " + std::string(key.help) + "\n";
@@ -113,9 +113,9 @@ std::string HelpText(std::string_view name) {
     const std::string asked = name.starts_with('-') ? std::string(name) : "-" + std::string(name);
     if (const KeyRow* key = TarnKeys::FindKey(asked)) {
         std::string text = Usage(*key) + "\n  " + std::string(key->help) + "\n";
-        if (!key->values.empty()) {
+        if (!key->argument.values.empty()) {
             text += "  values:";
-            for (const std::string& value : Split(key->values, '|'))
+            for (const std::string& value : Split(key->argument.values, '|'))
                 text += " " + value;
             text += "\n";
         }
@@ -137,9 +137,10 @@ std::vector<std::string> Completions(std::string_view beforeCursor) {
         Split(blank == std::string_view::npos ? std::string_view() : beforeCursor.substr(0, blank), ' ');
     std::vector<std::string> candidates;
     const KeyRow* key = before.empty() ? nullptr : TarnKeys::FindKey(before.back());
-    if (key && key->argument != TarnKeys::ArgumentType::None) {
-        if (key->placeholder == "FILE" || key->placeholder == "FOLDER") return Files(word);
-        candidates = Split(key->values, '|');
+    if (key && key->argument.kind != TarnKeys::ArgumentKind::None) {
+        if (key->argument.kind == TarnKeys::ArgumentKind::File || key->argument.kind == TarnKeys::ArgumentKind::Folder)
+            return Files(word);
+        candidates = Split(key->argument.values, '|');
     } else {
         candidates = KeyNames();
         if (before.empty()) candidates.insert(candidates.end(), ownCommands.begin(), ownCommands.end());

@@ -10,7 +10,7 @@ namespace TarnHost {
 /// How to begin.
 std::string HelpText();
 
-/// Every key by group.
+/// Every key under its heading.
 std::string KeyListText();
 
 /// One key: argument, values, help; "keys" lists them all. Nearby keys when there is none of that name; "-" may be left
