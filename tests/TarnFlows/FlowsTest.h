@@ -67,6 +67,7 @@ protected:
         std::string pattern = (std::filesystem::temp_directory_path() / "tarn-flows-XXXXXX").string();
         if (!::mkdtemp(pattern.data())) throw std::runtime_error("no folder for the test");
         m_folder = pattern;
+        std::filesystem::current_path(m_folder);  // for keys that write to whatever name they get
         SingletonWrapper<Streams::AppStreams>::accessObject()->errorStream = &m_errorStream;
         Streams::AppStreams::OpenLogFile(Path("log.txt"));  // so that every trace line is built
     }
@@ -75,6 +76,7 @@ protected:
         Streams::AppStreams::CloseLogFile();
         SingletonWrapper<Streams::AppStreams>::accessObject()->errorStream = nullptr;
         std::error_code ignored;
+        std::filesystem::current_path(m_folder.parent_path(), ignored);
         std::filesystem::remove_all(m_folder, ignored);
     }
 

@@ -2,7 +2,6 @@
 #include <typeinfo>
 
 #include "FlowsTest.h"
-#include "KeyTable.h"
 #include "LumenSAAsh2.h"
 #include "LumenSAAsh4.h"
 #include "LumenSABay.h"
@@ -10,6 +9,7 @@
 #include "LumenSAFirYew.h"
 #include "LumenSAPine.h"
 #include "LumenSARowan.h"
+#include "Support/FlowKeys.h"
 
 extern "C" ITrellisPlugin* CreateInstance(IHostOutput* host, bool web);
 extern "C" void DestroyInstance();
@@ -22,8 +22,9 @@ class PluginTest : public FlowsTest {
 protected:
     /// Runs every key once, those with an argument with several; the object must stand it.
     void RunEveryKey() {
-        for (const std::string& key : TarnWifiFlows::KeyNames())
+        for (const auto& row : TarnKeys::Keys())
             for (const char* argument : {"", "true", "1", "A", "-50,-50,-50", "39.0625", "nowhere/file"}) {
+                const std::string key(row.name);
                 const Answer answer = Run(key + " " + argument);
                 ASSERT_EQ(answer.output.find("Unrecognized command line option: " + key), std::string::npos) << key;
             }
@@ -41,11 +42,18 @@ TEST_F(PluginTest, TheExportsGiveOneObjectWhateverTheArgumentsAndDestroyItOnce) 
     DestroyInstance();
 }
 
-TEST_F(PluginTest, KeysStandInTheOrderOfTheTableThatHelpReads) {
-    std::vector<std::string> names;
-    for (const auto& row : TarnKeys::Keys())
-        names.emplace_back(row.name);
-    EXPECT_EQ(TarnWifiFlows::KeyNames(), names);
+TEST_F(PluginTest, AnOperationWithoutARowOrWithAnotherArgumentEndsTheStart) {
+    TarnWifiFlows flows(nullptr);
+    for (const auto& [operation, told] : {std::pair<KeyOperation<TarnWifiFlows>, const char*>{
+                                              {"-bogus", &TarnWifiFlows::TriggerNow}, "No row in the key table for "},
+                                          {{"-rbw", &TarnWifiFlows::SetBand}, "Another argument in the key table for "},
+                                          {{"-band", &TarnWifiFlows::TriggerNow}, "Another argument in "}})
+        try {
+            FlowKeys::Add<TarnWifiFlows>(flows, std::array{operation});
+            ADD_FAILURE() << operation.key;
+        } catch (const std::logic_error& failure) {
+            EXPECT_TRUE(std::string(failure.what()).starts_with(told)) << failure.what();
+        }
 }
 
 TEST_F(PluginTest, WithoutKeysEveryLineIsAnUnknownOption) {

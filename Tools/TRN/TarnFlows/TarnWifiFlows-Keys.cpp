@@ -1,6 +1,5 @@
-// The command set: all keys of the flows, in the order of their turns on a line.
+// The operations behind the keys; what else there is to know of a key, and their order, stands in TarnKeys.
 #include <array>
-#include <vector>
 
 #include "Streams/Trace.h"
 #include "Support/FlowKeys.h"
@@ -8,7 +7,7 @@
 
 namespace {
 
-constexpr auto CommonKeys = std::to_array<FlowKey<TarnCommonFlows>>({
+constexpr auto CommonKeys = std::to_array<KeyOperation<TarnCommonFlows>>({
     {"-channel_average_sweep_val", &TarnCommonFlows::SetChannelAverageSweepVal},
     {"-maxhold", &TarnCommonFlows::SetMaxHold},
     {"-histogram", &TarnCommonFlows::SetHistogram},
@@ -28,7 +27,7 @@ constexpr auto CommonKeys = std::to_array<FlowKey<TarnCommonFlows>>({
     {"-save_maxhold", &TarnCommonFlows::SaveMaxHold},
 });
 
-constexpr auto WifiKeys = std::to_array<FlowKey<TarnWifiFlows>>({
+constexpr auto WifiKeys = std::to_array<KeyOperation<TarnWifiFlows>>({
     {"-get_supported_config", &TarnWifiFlows::SupportedConfigToString},
     {"-reset_config", &TarnWifiFlows::ResetConfig},
     {"-band", &TarnWifiFlows::SetBand},
@@ -63,19 +62,13 @@ constexpr auto WifiKeys = std::to_array<FlowKey<TarnWifiFlows>>({
 
 void TarnCommonFlows::Init() {
     TRACE_SCOPE("TarnCommonFlows::Init");
-    AddFlowKeys<TarnCommonFlows>(*this, CommonKeys);
+    FlowKeys::Add<TarnCommonFlows>(*this, CommonKeys);
 }
 
 void TarnWifiFlows::RegisterKeys() {
-    AddFlowKeys<TarnWifiFlows>(*this, WifiKeys);
-}
-
-std::vector<std::string> TarnWifiFlows::KeyNames() {
-    std::vector<std::string> names;
-    names.reserve(CommonKeys.size() + WifiKeys.size());
-    for (const auto& key : CommonKeys)
-        names.emplace_back(key.name);
-    for (const auto& key : WifiKeys)
-        names.emplace_back(key.name);
-    return names;
+    for (const TarnKeys::KeyRow& row : TarnKeys::Keys())
+        if (!FlowKeys::Find<TarnCommonFlows>(CommonKeys, row.name) &&
+            !FlowKeys::Find<TarnWifiFlows>(WifiKeys, row.name))
+            throw std::logic_error("No operation for the key " + std::string(row.name));
+    FlowKeys::Add<TarnWifiFlows>(*this, WifiKeys);
 }

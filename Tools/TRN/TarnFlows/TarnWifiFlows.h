@@ -35,8 +35,6 @@ public:
     void Init() override;
     std::int32_t RunCommand(std::string& line, std::string& output, std::string& error, bool plainOutput) override;
     void DeInit() override;
-    /// All keys that Init registers, in the order of their turns on a line.
-    static std::vector<std::string> KeyNames();
     LumenSpectrumAnalyzer::CLmnSA* GetLmnSA() override { return m_lmnSA.get(); }
 
     virtual bool IsBandSupportedForDevice(ChannelTableId tableId);
