@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cassert>
+#include <exception>
 #include <utility>
 
 #include "Station.h"
@@ -67,6 +68,28 @@ std::string DescribeAir() {
 
 std::optional<std::string> RadioTrouble() {
     return Current().Trouble();
+}
+
+AdapterDescription AdapterInUse() {
+    return Current().Adapter();
+}
+
+std::optional<std::string> CaptureTrouble() {
+    const auto& capture = Current().LastCapture();
+    return capture.IsRefused() ? std::optional(capture.Reason()) : std::nullopt;
+}
+
+OSAL::Outcome<Recording> RecordCapture(const RecordRequest& request) {
+    return Current().Record(request);
+}
+
+OSAL::Outcome<bool> ReceivesChannel(const RadioTuning& tuning) {
+    auto& nvm = *Current().Nvm();
+    try {
+        return nvm.IsBandEnabled(tuning.band) && nvm.IsChannelSupported(tuning.channel, tuning.bandwidth, tuning.band);
+    } catch (const std::exception& error) {
+        return OSAL::Refusal{std::string("the radio failed: ") + error.what()};
+    }
 }
 
 bool SetRadioWorkload(bool running) {

@@ -5,8 +5,9 @@
 #include <optional>
 #include <string>
 
+#include "Adapter/Recorder.h"
 #include "Adapter/SimulatedAdapter.h"
-#include "Air/Scene/SceneAir.h"
+#include "Air/Air.h"
 #include "Monitor/MonitoredRadio.h"
 #include "RadioSetup.h"
 
@@ -23,14 +24,16 @@ public:
     std::string AdapterDescriptionText() const { return AdapterText(m_adapter); }
     std::string AirText() const { return m_air->Describe(); }
     std::optional<std::string> Trouble() const { return m_journal.Trouble(); }
+    const AdapterDescription& Adapter() const { return m_adapter; }
+    const OSAL::Outcome<CaptureFacts>& LastCapture() { return m_bareWifi.GetAdcObject()->LastCapture(); }
+    OSAL::Outcome<Recording> Record(const RecordRequest& request) { return RecordFrom(m_wifi, LastCapture(), request); }
     bool SetWorkload(bool running);
 
 private:
-    Station(AdapterDescription adapter, std::unique_ptr<IAir> air, SceneAir* scene, FaultPlan faults);
+    Station(AdapterDescription adapter, std::unique_ptr<IAir> air, FaultPlan faults);
 
     AdapterDescription m_adapter;
     std::unique_ptr<IAir> m_air;
-    SceneAir* m_scene;  ///< the same air, when it is a scene
     Journal m_journal;
     FaultPlan m_faults;
     CallMonitor m_monitor{m_journal, m_faults};

@@ -29,6 +29,7 @@ TEST(Adapter, ADescriptionReadsBackAsItIsWritten) {
         "seed=18446744073709551615,connected=0";
     UseRadio(text, "sim:quiet");
     EXPECT_EQ(DescribeAdapter(), text);
+    EXPECT_EQ(quayCommand::AdapterInUse(), quayCommand::ReadAdapter(text).Value());
     UseRadio("device=32320,connected=false", "sim:quiet");
     EXPECT_EQ(CommandFactory::GetInstance().getWifiInstance()->GetPlatformDeviceId(), 0x7E40u);
     EXPECT_FALSE(CommandFactory::GetInstance().getWifiInstance()->IsConnected());
@@ -94,40 +95,19 @@ TEST(Adapter, EachGainRecordLayoutReachesBothChains) {
         const char* adapter;
         GainFamily family;
         std::uint32_t boardNumber;
-        char layout;
     };
-    for (const auto& c :
-         {Case{"hw=23,sku=2", GainFamily::Ash4, 1, 'A'}, Case{"hw=11", GainFamily::Plain, 2, 'A'},
-          Case{"hw=25,sku=1", GainFamily::Ash2, 0, 'B'}, Case{"hw=29,sku=9", GainFamily::Rowan, 2, 'C'}}) {
+    for (const auto& c : {Case{"hw=23,sku=2", GainFamily::Ash4, 1}, Case{"hw=11", GainFamily::Plain, 2},
+                          Case{"hw=25,sku=1", GainFamily::Ash2, 0}, Case{"hw=29,sku=9", GainFamily::Rowan, 2}}) {
         UseRadio(std::string("samples=4096,") + c.adapter, air);
-        auto* adc = CommandFactory::GetInstance().getWifiInstance()->GetAdcObject();
-        quayCommand::RxConfig config;
-        config.m_channel = 6;
-        config.m_currChain = 3;
-        adc->ConfigTxRx(&config);
-        // Chain A: internal gain 2, pre-LNA 1; chain B: internal gain 3, pre-LNA 0.
-        quayCommand::GainConfig a{};
-        a.chains[0].internalGain = 2;
-        a.chains[0].preLna = 1;
-        a.chains[1].internalGain = 3;
-        if (c.layout == 'A')
-            adc->SetManualGainA(a);
-        else if (c.layout == 'B')
-            adc->SetManualGainB({1, 0, 0, 2, 1, 0, 0, 0, 3, 0, 0, 0});
-        else
-            adc->SetManualGainC({1, 0, 0, 0, 2, 1, 0, 0, 0, 0, 3, 0, 0, 0, 0});
-        std::vector<std::vector<double>> v(6, std::vector<double>(4096));
-        double* i[3] = {v[0].data(), v[1].data(), v[2].data()};
-        double* q[3] = {v[3].data(), v[4].data(), v[5].data()};
-        ASSERT_TRUE(adc->ReadCapture({0, 5000, 2, 0}, i, q));
+        const auto recording = quayCommand::RecordCapture({{0, 0, 6}, 3, {{{2, 1}, {3, 0}}}});
+        ASSERT_FALSE(recording.IsRefused()) << recording.Reason();
         for (std::size_t chain = 0; chain < 2; ++chain) {
-            Samples x(4096);
-            for (std::size_t n = 0; n < x.size(); ++n)
-                x[n] = {i[chain][n], q[chain][n]};
+            const auto x = SamplesOf(recording->chains[chain]);
             const double gain = chain == 0 ? ManualGain(c.family, 1, 2, 0, "A", 6, c.boardNumber)
                                            : ManualGain(c.family, 0, 3, 0, "B", 6, c.boardNumber);
-            const double rate = SampleRateMhz(CommandFactory::GetInstance().getWifiInstance()->GetHwType(), 0);
-            EXPECT_NEAR(TonePowerDb(x, 2.5, rate) - gain, -60.0, 0.5) << c.adapter << " chain " << chain;
+            EXPECT_DOUBLE_EQ(recording->facts.chains[chain].gainDb, gain);
+            EXPECT_NEAR(TonePowerDb(x, 2.5, recording->facts.sampleRateMhz) - gain, -60.0, 0.5)
+                << c.adapter << " chain " << chain;
         }
     }
 }

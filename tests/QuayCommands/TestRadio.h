@@ -55,35 +55,22 @@ inline std::string ReasonOf(const quayCommand::RadioSetup& setup) {
     return quayCommand::SetUpRadio(setup).value_or("accepted");
 }
 
-/// One capture of the default adapter's hardware, chain by chain.
-inline std::vector<Samples> Capture(const Tuning& tuning) {
-    auto* wifi = CommandFactory::GetInstance().getWifiInstance();
-    auto* adc = wifi->GetAdcObject();
-    quayCommand::RxConfig config;
-    config.m_channel = tuning.channel;
-    config.m_band = tuning.band;
-    config.m_Bandwidth = tuning.bandwidth;
-    config.m_currChain = config.antennaMask = tuning.selector;
-    wifi->SetLmac(tuning.band);
-    adc->ConfigTxRx(&config);
-    quayCommand::GainConfigC gain{};
-    gain[0] = 1;
-    gain[4] = gain[10] = tuning.internalGain;
-    gain[5] = gain[11] = tuning.preLna;
-    adc->SetManualGainC(gain);
-    quayCommand::CaptureDescriptorD descriptor{1, tuning.selector};
-    adc->SetCaptureDescriptorD(descriptor);
+inline Samples SamplesOf(const quayCommand::RecordedChain& chain) {
+    Samples samples(chain.i.size());
+    for (std::size_t n = 0; n < samples.size(); ++n)
+        samples[n] = {chain.i[n], chain.q[n]};
+    return samples;
+}
 
-    const auto length = adc->GetCaptureLength();
-    std::vector<std::vector<double>> values(8, std::vector<double>(length));
-    double* i[4] = {values[0].data(), values[1].data(), values[2].data(), values[3].data()};
-    double* q[4] = {values[4].data(), values[5].data(), values[6].data(), values[7].data()};
-    std::vector<std::uint8_t> metadata(quayCommand::CaptureMetadataBytes, 0xEE);
-    if (!adc->ReadCaptureEx({0, 5000, 2, 2}, i, q, metadata.data())) return {};
-    std::vector<Samples> chains(tuning.selector == 3 ? 2 : 1, Samples(length));
-    for (std::size_t c = 0; c < chains.size(); ++c)
-        for (std::size_t n = 0; n < length; ++n)
-            chains[c][n] = {i[c][n], q[c][n]};
+/// One capture, chain by chain; none when the radio captured nothing.
+inline std::vector<Samples> Capture(const Tuning& tuning) {
+    const quayCommand::RecordGain gain{tuning.internalGain, tuning.preLna};
+    const auto recording =
+        quayCommand::RecordCapture({{tuning.band, tuning.bandwidth, tuning.channel}, tuning.selector, {gain, gain}});
+    std::vector<Samples> chains;
+    if (recording.IsRefused()) return chains;
+    for (const auto& chain : recording->chains)
+        chains.push_back(SamplesOf(chain));
     return chains;
 }
 

@@ -68,9 +68,11 @@ double SimulatedAdc::GainDb(unsigned chain) const {
                       chain == 0 ? "A" : "B", m_tuning.m_channel, BoardNumber(m_adapter.boardSku & 0xFF));
 }
 
-bool SimulatedAdc::ReadCapture(const AdcReadRequest&, double** i, double** q) {
+OSAL::Outcome<CaptureFacts> SimulatedAdc::Capture(double** i, double** q) {
     const auto selected = m_selector ? m_selector : m_tuning.m_currChain;
-    if (!m_tuned || selected == 0 || (selected & ~m_adapter.antennaMask) != 0) return false;
+    if (!m_tuned) return OSAL::Refusal{"the receiver isn't tuned to a channel"};
+    if (selected == 0 || (selected & ~m_adapter.antennaMask) != 0)
+        return OSAL::Refusal{"a selected chain has no antenna"};
     std::array<ChainCapture, MaxChains> chains;
     std::size_t used = 0;
     for (unsigned chain = 0; chain < MaxChains; ++chain) {
@@ -83,7 +85,12 @@ bool SimulatedAdc::ReadCapture(const AdcReadRequest&, double** i, double** q) {
     request.sampleRateMhz = CaptureRateMhz(m_adapter.hwType, m_tuning.m_Bandwidth);
     request.bandwidthMhz = WidthMhz(m_tuning.m_Bandwidth);
     request.chains = std::span(chains).first(used);
-    return m_air.Capture(request);
+    return CaptureAsAsked(m_air, request);
+}
+
+bool SimulatedAdc::ReadCapture(const AdcReadRequest&, double** i, double** q) {
+    m_lastCapture = Capture(i, q);
+    return !m_lastCapture.IsRefused();
 }
 
 bool SimulatedAdc::ReadCaptureEx(const AdcReadRequest& request, double** i, double** q, std::uint8_t* metadata) {

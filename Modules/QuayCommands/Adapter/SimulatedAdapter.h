@@ -32,7 +32,7 @@ public:
     void SetCaptureDescriptorC(const CaptureDescriptorC& descriptor) override { m_selector = descriptor[1]; }
     void SetCaptureDescriptorD(const CaptureDescriptorD& descriptor) override { m_selector = descriptor[1]; }
     void SetCaptureSource(const CaptureSource&) override {}
-    /// False when the receiver isn't tuned to a channel, or when a selected chain has no antenna.
+    /// False, and the vectors as they were, when nothing was captured; `LastCapture` tells why.
     bool ReadCapture(const AdcReadRequest& request, double** i, double** q) override;
     /// The metadata of a simulated capture is all zero.
     bool ReadCaptureEx(const AdcReadRequest& request, double** i, double** q, std::uint8_t* metadata) override;
@@ -42,12 +42,16 @@ public:
     void GetUscVersion(std::array<std::uint32_t, 4>& out) override;
     void GetSVDriverVersion(std::array<std::uint32_t, 4>& out) override;
 
+    /// What the samples of the last read are, or why it gave none.
+    const OSAL::Outcome<CaptureFacts>& LastCapture() const { return m_lastCapture; }
+
 private:
     struct GainSetting {
         std::uint32_t preLna = 0;
         std::uint32_t internalGain = 0;
     };
     double GainDb(unsigned chain) const;
+    OSAL::Outcome<CaptureFacts> Capture(double** i, double** q);
 
     const AdapterDescription& m_adapter;
     IAir& m_air;
@@ -55,6 +59,7 @@ private:
     bool m_tuned = false;
     std::uint32_t m_selector = 0;  ///< chains of the capture as a bit mask; 0 before the first descriptor
     std::array<GainSetting, MaxChains> m_gains;
+    OSAL::Outcome<CaptureFacts> m_lastCapture = OSAL::Refusal{"nothing was captured yet"};
 };
 
 class SimulatedDeviceInfo : public IDeviceInfo {
@@ -79,7 +84,7 @@ public:
     std::uint32_t GetVendorId() override;
     std::uint32_t GetSubsystemId() override;
     std::uint32_t GetRevisionId() override;
-    IAdcCommands* GetAdcObject() override { return &m_adc; }
+    SimulatedAdc* GetAdcObject() override { return &m_adc; }
     IDeviceInfo* GetDeviceInfo() override { return &m_info; }
     /// Throws for a band above 2.
     void SetLmac(std::uint32_t band) override;

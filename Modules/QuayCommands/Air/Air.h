@@ -1,23 +1,24 @@
 // What a receiver hears: the one border between an adapter and the samples it delivers.
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <optional>
 #include <span>
 #include <string>
 
-namespace quayCommand {
+#include "Air/CaptureFacts.h"
+#include "OSAL/Outcome.h"
 
-constexpr std::size_t MaxChains = 2;
+namespace quayCommand {
 
 /// One receive chain of a capture.
 struct ChainCapture {
     unsigned chain = 0;   ///< 0 is A, 1 is B
-    double gainDb = 0.0;  ///< from antenna to ADC: 0 dBm at the antenna is 10^(gainDb / 20) codes
+    double gainDb = 0.0;  ///< asked for; see ChainFacts
     std::span<double> i;  ///< gets whole ADC codes of 16 bits; arrives zeroed, and stays so behind a shorter capture
     std::span<double> q;  ///< as long as `i`
 };
+
+/// Samples of a filled chain that stand at the end of the ADC's range.
+std::size_t CountOverloaded(const ChainCapture& chain);
 
 /// Where and how to listen.
 struct CaptureRequest {
@@ -27,15 +28,44 @@ struct CaptureRequest {
     std::span<ChainCapture> chains;
 };
 
+/// A closed range in MHz.
+struct MhzRange {
+    double low = 0.0;
+    double high = 0.0;
+    bool Holds(double mhz) const { return mhz >= low && mhz <= high; }
+};
+
+enum class GainTruth {
+    Known,   ///< the codes follow the gain: levels at the antenna are what they are
+    Nominal  ///< the gain is a figure beside the samples: only differences of levels are to be trusted
+};
+
+/// What an air can do. The same for as long as it lives.
+struct AirAbilities {
+    MhzRange centreMhz;      ///< it tunes to
+    MhzRange sampleRateMhz;  ///< it delivers
+    unsigned chainMask = 0;  ///< it hears at once; bit 0 A, bit 1 B
+    GainTruth gain = GainTruth::Nominal;
+    bool hearsWorkload = false;  ///< `SetWorkload` changes what it delivers
+};
+
 /// Source of samples. One thread at a time.
 class IAir {
 public:
     virtual ~IAir() = default;
     /// In a few words for a person.
     virtual std::string Describe() const = 0;
-    /// Fills the chains of `request`.
-    /// @return false when nothing could be captured
-    virtual bool Capture(const CaptureRequest& request) = 0;
+    virtual AirAbilities Abilities() const = 0;
+    /// Fills the chains of `request`, which lies within the abilities.
+    /// @return what the samples are, or why there are none
+    virtual OSAL::Outcome<CaptureFacts> Capture(const CaptureRequest& request) = 0;
+    /// A stress workload runs on the machine, or no longer does, from the next capture on. Only asked of an air that
+    /// hears it.
+    virtual void SetWorkload(bool running) = 0;
 };
+
+/// A capture whose samples are what was asked for: other samples would be read as a level at a frequency where they
+/// weren't taken. They are refused, and the chains are zeroed.
+OSAL::Outcome<CaptureFacts> CaptureAsAsked(IAir& air, const CaptureRequest& request);
 
 }  // namespace quayCommand

@@ -104,8 +104,17 @@ std::string FileAir::Describe() const {
     return Common::Format("stored captures: ${1} file(s) of ${2}") % m_recordings.size() % m_path;
 }
 
-bool FileAir::Capture(const CaptureRequest& request) {
-    for (const auto& chain : request.chains) {
+AirAbilities FileAir::Abilities() const {
+    constexpr MhzRange Any{0.0, 1e6};  // the tuning plays no part
+    return {Any, Any, (1u << MaxChains) - 1, GainTruth::Nominal, false};
+}
+
+OSAL::Outcome<CaptureFacts> FileAir::Capture(const CaptureRequest& request) {
+    CaptureFacts facts;
+    facts.centreMhz = request.centreMhz;
+    facts.sampleRateMhz = request.sampleRateMhz;
+    for (std::size_t c = 0; c < request.chains.size(); ++c) {
+        const auto& chain = request.chains[c];
         const auto& recording = m_recordings[m_next];
         m_next = (m_next + 1) % m_recordings.size();
         const auto count = std::min(recording.size(), chain.i.size());
@@ -113,8 +122,15 @@ bool FileAir::Capture(const CaptureRequest& request) {
             chain.i[n] = recording[n].i;
             chain.q[n] = recording[n].q;
         }
+        facts.chains[c] = {chain.gainDb, false, CountOverloaded(chain), count};
     }
-    return true;
+    return facts;
+}
+
+OSAL::Outcome<std::unique_ptr<IAir>> OpenFileAir(const std::string& path, const AirContext&) {
+    auto air = FileAir::Open(path);
+    if (air.IsRefused()) return air.Why();
+    return std::unique_ptr<IAir>(std::make_unique<FileAir>(std::move(air.Value())));
 }
 
 }  // namespace quayCommand

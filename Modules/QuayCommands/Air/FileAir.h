@@ -2,12 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "Air/Air.h"
-#include "OSAL/Outcome.h"
+#include "Air/AirKinds.h"
 
 namespace quayCommand {
 
@@ -25,13 +24,18 @@ public:
     static OSAL::Outcome<FileAir> Open(const std::string& path);
 
     std::string Describe() const override;
-    bool Capture(const CaptureRequest& request) override;
+    AirAbilities Abilities() const override;
+    OSAL::Outcome<CaptureFacts> Capture(const CaptureRequest& request) override;
+    void SetWorkload(bool) override {}
 
 private:
     std::string m_path;
     std::vector<Recording> m_recordings;
     std::size_t m_next = 0;
 };
+
+/// The kind's opener: `path` is a file or a folder.
+OSAL::Outcome<std::unique_ptr<IAir>> OpenFileAir(const std::string& path, const AirContext& context);
 
 /// One line of a sample file: I up to the first blank, blanks, one character that is dropped, Q. Text behind a number
 /// is ignored; a line without anything behind its first number has Q equal to I. Codes are cut to whole numbers.

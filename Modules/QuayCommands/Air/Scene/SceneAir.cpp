@@ -2,10 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <sstream>
 
 #include "Air/Scene/Random.h"
 #include "Air/Scene/SceneSignal.h"
 #include "Format.h"
+#include "RadioSetup.h"
 
 namespace quayCommand {
 namespace {
@@ -50,6 +55,26 @@ void AddAll(SceneSignal& signal, const Scene& scene, const std::vector<T>& sourc
     }
 }
 
+constexpr std::uintmax_t MaxSceneBytes = 1 << 20;
+
+std::string SceneNames() {
+    std::string text;
+    for (const auto& name : ShippedSceneNames())
+        text += (text.empty() ? "" : ", ") + name;
+    return text;
+}
+
+/// The text of a scene file.
+std::optional<std::string> FileText(const std::string& path) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    if (error || size > MaxSceneBytes) return {};
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return file ? std::optional(text.str()) : std::nullopt;
+}
+
 }  // namespace
 
 SceneAir::SceneAir(std::string name, Scene scene, std::uint64_t seed)
@@ -62,8 +87,13 @@ std::string SceneAir::Describe() const {
     return m_scene.description.empty() ? text : text + ": " + m_scene.description;
 }
 
-bool SceneAir::Capture(const CaptureRequest& request) {
-    if (request.chains.empty() || request.chains.front().i.empty() || !(request.sampleRateMhz > 0.0)) return false;
+AirAbilities SceneAir::Abilities() const {
+    // Anything: a scene is arithmetic. Rates are those that whole OFDM symbols fit.
+    return {{0.0, 1e6}, {20.0, 1e6}, (1u << MaxChains) - 1, GainTruth::Known, true};
+}
+
+OSAL::Outcome<CaptureFacts> SceneAir::Capture(const CaptureRequest& request) {
+    if (request.chains.empty() || request.chains.front().i.empty()) return OSAL::Refusal{"no samples are asked for"};
     auto& signal = *m_signal;
     signal.centreMhz = request.centreMhz;
     signal.sampleRateMhz = request.sampleRateMhz;
@@ -85,9 +115,13 @@ bool SceneAir::Capture(const CaptureRequest& request) {
     AddAll(signal, m_scene, m_scene.combs, 3, m_workload, AddComb);
     AddAll(signal, m_scene, m_scene.tones, 4, m_workload, AddTone);
 
-    for (std::size_t k = 0; k < request.chains.size(); ++k)
-        Digitise(signal.antennas[k], request.chains[k]);
-    return true;
+    CaptureFacts facts{signal.centreMhz, signal.sampleRateMhz, signal.startUs, 0, {}};
+    for (std::size_t k = 0; k < request.chains.size(); ++k) {
+        const auto& chain = request.chains[k];
+        Digitise(signal.antennas[k], chain);
+        facts.chains[k] = {chain.gainDb, true, CountOverloaded(chain), signal.samples};
+    }
+    return facts;
 }
 
 SourceState StateAt(const Source& source, double timeUs, bool workload) {
@@ -101,6 +135,19 @@ SourceState StateAt(const Source& source, double timeUs, bool workload) {
     if (next != changes.end() && next->ramp)
         state.offsetDb += (next->offsetDb - before.offsetDb) * (timeUs - before.atUs) / (next->atUs - before.atUs);
     return state;
+}
+
+OSAL::Outcome<std::unique_ptr<IAir>> OpenSceneAir(const std::string& name, const AirContext& context) {
+    auto text = ShippedSceneText(name);
+    if (!text) text = FileText(name);
+    if (!text)
+        return OSAL::Refusal{
+            Common::Format("${1}: neither a readable scene file of at most 1 MB nor one of the shipped "
+                           "scenes ${2}") %
+            name % SceneNames()};
+    auto scene = ReadScene(*text);
+    if (scene.IsRefused()) return OSAL::Refusal{Common::Format("${1}: ${2}") % name % scene.Reason()};
+    return std::unique_ptr<IAir>(std::make_unique<SceneAir>(name, std::move(scene.Value()), context.seed));
 }
 
 }  // namespace quayCommand

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "Air/Air.h"
+#include "Air/AirKinds.h"
 #include "Air/Scene/Scene.h"
 
 namespace quayCommand {
@@ -19,10 +19,9 @@ public:
     ~SceneAir() override;
 
     std::string Describe() const override;
-    bool Capture(const CaptureRequest& request) override;
-
-    /// A stress workload runs on the machine, from the next capture on.
-    void SetWorkload(bool running) { m_workload = running; }
+    AirAbilities Abilities() const override;
+    OSAL::Outcome<CaptureFacts> Capture(const CaptureRequest& request) override;
+    void SetWorkload(bool running) override { m_workload = running; }
 
 private:
     std::string m_name;
@@ -32,5 +31,8 @@ private:
     std::uint64_t m_captures = 0;
     bool m_workload = false;
 };
+
+/// The kind's opener: `scene` is the name of a shipped scene or a scene file.
+OSAL::Outcome<std::unique_ptr<IAir>> OpenSceneAir(const std::string& scene, const AirContext& context);
 
 }  // namespace quayCommand
