@@ -1,12 +1,12 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <filesystem>
 #include <regex>
 #include <thread>
 
 #include "Streams/Trace.h"
+#include "Support/TempFolder.h"
 #include "TestStreams.h"
 
 namespace fs = std::filesystem;
@@ -15,28 +15,15 @@ using Streams::AppStreams;
 namespace {
 
 struct LogFile : testing::Test {
-    LogFile() {
-        std::string pattern = fs::temp_directory_path() / "trace-XXXXXX";
-        folder = std::string(mkdtemp(pattern.data())) + "/";
-    }
-    ~LogFile() override {
-        AppStreams::CloseLogFile();
-        fs::remove_all(folder);
-    }
-    static std::string TextOf(const std::string& path) {
-        std::ostringstream text;
-        text << std::ifstream(path, std::ios::binary).rdbuf();
-        return text.str();
-    }
+    ~LogFile() override { AppStreams::CloseLogFile(); }
     /// Opens a log for appending that has `size` bytes already.
     std::string OpenWithSize(const std::string& name, std::uintmax_t size) const {
-        const auto path = folder + name;
-        std::ofstream{path};
+        const auto path = folder.Write(name, "");
         fs::resize_file(path, size);
         AppStreams::OpenLogFile(path, std::ios_base::app);
         return path;
     }
-    std::string folder;
+    Support::TempFolder folder;
 };
 
 void WriteOne(const char* message) {
@@ -66,23 +53,23 @@ TEST(LogLine, HasItsFieldsInTheirColumns) {
 TEST_F(LogFile, GetsTheLinesOfScopesAndMessagesWhileItIsOpen) {
     WriteOne("too early");
     EXPECT_FALSE(Streams::IsTraceOn());
-    AppStreams::OpenLogFile(folder + "a.txt");
+    AppStreams::OpenLogFile(folder / "a.txt");
     EXPECT_TRUE(Streams::IsTraceOn());
-    EXPECT_EQ(AppStreams::GetLogPath(), folder + "a.txt");
+    EXPECT_EQ(AppStreams::GetLogPath(), folder / "a.txt");
     {
         TRACE_SCOPE("Test::Scope");
         TRACE(Streams::TraceDebug, "inside");
     }
-    AppStreams::OpenLogFile(folder + "b.txt");
+    AppStreams::OpenLogFile(folder / "b.txt");
     WriteOne("second");
     AppStreams::CloseLogFile();
     WriteOne("too late");
-    const auto text = TextOf(folder + "a.txt");
+    const auto text = folder.Read("a.txt");
     for (const char* part : {"[OEMINFO]   | Test::Scope", " | --------------------->Enter\n", " | inside\n",
                              " | <---------------------Exit\n"})
         EXPECT_NE(text.find(part), std::string::npos) << part;
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3);
-    const auto second = TextOf(folder + "b.txt");
+    const auto second = folder.Read("b.txt");
     EXPECT_EQ(std::count(second.begin(), second.end(), '\n'), 1);
 }
 
@@ -103,47 +90,47 @@ TEST_F(LogFile, RotatesAtExactly50MiBUnderSuccessiveNumbers) {
     EXPECT_GT(fs::file_size(path), limit);
     WriteOne("in the new file");
     EXPECT_EQ(counter, 1u);
-    EXPECT_GT(fs::file_size(folder + "a0.txt"), limit);
+    EXPECT_GT(fs::file_size(folder / "a0.txt"), limit);
     EXPECT_LT(fs::file_size(path), 200u);
-    EXPECT_NE(TextOf(path).find("in the new file"), std::string::npos);
+    EXPECT_NE(Support::ReadText(path).find("in the new file"), std::string::npos);
 
     path = OpenWithSize("plain", limit);
     WriteOne("x");
-    EXPECT_EQ(fs::file_size(folder + "plain1.txt"), limit) << "a path without .txt gets it";
+    EXPECT_EQ(fs::file_size(folder / "plain1.txt"), limit) << "a path without .txt gets it";
 }
 
 TEST_F(LogFile, LeavesAPathAloneThatIsALink) {
-    AppStreams::OpenLogFile(folder + "first.txt");
-    std::ofstream(folder + "victim") << "keep";
-    fs::create_symlink(folder + "victim", folder + "link.txt");
-    AppStreams::OpenLogFile(folder + "link.txt");
-    EXPECT_EQ(AppStreams::GetLogPath(), folder + "first.txt");
+    AppStreams::OpenLogFile(folder / "first.txt");
+    folder.Write("victim", "keep");
+    fs::create_symlink(folder / "victim", folder / "link.txt");
+    AppStreams::OpenLogFile(folder / "link.txt");
+    EXPECT_EQ(AppStreams::GetLogPath(), folder / "first.txt");
     WriteOne("goes on");
-    EXPECT_NE(TextOf(folder + "first.txt").find("goes on"), std::string::npos);
-    EXPECT_EQ(TextOf(folder + "victim"), "keep");
+    EXPECT_NE(folder.Read("first.txt").find("goes on"), std::string::npos);
+    EXPECT_EQ(folder.Read("victim"), "keep");
 
     const auto path = OpenWithSize("big.txt", 52428800);
-    fs::create_hard_link(path, folder + "second-name");
-    const auto before = std::distance(fs::directory_iterator(folder), {});
+    fs::create_hard_link(path, folder / "second-name");
+    const auto before = std::distance(fs::directory_iterator(folder.Path()), {});
     for (int i = 0; i < 3; ++i)
         WriteOne("dropped");
     EXPECT_EQ(fs::file_size(path), 52428800u);
-    EXPECT_LE(std::distance(fs::directory_iterator(folder), {}), before + 1) << "not one copy a line";
+    EXPECT_LE(std::distance(fs::directory_iterator(folder.Path()), {}), before + 1) << "not one copy a line";
 }
 
 TEST_F(LogFile, ThatCannotBeOpenedDropsLinesUntilAnotherOneCan) {
-    AppStreams::OpenLogFile(folder + "missing/a.txt");
+    AppStreams::OpenLogFile(folder / "missing/a.txt");
     WriteOne("lost");
     EXPECT_TRUE(AppStreams::GetLog().fail());
-    AppStreams::OpenLogFile(folder + "a.txt");
+    AppStreams::OpenLogFile(folder / "a.txt");
     WriteOne("kept");
-    const auto text = TextOf(folder + "a.txt");
+    const auto text = folder.Read("a.txt");
     EXPECT_EQ(text.find("lost"), std::string::npos);
     EXPECT_NE(text.find("kept"), std::string::npos);
 }
 
 TEST_F(LogFile, KeepsTheLinesOfSeveralThreadsWhole) {
-    AppStreams::OpenLogFile(folder + "a.txt");
+    AppStreams::OpenLogFile(folder / "a.txt");
     const auto write = [] {
         for (int i = 0; i < 200; ++i)
             WriteOne("0123456789");
@@ -151,7 +138,7 @@ TEST_F(LogFile, KeepsTheLinesOfSeveralThreadsWhole) {
     std::thread other(write);
     write();
     other.join();
-    std::istringstream lines(TextOf(folder + "a.txt"));
+    std::istringstream lines(folder.Read("a.txt"));
     int whole = 0;
     const std::regex pattern(timePattern + "\\[OEMWARNING\\]\\| Test::WriteOne {26} \\| 0123456789$");
     for (std::string line; std::getline(lines, line);)
@@ -160,10 +147,10 @@ TEST_F(LogFile, KeepsTheLinesOfSeveralThreadsWhole) {
 }
 
 TEST_F(LogFile, HearsOfFailingLocksAndOfTheDebugOutput) {
-    AppStreams::OpenLogFile(folder + "a.txt");
+    AppStreams::OpenLogFile(folder / "a.txt");
     SyncObjectsOSAL::SemaphoreOSAL(2, 1);
     OSAL::OutputDebugString("to the debugger");
-    const auto text = TextOf(folder + "a.txt");
+    const auto text = folder.Read("a.txt");
     EXPECT_NE(text.find("Failed to create semaphore with maximum count!"), std::string::npos);
     EXPECT_NE(text.find("to the debugger"), std::string::npos);
 }
@@ -172,9 +159,9 @@ TEST_F(LogFile, IsSharedWithAPluginWhoseObjectsGoWithItsCode) {
     using Wrapper = SingletonWrapper<AppStreams>;
     void* plugin = dlopen(TEST_PLUGIN, RTLD_NOW);
     ASSERT_NE(plugin, nullptr) << dlerror();
-    AppStreams::OpenLogFile(folder + "a.txt");
+    AppStreams::OpenLogFile(folder / "a.txt");
     reinterpret_cast<void (*)()>(dlsym(plugin, "WriteTraceOfPlugin"))();
-    EXPECT_NE(TextOf(folder + "a.txt").find("from the plug-in"), std::string::npos);
+    EXPECT_NE(folder.Read("a.txt").find("from the plug-in"), std::string::npos);
     const auto touch = reinterpret_cast<void* (*)()>(dlsym(plugin, "TouchStreams"));
 
     // As if the plug-in had asked first: the instance is its own, and goes with it.

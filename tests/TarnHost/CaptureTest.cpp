@@ -11,7 +11,7 @@
 #include "Captures/SampleFile.h"
 #include "Console/Progress.h"
 #include "Console/ResultTable.h"
-#include "TempFolder.h"
+#include "Support/TempFolder.h"
 
 using namespace TarnHost;
 
@@ -87,7 +87,7 @@ TEST(SampleFiles, HoldOneSampleALineInTheFormThatAnalysisReads) {
 }
 
 TEST(Folders, ListWhatAnalysisTakesAndWhyItSkips) {
-    const TempFolder folder;
+    const Support::TempFolder folder;
     const std::string good = "BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_";
     std::ofstream(folder.Path() / (good + "1.txt"));
     std::ofstream(folder.Path() / "result.csv");
@@ -111,7 +111,7 @@ TEST(Folders, ListWhatAnalysisTakesAndWhyItSkips) {
 }
 
 TEST(ResultCounter, CountsOnlyWhatIsWrittenAfterItBegan) {
-    const TempFolder folder;
+    const Support::TempFolder folder;
     const auto path = folder.Path() / "result.csv";
     std::ofstream(path) << "header\nold\nold\n";
     ResultCounter counter(path);

@@ -47,7 +47,7 @@ TEST(Measure, ReadsTheChannelPowersThatTheShippedScenesPromise) {
 }
 
 TEST(Measure, AClippedConverterIsReportedUntilTheGainIsLower) {
-    const TempFolder folder;
+    const Support::TempFolder folder;
     const std::string scene = (folder.Path() / "loud.json").string();
     std::ofstream(scene) << R"({"accessPoints":[{"band":"2.4","channel":6,"width_mhz":20,"level_dbm":-35}]})";
     const std::vector<std::string> command = {"measure", "--air", "sim:" + scene, "--channel", "6", "--chain", "AB"};
@@ -87,7 +87,7 @@ TEST(Measure, WrongOptionsAreRefusedWithTheirValues) {
 }
 
 TEST(Measure, FilesThatCanNotBeWrittenAreRefusedBeforeTheSweeps) {
-    const TempFolder folder;
+    const Support::TempFolder folder;
     const std::string inside = (folder.Path() / "a.png").string();
     const std::string missing = (folder.Path() / "none" / "a.png").string();
     struct Case {

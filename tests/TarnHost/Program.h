@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "Console/ResultTable.h"
-#include "TempFolder.h"
+#include "Support/TempFolder.h"
 
 extern char** environ;
 
@@ -104,7 +104,7 @@ private:
         return pointers;
     }
 
-    TempFolder m_folder;
+    Support::TempFolder m_folder;
     std::vector<std::string> m_arguments;
     std::vector<std::string> m_environment;
     int m_output = -1;

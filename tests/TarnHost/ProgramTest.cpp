@@ -200,7 +200,7 @@ TEST(Run, AnswersALineBeforeTheNextIsWritten) {
 }
 
 TEST(Analyse, PrintsResultsAndSaysWhatItSkips) {
-    const TempFolder temp;
+    const Support::TempFolder temp;
     const fs::path folder = temp.Path() / "my 'captures' #1";
     fs::create_directory(folder);
     WriteCapture(folder / (goodName + "one.txt"));
@@ -220,7 +220,7 @@ TEST(Analyse, PrintsResultsAndSaysWhatItSkips) {
 }
 
 TEST(Analyse, AFolderNamedLikeAKeyIsAFolder) {
-    const TempFolder temp;
+    const Support::TempFolder temp;
     fs::create_directory(temp.Path() / "-band");
     WriteCapture(temp.Path() / "-band" / (goodName + "1.txt"));
     const auto before = fs::current_path();
@@ -232,7 +232,7 @@ TEST(Analyse, AFolderNamedLikeAKeyIsAFolder) {
 }
 
 TEST(Analyse, ABadFileEndsItWithItsNameAndKeepsTheRowsBefore) {
-    const TempFolder folder;
+    const Support::TempFolder folder;
     for (const char* run : {"1.txt", "2.txt", "3.txt"})
         WriteCapture(folder.Path() / (goodName + run));
     const std::string middle = OSAL::ListDirectory(folder.Path().string())[1];
@@ -244,7 +244,7 @@ TEST(Analyse, ABadFileEndsItWithItsNameAndKeepsTheRowsBefore) {
 }
 
 TEST(Analyse, ResultsThatCanNotBeWrittenAreAFailure) {
-    const TempFolder folder;
+    const Support::TempFolder folder;
     WriteCapture(folder.Path() / (goodName + "1.txt"));
     fs::create_directory(folder.Path() / "result.csv");
     const auto asFolder = Tarn({"analyse", folder.Path().string()});
@@ -260,7 +260,7 @@ TEST(Analyse, ResultsThatCanNotBeWrittenAreAFailure) {
 }
 
 TEST(Analyse, AFolderWithoutWritePermissionIsRefusedBeforeTheWork) {
-    const TempFolder folder;
+    const Support::TempFolder folder;
     WriteCapture(folder.Path() / (goodName + "1.txt"));
     fs::permissions(folder.Path(), fs::perms::owner_read | fs::perms::owner_exec);
     const bool isPrivileged = ::access(folder.Path().c_str(), W_OK) == 0;
@@ -272,7 +272,7 @@ TEST(Analyse, AFolderWithoutWritePermissionIsRefusedBeforeTheWork) {
 }
 
 TEST(Analyse, CtrlCKeepsTheResultsSoFar) {
-    const TempFolder folder;
+    const Support::TempFolder folder;
     const fs::path first = folder.Path() / (goodName + "0.txt");
     WriteCapture(first, 98304);
     for (int k = 1; k < 400; ++k)
@@ -292,7 +292,7 @@ TEST(Analyse, CtrlCKeepsTheResultsSoFar) {
 TEST(Run, CtrlCEndsTheWaitForTheNextLine) {
     int silent[2];
     ASSERT_EQ(::pipe2(silent, 0), 0);  // both ends inherited: never at its end
-    const TempFolder folder;
+    const Support::TempFolder folder;
     const fs::path journal = folder.Path() / "journal";
     const auto run = Program({"run", "--script", "/dev/fd/" + std::to_string(silent[0]), "--journal", journal.string()})
                          .Signal(SIGTERM,
@@ -308,7 +308,7 @@ TEST(Run, CtrlCEndsTheWaitForTheNextLine) {
 }
 
 TEST(Simulate, WritesCapturesThatAnalysisReads) {
-    const TempFolder temp;
+    const Support::TempFolder temp;
     const fs::path folder = temp.Path() / "new" / "folder";
     const std::vector<std::string> command = {"simulate", folder.string(), "--adapter", "bands=0+1,samples=4096"};
     const auto first = Tarn(command);
@@ -333,7 +333,7 @@ TEST(Simulate, WritesCapturesThatAnalysisReads) {
 }
 
 TEST(Simulate, AFailingRadioLeavesTheWholeFilesBefore) {
-    const TempFolder folder;
+    const Support::TempFolder folder;
     const auto run =
         Tarn({"simulate", folder.Path().string(), "--adapter", "samples=4096", "--fault", "ReadCaptureEx:3"});
     EXPECT_EQ(run.status, 1);
