@@ -3,6 +3,7 @@
 
 #include <concepts>
 #include <cstdint>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -86,6 +87,7 @@ public:
 
     operator std::string() const { return m_text; }
     const std::string& Text() const { return m_text; }
+    friend std::ostream& operator<<(std::ostream& stream, const Format& format) { return stream << format.m_text; }
 
 private:
     Format& Apply(std::string_view argument);

@@ -22,8 +22,11 @@ TEST(Format, FillsPlaceholdersInTheOrderOfTheArguments) {
         {Format("none") % 1 % 2, "none"},
         {Format("${${1}}") % "1", "1"},  // the filled text forms the token anew
     };
-    for (const auto& [format, expected] : cases)
-        EXPECT_EQ(format.Text(), expected);
+    for (const auto& [format, expected] : cases) {
+        std::ostringstream stream;
+        stream << format;
+        EXPECT_EQ(stream.str(), expected);
+    }
 }
 
 TEST(Format, EndsWhenAnArgumentHoldsItsOwnPlaceholder) {
