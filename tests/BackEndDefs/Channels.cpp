@@ -1,11 +1,12 @@
 #include <gtest/gtest.h>
 
-#include "FailureOf.h"
+#include "Support/Thrown.h"
 #include "WifiDefs.h"
 
 namespace {
 
 using namespace BackEnd::Wifi;
+using Support::LocatedText;
 using enum EBand;
 using enum EBandWidth;
 
@@ -136,17 +137,17 @@ TEST(Modulations, ArePossibleWhereTheirStandardAllowsThem) {
 }
 
 TEST(Failures, NameTheFunctionAndReachNoTable) {
-    EXPECT_EQ(FailureOf([] { GetChannelSet(Band5GHz, badWidth); }),
+    EXPECT_EQ(LocatedText([] { GetChannelSet(Band5GHz, badWidth); }),
               "Unknown Bandwidth in BackEnd::Wifi::GetChannelSet");
-    EXPECT_EQ(FailureOf([] { GetChannelTitle(36, Band5GHz, badWidth); }),
+    EXPECT_EQ(LocatedText([] { GetChannelTitle(36, Band5GHz, badWidth); }),
               "Unknown Bandwidth in BackEnd::Wifi::GetChannelTitle");
-    EXPECT_EQ(FailureOf([] { GetNdpToneSet(badWidth); }), "Unknown Bandwidth in BackEnd::Wifi::GetNdpToneSet");
-    EXPECT_EQ(FailureOf([] { GetSubChannels(badWidth); }), "Unknown Bandwidth in BackEnd::Wifi::GetSubChannels");
-    EXPECT_EQ(FailureOf([] { IsModulationPossible(EModulation{6}, Band5GHz, Width20); }),
+    EXPECT_EQ(LocatedText([] { GetNdpToneSet(badWidth); }), "Unknown Bandwidth in BackEnd::Wifi::GetNdpToneSet");
+    EXPECT_EQ(LocatedText([] { GetSubChannels(badWidth); }), "Unknown Bandwidth in BackEnd::Wifi::GetSubChannels");
+    EXPECT_EQ(LocatedText([] { IsModulationPossible(EModulation{6}, Band5GHz, Width20); }),
               "Unknown modulation - 6 in BackEnd::Wifi::IsModulationPossible");
     for (const EBand band : {noBand, EBand{-1}}) {
-        EXPECT_NE(FailureOf([=] { GetChannelSet(band, Width20); }), "nothing thrown");
-        EXPECT_NE(FailureOf([=] { GetChannelFrequency(36, band); }), "nothing thrown");
+        EXPECT_NE(LocatedText([=] { GetChannelSet(band, Width20); }), "nothing thrown");
+        EXPECT_NE(LocatedText([=] { GetChannelFrequency(36, band); }), "nothing thrown");
     }
 }
 

@@ -1,13 +1,13 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <functional>
 #include <stdexcept>
 #include <thread>
 #include <vector>
 
 #include "Frame/Application.h"
-#include "OSAL/OSAL.h"
+#include "Support/TempFolder.h"
+#include "Support/Thrown.h"
 #include "TestStreams.h"
 
 namespace {
@@ -104,24 +104,19 @@ TEST(Handlers, LeaveNothingOutEvenWhenTheyThrowThemselves) {
     EXPECT_EQ(tool.RunGuarded([] { throw new Common::Exception("x"); }), 259);
 }
 
-TEST(Handlers, ReadTheTextInFlightWithoutEndingIt) {
-    const auto textOf = [](const std::function<void()>& thrown) -> std::string {
+TEST(Caught, TellsTheTextInBothFormsBeforeTheHandlerRuns) {
+    for (const auto& thrown : {std::function<void()>(ByValue(Utilities::Exception("engine"))),
+                               std::function<void()>(AsPointer(Utilities::Exception("engine")))}) {
         std::string text = "-";
-        Tool tool;
-        tool.RunGuarded([&] {
-            try {
-                thrown();
-            } catch (...) {
-                text = Common::CurrentExceptionText().value_or("none");
-                throw;
-            }
-        });
-        return text;
-    };
-    EXPECT_EQ(textOf(AsPointer(CSvMsgException("located", "", 0, ""))), "located");
-    EXPECT_EQ(textOf(AsPointer(Utilities::Exception("engine"))), "engine");
-    EXPECT_EQ(textOf(ByValue(std::out_of_range("range"))), "range");
-    EXPECT_EQ(textOf([] { throw 1; }), "none");
+        const auto observe = [&](const Common::Caught& caught) {
+            text = caught.TextOr("none");
+            EXPECT_TRUE(caught.As<Utilities::Exception>() && !caught.As<Common::Exception>());
+            throw 5;
+        };
+        EXPECT_EQ(Tool().RunGuarded(thrown, observe), 258) << "an observer that fails changes nothing";
+        EXPECT_EQ(text, "engine");
+    }
+    EXPECT_EQ(Support::ThrownText([] { throw 1; }), "no std::exception");
 }
 
 TEST(Run, SetsTheVariablesAndPrintsTheBanner) {
@@ -171,21 +166,18 @@ TEST(Run, ShowsTheHelpItemOfACommandAndEndsOnlyWithTheDash) {
 
 TEST(Run, FillsATemplateInPlace) {
     CapturedStreams captured;
-    const auto path = std::filesystem::temp_directory_path() / ("frame-" + std::to_string(OSAL::GetTickCount()));
-    std::ofstream(path) << "$(Application.Name) $(unknown)$(Application.Year)";
+    const Support::TempFolder folder;
+    const auto path = folder.Write("frame", "$(Application.Name) $(unknown)$(Application.Year)");
     EXPECT_EQ(Tool().RunWith({"/format", path}), 0);
-    std::string text;
-    std::getline(std::ifstream(path), text);
-    EXPECT_EQ(text, "Tool 2023");
-    const auto name = path.filename().string();
-    EXPECT_EQ(captured.error.str(), "\nFile " + name + " created using template " + name + "\n");
-    std::filesystem::remove(path);
-    EXPECT_EQ(Tool().RunWith({"/format", path}), 258) << "there is no template now";
+    EXPECT_EQ(folder.Read("frame"), "Tool 2023\n");
+    EXPECT_EQ(captured.error.str(), "\nFile frame created using template frame\n");
+    EXPECT_EQ(Tool().RunWith({"/format", folder / "missing"}), 258);
 }
 
 TEST(Run, OpensATraceFileAndSetsTheLevels) {
     CapturedStreams captured;
-    const auto path = (std::filesystem::temp_directory_path() / "frame-trace.log").string();
+    const Support::TempFolder folder;
+    const auto path = folder / "trace.log";
     {
         Tool tool;
         EXPECT_EQ(tool.RunWith({"-trace=" + path + ",5", "-log=3", "-log=6"}), 0);
@@ -194,10 +186,7 @@ TEST(Run, OpensATraceFileAndSetsTheLevels) {
     EXPECT_EQ(GetDebugPrint().GetLevel(1), 5);
     EXPECT_EQ(captured.streams.debugMask, 6u);
     EXPECT_EQ(captured.streams.traceStream, nullptr) << "the stream went with the tool";
-    std::string first;
-    std::getline(std::ifstream(path), first);
-    EXPECT_EQ(first, "Tool, version 1.2");
-    std::filesystem::remove(path);
+    EXPECT_TRUE(folder.Read("trace.log").starts_with("Tool, version 1.2\n"));
 }
 
 TEST(Run, MapsFailuresOfCommandsToExitCodes) {

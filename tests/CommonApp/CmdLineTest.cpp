@@ -3,8 +3,10 @@
 #include <limits>
 
 #include "CmdLine/CmdLine.h"
+#include "Support/Thrown.h"
 
 using namespace CmdLine;
+using Support::ThrownText;
 
 namespace {
 
@@ -32,25 +34,12 @@ struct WebFlows : Flows {
     void SetNumber(int value) override { Add("web int " + std::to_string(value)); }
 };
 
-/// Text of what `parse` throws as a pointer, which is deleted.
-template <typename Parse>
-std::string Failure(Parse parse) {
-    try {
-        parse();
-    } catch (const Exceptions::ParsingException* e) {
-        const std::string text = e->what();
-        delete e;
-        return text;
-    }
-    return "";
-}
-
 struct Keys : testing::Test {
     std::string Line(const std::string& line) {
         left = Tokenize(line);
         flows.calls.clear();
-        const auto failure = Failure([&] { parser.Parse(left); });
-        return failure.empty() ? flows.calls : failure;
+        const auto failure = ThrownText([&] { parser.Parse(left); });
+        return failure == "nothing thrown" ? flows.calls : failure;
     }
     Flows flows;
     Parser parser;
@@ -202,12 +191,12 @@ TEST_F(Keys, WithDataFillStringsOfTheCaller) {
 TEST_F(Keys, LeaveStrictParsersWithAnError) {
     Parser strict(Parser::Leftovers::Refused);
     strict.AddKey(MakeKey<Flows>("-go", &flows, &Flows::Update));
-    EXPECT_EQ(Failure([&] { strict.Parse("-go x \"y z\""); }), "unrecognized arguments found: x \"y z\"");
+    EXPECT_EQ(ThrownText([&] { strict.Parse("-go x \"y z\""); }), "unrecognized arguments found: x \"y z\"");
     std::string texts[] = {"a b", "-go"};
     char* argv[] = {texts[0].data(), texts[1].data()};
-    EXPECT_EQ(Failure([&] { strict.Parse(2, argv); }), "unrecognized arguments found: \"a b\"");
+    EXPECT_EQ(ThrownText([&] { strict.Parse(2, argv); }), "unrecognized arguments found: \"a b\"");
     EXPECT_EQ(flows.calls, "update;update;");
-    EXPECT_EQ(Failure([&] { strict.Parse("-go"); }), "");
+    EXPECT_EQ(ThrownText([&] { strict.Parse("-go"); }), "nothing thrown");
 }
 
 TEST(Numbers, ConvertAsAStreamExtractsThem) {
@@ -219,9 +208,9 @@ TEST(Numbers, ConvertAsAStreamExtractsThem) {
     EXPECT_EQ(ConvertToken<double>("1e-3"), 0.001);
     EXPECT_EQ(ConvertToken<double>(".5"), 0.5);
     for (const std::string bad : {"abc", "0x10", "12abc", "1.5", "1 ", "--1", "-", "+"})
-        EXPECT_EQ(Failure([&] { ConvertToken<int>(bad); }), "unrecognized expression <" + bad + ">");
+        EXPECT_EQ(ThrownText([&] { ConvertToken<int>(bad); }), "unrecognized expression <" + bad + ">");
     for (const std::string bad : {"1,5", "0x10", "nan", "inf", "1.2.3"})
-        EXPECT_EQ(Failure([&] { ConvertToken<double>(bad); }), "unrecognized expression <" + bad + ">");
+        EXPECT_EQ(ThrownText([&] { ConvertToken<double>(bad); }), "unrecognized expression <" + bad + ">");
 }
 
 TEST(CountedPointers, DestroyTheObjectWithTheLastHolder) {

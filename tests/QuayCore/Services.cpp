@@ -3,14 +3,15 @@
 #include <functional>
 
 #include "CoreStart.h"
-#include "FailureOf.h"
 #include "OSAL/OSAL.h"
 #include "ServiceDomain.h"
 #include "Streams/LogPrinter.h"
+#include "Support/Thrown.h"
 
 namespace {
 
 using namespace Core;
+using Support::LocatedText;
 
 std::string events;  // "+a" when a service is made, "-a" when it goes
 
@@ -107,10 +108,10 @@ TEST_F(Services, ThatComeBackToTheirOwnNameAreRefused) {
     Offer(domain, "x", Asking({"y"}));
     Offer(domain, "y", Asking({"x"}));
     const std::string where = " in Core::ServiceDomain::CreateHolder";
-    EXPECT_EQ(FailureOf([&] { domain.Query("self"); }), "Circular dependance detected! Please check self" + where);
+    EXPECT_EQ(LocatedText([&] { domain.Query("self"); }), "Circular dependance detected! Please check self" + where);
     EXPECT_EQ(events, "+self +helper -helper -self ") << "nothing is left behind";
-    EXPECT_EQ(FailureOf([&] { domain.Query("y"); }), "Circular dependance detected! Please check y" + where);
-    EXPECT_EQ(FailureOf([&] { domain.Query("y"); }), "Circular dependance detected! Please check y" + where);
+    EXPECT_EQ(LocatedText([&] { domain.Query("y"); }), "Circular dependance detected! Please check y" + where);
+    EXPECT_EQ(LocatedText([&] { domain.Query("y"); }), "Circular dependance detected! Please check y" + where);
     EXPECT_EQ(domain.GetServices()->Next(), nullptr);
     Offer(domain, "y");
     EXPECT_NE(domain.Query("x"), nullptr) << "mended by the later registration";
@@ -121,13 +122,13 @@ TEST_F(Services, ThatCannotBeMadeOrAreAloneFailWithALocation) {
     domain.Register("none", std::make_shared<Maker<IService>>([] { return nullptr; }));
     domain.Register("value", std::make_shared<Maker<INamespace>>([] { return new Namespace; }));
     for (const char* name : {"none", "value"})
-        EXPECT_EQ(FailureOf([&] { domain.Query(name); }),
-                  "Assertion (m_service) failed at Core::ServiceDomain::ServiceHolder::ServiceHolder in "
+        EXPECT_EQ(LocatedText([&] { domain.Query(name); }),
+                  "Assertion (m_pService) failed at Core::ServiceDomain::ServiceHolder::ServiceHolder in "
                   "Core::ServiceDomain::ServiceHolder::ServiceHolder");
     Service alone;
-    EXPECT_EQ(FailureOf([&] { alone.Query("a"); }),
+    EXPECT_EQ(LocatedText([&] { alone.Query("a"); }),
               "A service is not attached to any domain in Core::Service::GetDomain");
-    EXPECT_EQ(FailureOf([&] { alone.Detach(); }),
+    EXPECT_EQ(LocatedText([&] { alone.Detach(); }),
               "Assertion (IsAttached()) failed at Core::Service::OnDetach in Core::Service::OnDetach");
     alone.Attach(domain);
     alone.Attach(domain);
@@ -135,6 +136,22 @@ TEST_F(Services, ThatCannotBeMadeOrAreAloneFailWithALocation) {
     EXPECT_TRUE(alone.IsAttached());
     alone.Detach();
     EXPECT_FALSE(alone.IsAttached());
+}
+
+TEST_F(Services, ReleaseThroughTheirOwnOperationWhenTheyGo) {
+    struct Noting : Service {
+        void ReleaseAll() override {
+            events += "all ";
+            Service::ReleaseAll();
+            throw new Common::Exception("too late to be heard");
+        }
+    };
+    ServiceDomain domain;
+    Offer(domain, "b");
+    domain.Register("a", std::make_shared<Maker<IService>>([] { return new Noting; }));
+    dynamic_cast<Service*>(domain.Query("a"))->Query("b");
+    domain.Release("a");
+    EXPECT_EQ(events, "+b all -b ");
 }
 
 TEST_F(Services, OfOuterAndInnerDomainsAreReachedThroughEachOther) {
@@ -168,7 +185,7 @@ TEST_F(Services, OfOuterAndInnerDomainsAreReachedThroughEachOther) {
 
     ServiceDomain low, high;
     low.Attach(high);
-    EXPECT_NE(FailureOf([&] { high.Attach(low); }), "nothing thrown") << "a ring of domains would ask for ever";
+    EXPECT_NE(LocatedText([&] { high.Attach(low); }), "nothing thrown") << "a ring of domains would ask for ever";
     low.Detach();
 }
 

@@ -4,8 +4,8 @@
 #include <tuple>
 
 #include "CoreStart.h"
-#include "FailureOf.h"
 #include "Streams/LogPrinter.h"
+#include "Support/Thrown.h"
 #include "ValueFactory.h"
 
 namespace TestTypes {
@@ -23,6 +23,7 @@ constexpr EColour red{-3}, amber{9}, noColour{7};
 namespace {
 
 using namespace Core;
+using Support::LocatedText;
 using namespace TestTypes;
 
 template <ValueType T>
@@ -156,9 +157,10 @@ TEST(Values, OfAnotherTypeAreRefusedWithALoggedException) {
     printer->AddDevice("test", &log);
     Value text("5");
     const Value other = text;
-    EXPECT_EQ(FailureOf([&] { text.GetRef<int>(); }), "Incompatible value type in Core::Value::GetRef");
-    EXPECT_EQ(FailureOf([&] { Value().GetRef<int>(); }), "Incompatible value type in Core::Value::GetRef");
-    EXPECT_EQ(FailureOf([&] { text.GetMutableRef<long>(); }), "Incompatible value type in Core::Value::GetMutableRef");
+    EXPECT_EQ(LocatedText([&] { text.GetRef<int>(); }), "Incompatible value type in Core::Value::GetRef");
+    EXPECT_EQ(LocatedText([&] { Value().GetRef<int>(); }), "Incompatible value type in Core::Value::GetRef");
+    EXPECT_EQ(LocatedText([&] { text.GetMutableRef<long>(); }),
+              "Incompatible value type in Core::Value::GetMutableRef");
     EXPECT_EQ(text.ToString(), "5");
     printer->RemoveDevice("test");
     EXPECT_EQ(log.lines, std::vector<std::string>(3, "Incompatible value type"));

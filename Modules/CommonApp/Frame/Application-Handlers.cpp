@@ -1,6 +1,4 @@
 // What each kind of failure prints, and the ladder that finds the handler of an exception.
-#include <memory>
-
 #include "Format.h"
 #include "Frame/Application.h"
 #include "Streams/AppStreams.h"
@@ -22,13 +20,6 @@ void PrintError(const std::string& message) {
 void PrintLocation(const SvErrorLocation& location) {
     Streams::AppStreams::GetDebug(locationLevel)
         << OrEmpty(location.GetFile()) << "(" << location.GetLine() << ")" << std::endl;
-}
-
-/// Handles what was thrown as a pointer, then deletes it.
-template <typename Failure, typename Handler>
-std::int32_t HandleAndDelete(const Failure* failure, Handler handler) {
-    const std::unique_ptr<const Failure> owned(failure);
-    return owned ? handler(*owned) : ExitUnknownException;
 }
 
 }  // namespace
@@ -72,57 +63,20 @@ std::int32_t Application::HandleParsingException(const CmdLine::Exceptions::Pars
     return ExitCommandLine;
 }
 
-std::int32_t Application::HandleCurrentException() noexcept {
+std::int32_t Application::HandleCaught(const Caught& caught) noexcept {
     using CmdLine::Exceptions::ParsingException;
-    const auto parsing = [this](const ParsingException& e) { return HandleParsingException(e); };
-    const auto errorLevel = [this](const ErrorLevelException& e) { return HandleErrorLevelException(e); };
-    const auto errorCode = [this](const CSvErrorCodeException& e) { return HandleErrorCodeException(e); };
-    const auto message = [this](const CSvMsgException& e) { return HandleMsgException(e); };
-    const auto driver = [this](const CSvDriverMsgException& e) { return HandleDriverException(e); };
-    const auto any = [this](const std::exception& e) { return HandleException(e); };
     try {
-        try {
-            throw;
-        } catch (const ParsingException* e) {
-            return HandleAndDelete(e, parsing);
-        } catch (const ParsingException& e) {
-            return parsing(e);
-        } catch (const ErrorLevelException* e) {
-            return HandleAndDelete(e, errorLevel);
-        } catch (const ErrorLevelException& e) {
-            return errorLevel(e);
-        } catch (const CSvErrorCodeException* e) {
-            return HandleAndDelete(e, errorCode);
-        } catch (const CSvErrorCodeException& e) {
-            return errorCode(e);
-        } catch (const CSvMsgException* e) {
-            return HandleAndDelete(e, message);
-        } catch (const CSvMsgException& e) {
-            return message(e);
-        } catch (const CSvDriverMsgException* e) {
-            return HandleAndDelete(e, driver);
-        } catch (const CSvDriverMsgException& e) {
-            return driver(e);
-        } catch (const std::exception* e) {  // CSvLegacyMsgException among them
-            return HandleAndDelete(e, any);
-        } catch (const std::exception& e) {
-            return any(e);
-        }
+        if (const auto* parsing = caught.As<ParsingException>()) return HandleParsingException(*parsing);
+        if (const auto* level = caught.As<ErrorLevelException>()) return HandleErrorLevelException(*level);
+        if (const auto* code = caught.As<CSvErrorCodeException>()) return HandleErrorCodeException(*code);
+        if (const auto* message = caught.As<CSvMsgException>()) return HandleMsgException(*message);
+        if (const auto* driver = caught.As<CSvDriverMsgException>()) return HandleDriverException(*driver);
+        // CSvLegacyMsgException among them
+        if (const auto* failure = caught.As<std::exception>()) return HandleException(*failure);
     } catch (...) {
-        return ExitUnknownException;  // no exception of ours, or one out of a handler
+        const Caught fromHandler;  // it has no handler of its own
     }
-}
-
-std::optional<std::string> CurrentExceptionText() {
-    try {
-        throw;
-    } catch (const std::exception* e) {
-        return e ? std::optional<std::string>(e->what()) : std::nullopt;
-    } catch (const std::exception& e) {
-        return e.what();
-    } catch (...) {
-        return std::nullopt;
-    }
+    return ExitUnknownException;
 }
 
 }  // namespace Common

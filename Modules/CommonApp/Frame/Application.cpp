@@ -88,11 +88,7 @@ std::int32_t Application::Run(int argc, char** argv) {
         exitCode = Execute();
     });
     if (failure != 0) exitCode = failure;
-    try {
-        OnTerminate(exitCode);
-    } catch (...) {
-        // The run's own result stands.
-    }
+    RunCaught([&] { OnTerminate(exitCode); }, [](const Caught&) {});  // the run's own result stands
     return exitCode;
 }
 

@@ -8,12 +8,12 @@
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
-#include <exception>
 #include <fstream>
 #include <mutex>
 #include <optional>
 #include <string>
 
+#include "Caught.h"
 #include "CmdProcessor/CmdProcessor.h"
 #include "Exceptions.h"
 
@@ -58,10 +58,6 @@ enum ExitCode : std::int32_t {
     ExitException = 258,
     ExitUnknownException = 259,
 };
-
-/// `what()` of the exception being handled, thrown by value or as a pointer; none when it is no std::exception. Call it
-/// within a catch block: the exception stays in flight, and a pointer stays undeleted.
-std::optional<std::string> CurrentExceptionText();
 
 class Application : public AnvilTool::IAnvilTool {
 public:
@@ -111,21 +107,22 @@ public:
         Application* m_application;
     };
 
-    /// Runs `body` and answers 0, or the exit code of what it threw. Nothing leaves it, and thrown pointers are
-    /// deleted.
+    /// Runs `body` and answers 0, or the exit code of what it threw, by the handlers above. Nothing leaves it.
+    /// @param observe  takes the `const Caught&` before the handler prints it
+    template <typename Body, typename Observer>
+    std::int32_t RunGuarded(Body&& body, Observer&& observe) {
+        std::int32_t code = 0;
+        const auto end = [&](const Caught& caught) {
+            RunCaught([&] { observe(caught); }, [](const Caught&) {});
+            code = HandleCaught(caught);
+        };
+        RunCaught(std::forward<Body>(body), end);
+        return code;
+    }
     template <typename Body>
     std::int32_t RunGuarded(Body&& body) {
-        try {
-            body();
-            return 0;
-        } catch (...) {
-            return HandleCurrentException();
-        }
+        return RunGuarded(std::forward<Body>(body), [](const Caught&) {});
     }
-
-    /// The exit code of the exception being handled, by the handlers above; deletes it when it is a pointer. Call it
-    /// within a catch block that ends then.
-    std::int32_t HandleCurrentException() noexcept;
 
     /// Folder of the program, with its closing separator, once `Run` has begun.
     static const std::string& GetDirectory();
@@ -145,6 +142,7 @@ protected:
     AnvilTool::Queues m_queues;
 
 private:
+    std::int32_t HandleCaught(const Caught& caught) noexcept;
     void SetVariables();
     void AddBuiltInKeys();
     void FormatFile();

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "Exceptions.h"
 #include "Streams/AppStreams.h"
 
 namespace Streams {
@@ -116,6 +117,11 @@ void ReportFailure(const char* file, const char* function, const std::string& me
     } catch (...) {
         // Nobody is left to tell.
     }
+}
+
+void ThrowLogged(const char* function, const std::string& text, unsigned level) {
+    if (IsTraceOn()) WriteTrace(level, "", function, text);
+    throw Common::Exception(text);
 }
 
 TraceScope::TraceScope(const char* file, const char* function) noexcept : m_file(file), m_function(function) {

@@ -19,6 +19,9 @@ void WriteTrace(unsigned level, const char* file, const char* function, const st
 /// of the process, where the host finds it. Never throws.
 void ReportFailure(const char* file, const char* function, const std::string& message) noexcept;
 
+/// Logs `text` under the operation's name and throws it as a Common::Exception.
+[[noreturn]] void ThrowLogged(const char* function, const std::string& text, unsigned level = TraceError);
+
 /// The Enter and Exit lines of an operation. `function` must outlive the scope: pass a literal.
 class TraceScope {
 public:

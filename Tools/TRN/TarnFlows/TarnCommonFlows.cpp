@@ -1,13 +1,15 @@
 #include "TarnCommonFlows.h"
 
+#include "Caught.h"
 #include "OSAL/OSAL.h"
+#include "Streams/Trace.h"
 #include "Support/ChainBuffers.h"
-#include "Support/FlowFailure.h"
 #include "Support/FlowText.h"
 #include "Support/NumberText.h"
 
 using LumenSpectrumAnalyzer::CLmnSA;
 using LumenSpectrumAnalyzer::LmnSAProperty;
+using Streams::ThrowLogged;
 using Streams::TraceInfo;
 
 TarnCommonFlows::TarnCommonFlows()
@@ -91,7 +93,7 @@ void TarnCommonFlows::SetChannelAverageCounter(std::string text) {
     try {
         values = FlowText::SplitStringToInts(text, ",");
     } catch (...) {
-        DropException();
+        const Common::Caught dropped;
         ThrowLogged(traceFunctionName, "incorrect channel average counter value", TraceInfo);
     }
     if (values.size() != static_cast<std::size_t>(engine.NumOfRxChains()))
@@ -122,9 +124,9 @@ void TarnCommonFlows::AnswerLines(const char* traceFunctionName, const char* fai
     try {
         m_response = lines(Engine());
     } catch (...) {
-        const std::string reason = DropException();
+        const Common::Caught dropped;
         TRACE(TraceInfo, failure);
-        TRACE(TraceInfo, reason);
+        TRACE(TraceInfo, dropped.TextOr("unknown exception"));
         m_response = failure;
     }
 }

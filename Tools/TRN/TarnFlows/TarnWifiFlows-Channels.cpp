@@ -1,7 +1,7 @@
 // What channels there are, and the forms of chains and bandwidths.
 #include <utility>
 
-#include "Support/FlowFailure.h"
+#include "Streams/Trace.h"
 #include "TarnWifiFlows.h"
 
 bool TarnWifiFlows::IsBandSupportedForDevice(ChannelTableId tableId) {

@@ -1,11 +1,12 @@
 // Where the gain comes from that the engine takes off each power: the manual settings or the gain file.
 #include <algorithm>
 
-#include "Support/FlowFailure.h"
+#include "Streams/Trace.h"
 #include "Support/FlowText.h"
 #include "TarnWifiFlows.h"
 
 using quayCommand::ChainGain;
+using Streams::ThrowLogged;
 using Streams::TraceError;
 using Streams::TraceInfo;
 

@@ -3,10 +3,11 @@
 
 #include "OSAL/OSAL.h"
 #include "Stores/AdcFile.h"
-#include "Support/FlowFailure.h"
+#include "Streams/Trace.h"
 #include "Support/NumberText.h"
 #include "TarnWifiFlows.h"
 
+using Streams::ThrowLogged;
 using Streams::TraceInfo;
 
 /// Vectors of one file's chain; chains 1 and 2, without data, share one that stays zero. One file at a time is in

@@ -12,9 +12,10 @@
 #include "LumenSAFirYew.h"
 #include "LumenSAPine.h"
 #include "LumenSARowan.h"
-#include "Support/FlowFailure.h"
+#include "Streams/Trace.h"
 #include "TarnWifiFlows.h"
 
+using Streams::ThrowLogged;
 using Streams::TraceInfo;
 using Streams::TraceWarning;
 namespace Engines = LumenSpectrumAnalyzer;
@@ -188,16 +189,12 @@ std::int32_t TarnWifiFlows::RunCommand(std::string& line, std::string& output, s
     exitCode = 0;
     m_plainOutput = plainOutput;
     error.clear();
-    exitCode = RunGuarded([&] {
-        try {
-            RunKeys(line);
-        } catch (...) {
-            // A capture that failed may have left the lock held; at its maximum nothing changes.
-            m_sampleLock->Release(1);
-            if (const auto text = Common::CurrentExceptionText()) error = *text + "\n";
-            throw;
-        }
-    });
+    const auto observe = [&](const Common::Caught& caught) {
+        // A capture that failed may have left the lock held; at its maximum nothing changes.
+        m_sampleLock->Release(1);
+        if (const char* text = caught.Text()) error = std::string(text) + "\n";
+    };
+    exitCode = RunGuarded([&] { RunKeys(line); }, observe);
     if (!error.empty()) m_response = "ERROR:" + error;
     output = std::move(m_response);
     m_response.clear();

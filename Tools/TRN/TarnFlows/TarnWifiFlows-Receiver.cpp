@@ -1,8 +1,9 @@
 // Bringing the radio into receive state, and the default configuration.
 #include <optional>
 
+#include "Caught.h"
 #include "OSAL/OSAL.h"
-#include "Support/FlowFailure.h"
+#include "Streams/Trace.h"
 #include "TarnWifiFlows.h"
 
 using Streams::TraceError;
@@ -21,10 +22,8 @@ template <typename Action>
 std::optional<std::string> DroppedFailure(const Action& action) {
     try {
         action();
-    } catch (const Common::Exception* failure) {
-        const std::string text = failure->what();
-        delete failure;
-        return text;
+    } catch (const Common::Exception*) {
+        return Common::Caught().Text();
     } catch (const Common::Exception& failure) {
         return failure.what();
     }
@@ -52,8 +51,8 @@ void TarnWifiFlows::ConfigTxRx() {
         ConfigTxRxFlow();
         return;
     } catch (...) {
-        const std::string reason = DropException();
-        TRACE(TraceInfo, reason);
+        const Common::Caught dropped;
+        TRACE(TraceInfo, dropped.TextOr("unknown exception"));
     }
     // Failures of the recovery leave the receiver in an unknown state, which the capture will show.
     if (const auto reason = DroppedFailure([this] { Wifi().ResetAdapter(); })) TRACE(TraceInfo, *reason);

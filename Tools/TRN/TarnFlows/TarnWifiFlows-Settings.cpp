@@ -2,10 +2,11 @@
 // capture must do. None talks to the receiver.
 #include <algorithm>
 
-#include "Support/FlowFailure.h"
+#include "Streams/Trace.h"
 #include "Support/FlowText.h"
 #include "TarnWifiFlows.h"
 
+using Streams::ThrowLogged;
 using Streams::TraceInfo;
 using Streams::TraceWarning;
 

@@ -1,6 +1,6 @@
 // One measurement: set up, capture, analyse; and the stores and exports that grow from triggers.
 #include "OSAL/OSAL.h"
-#include "Support/FlowFailure.h"
+#include "Streams/Trace.h"
 #include "Support/NumberText.h"
 #include "TarnWifiFlows.h"
 

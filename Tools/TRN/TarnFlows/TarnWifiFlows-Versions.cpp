@@ -2,11 +2,13 @@
 #include <cctype>
 #include <sstream>
 
+#include "Caught.h"
 #include "OSAL/OSAL.h"
 #include "Streams/AppStreams.h"
-#include "Support/FlowFailure.h"
+#include "Streams/Trace.h"
 #include "TarnWifiFlows.h"
 
+using Streams::ThrowLogged;
 using Streams::TraceError;
 using Streams::TraceInfo;
 
@@ -167,8 +169,8 @@ void TarnWifiFlows::ReloadMccProfile() {
     try {
         nvm.ApplyMcc();
     } catch (...) {
-        const std::string reason = DropException();
-        TRACE(TraceError, reason);
+        const Common::Caught dropped;
+        TRACE(TraceError, dropped.TextOr("unknown exception"));
         ThrowLogged(traceFunctionName, Common::Format("Failed to set MCC ${1}") % m_mcc);
     }
     DeviceInfo().Reload();

@@ -20,7 +20,7 @@ IServiceDomain& Service::GetDomain() const {
 void Service::OnDetach() {
     CORE_ASSERT(IsAttached(), "Core::Service::OnDetach");
     if (--m_attachCount > 0) return;
-    Service::ReleaseAll();
+    ReleaseAll();
     m_domain = nullptr;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "Caught.h"
 #include "Format.h"
 
 namespace Core {
@@ -15,7 +16,7 @@ ServiceDomain::ServiceHolder::ServiceHolder(ServiceDomain& owner, std::string na
     try {
         m_object = m_creator->CreateInterface();
         m_service = dynamic_cast<IService*>(m_object);
-        CORE_ASSERT(m_service, function);
+        if (!m_service) FailAssertion("m_pService", __FILE__, __LINE__, function);
         m_service->Attach(owner);
     } catch (...) {
         End();
@@ -28,7 +29,8 @@ ServiceDomain::ServiceHolder::~ServiceHolder() {
 }
 
 void ServiceDomain::ServiceHolder::End() noexcept {
-    if (m_service && m_service->IsAttached()) m_service->Detach();
+    if (m_service && m_service->IsAttached())
+        Common::RunCaught([this] { m_service->Detach(); }, [](const Common::Caught&) {});  // it goes all the same
     if (m_object) m_creator->DestroyInterface(m_object);
 }
 

@@ -81,11 +81,6 @@ bool IsOneOf(std::uint32_t value, const std::array<std::uint32_t, N>& values) {
     return std::find(values.begin(), values.end(), value) != values.end();
 }
 
-[[noreturn]] void ThrowLogged(const char* traceFunctionName, const std::string& logged, const std::string& message) {
-    TRACE(Streams::TraceError, logged);
-    throw Common::Exception(message);
-}
-
 /// Row of a channel in its constant table, 1 or above. `operation` is the flow operation whose name the log bears.
 /// @param channel  double or integer; its own form stands in the messages
 template <typename Channel>
@@ -93,7 +88,7 @@ std::size_t FindRow(const char* operation, Channel channel, std::uint32_t bandwi
     const auto details = [&](const char* text) { return Common::Format(text) % channel % band % bandwidth; };
     if (bandwidth == UnknownBandwidth) {
         const std::string message = details("unknown channel. Details: channel = ${1} band = ${2}, bandwidth = ${3}");
-        ThrowLogged(operation, message, message);
+        Streams::ThrowLogged(operation, message);
     }
     if (const auto id = FindTable(band, bandwidth)) {
         const auto rows = Table(*id);
@@ -102,8 +97,10 @@ std::size_t FindRow(const char* operation, Channel channel, std::uint32_t bandwi
         });
         if (found != rows.end()) return static_cast<std::size_t>(found - rows.begin());
     }
-    ThrowLogged(operation, details("Channel not found. Details: channel = ${1} band = ${2}, bandwidth = ${3}"),
-                Common::Format("Channel ${1} not found") % channel);
+    if (Streams::IsTraceOn())
+        Streams::WriteTrace(Streams::TraceError, __FILE__, operation,
+                            details("Channel not found. Details: channel = ${1} band = ${2}, bandwidth = ${3}"));
+    throw Common::Exception(Common::Format("Channel ${1} not found") % channel);
 }
 
 }  // namespace
@@ -230,7 +227,7 @@ std::uint32_t ConvertChainStringToU32(const std::string& chain) {
     if (chain == "B") return 2;
     if (chain == "AB") return 3;
     const std::string message = "Chain " + chain + " is not supported";
-    ThrowLogged("TarnWifiFlows::ConvertChainStringToU32", message, message);
+    Streams::ThrowLogged("TarnWifiFlows::ConvertChainStringToU32", message);
 }
 
 std::string ConvertChainU32ToString(std::uint32_t chain) {
@@ -243,7 +240,7 @@ std::string ConvertChainU32ToString(std::uint32_t chain) {
             return "AB";
         default: {
             const std::string message = "Chain " + std::to_string(chain) + " is not supported";
-            ThrowLogged("TarnWifiFlows::ConvertChainU32ToString", message, message);
+            Streams::ThrowLogged("TarnWifiFlows::ConvertChainU32ToString", message);
         }
     }
 }
