@@ -1,0 +1,205 @@
+// What the server sends, as the page uses it: one object a message, and the frames made of them.
+
+/** One object of the stream. `data` is what its `type` says. */
+export interface Message {
+  seq: number;
+  utc: string;
+  type: string;
+  data: unknown;
+}
+
+export type Verdict = 'PASS' | 'MARGIN' | 'FAIL' | 'INVALID' | '';
+
+export interface ChainVerdict {
+  chain: string;
+  power_dbm: number | null;
+  limit_dbm: number | null;
+  margin_db: number | null;
+  verdict: Verdict;
+  reason: string;
+}
+
+/** What one sweep was measured with. It ends the sweep's messages. */
+export interface FrameFacts {
+  band: string;
+  channel: number;
+  bandwidth_mhz: number;
+  centre_mhz: number;
+  chain: string;
+  rbw_khz: number;
+  maxHold: boolean;
+  average: boolean;
+  averageCount: number;
+  averageTarget: number;
+  sweeps: number;
+  holdSince: string;
+  sweepsPerSecond: number;
+  dropped: number;
+  overloaded: string[];
+  trouble: string;
+  verdicts: ChainVerdict[];
+}
+
+export interface Histogram {
+  both: number[];
+  i: number[];
+  q: number[];
+  lowest: number;
+  highest: number;
+}
+
+export interface Peak {
+  frequency: number;
+  power: number;
+}
+
+/** One sweep with everything that the view subscribed to. Arrays are dBm in one RBW, lowest frequency first. */
+export interface Frame {
+  seq: number;
+  utc: string;
+  facts: FrameFacts;
+  samples: number;
+  live: Float32Array[];
+  average: Float32Array[];
+  maxHold: Float32Array[];
+  powers: Map<string, number>;
+  iq: { i: Float32Array; q: Float32Array }[];
+  histograms: Histogram[];
+}
+
+export interface Adapter {
+  description: string;
+  mac: string;
+  air: string;
+  antennas: number;
+}
+
+export interface RunState {
+  mode: 'run' | 'hold' | 'single' | 'scan';
+  line: string;
+  sweeps: number;
+  sweepsPerSecond: number;
+  resting: boolean;
+}
+
+export interface HostState {
+  version: string;
+  adapter: Adapter;
+  settings: Record<string, string>;
+  run: RunState;
+  seq: number;
+  clients: number;
+  trouble: string;
+  limits: { text: string; margin_db: number } | null;
+}
+
+export interface LineAnswer {
+  line: string;
+  origin: string;
+  exitCode: number;
+  output: string;
+  error: string;
+}
+
+export interface ChannelRow {
+  band: string;
+  bandwidth: string;
+  channel: number;
+  centre_mhz: number;
+  powerA: number | null;
+  powerB: number | null;
+  utc: string;
+  verdict: Verdict;
+  limit_dbm: number | null;
+}
+
+export interface BandChannels {
+  band: string;
+  bandwidths: { bandwidth: string; channels: { value: string; frequency: string }[] }[];
+}
+
+interface SpectrumObject {
+  chain: string;
+  data: number[];
+  averageData?: number[];
+  maxData?: number[];
+}
+
+/** Puts the messages of one sweep together. A sweep's last message is "Host Frame". */
+export class FrameAssembler {
+  private waiting: Message[] = [];
+
+  /** The frame that the message completes; other messages than a frame's give undefined and aren't kept. */
+  take(message: Message): Frame | undefined {
+    if (frameTypes.has(message.type)) this.waiting.push(message);
+    if (message.type === 'Trigger Response') this.waiting = [message];
+    if (message.type !== 'Host Frame') return undefined;
+    const parts = this.waiting;
+    this.waiting = [];
+    return assemble(parts, message);
+  }
+}
+
+export const frameTypes: ReadonlySet<string> = new Set([
+  'Trigger Response',
+  'Power Per Chain',
+  'Spectrum Data',
+  'IQ Amplitude Data',
+  'Histogram Data',
+]);
+
+function assemble(parts: Message[], end: Message): Frame {
+  const frame: Frame = {
+    seq: end.seq,
+    utc: end.utc,
+    facts: end.data as FrameFacts,
+    samples: 0,
+    live: [],
+    average: [],
+    maxHold: [],
+    powers: new Map(),
+    iq: [],
+    histograms: [],
+  };
+  for (const part of parts) addPart(frame, part);
+  return frame;
+}
+
+function addPart(frame: Frame, part: Message): void {
+  switch (part.type) {
+    case 'Trigger Response':
+      frame.samples = (part.data as { numOfSamples: number }).numOfSamples;
+      break;
+    case 'Power Per Chain': {
+      const { chain, power } = part.data as { chain: string; power: string };
+      frame.powers.set(chain, Number(power));
+      break;
+    }
+    case 'Spectrum Data':
+      for (const chain of part.data as SpectrumObject[]) {
+        frame.live.push(Float32Array.from(chain.data));
+        if (chain.averageData) frame.average.push(Float32Array.from(chain.averageData));
+        if (chain.maxData) frame.maxHold.push(Float32Array.from(chain.maxData));
+      }
+      break;
+    case 'IQ Amplitude Data':
+      for (const chain of part.data as { IData: number[]; QData: number[] }[])
+        frame.iq.push({ i: Float32Array.from(chain.IData), q: Float32Array.from(chain.QData) });
+      break;
+    case 'Histogram Data':
+      for (const chain of part.data as { IQData: number[]; IData: number[]; QData: number[]; IQMinMax: number[] }[])
+        frame.histograms.push({
+          both: chain.IQData,
+          i: chain.IData,
+          q: chain.QData,
+          lowest: chain.IQMinMax[0] ?? NaN,
+          highest: chain.IQMinMax[1] ?? NaN,
+        });
+      break;
+  }
+}
+
+/** Names of the chains behind the arrays of a frame, in their order. */
+export function chainNames(selection: string): string[] {
+  return selection === 'AB' ? ['A', 'B'] : [selection];
+}
