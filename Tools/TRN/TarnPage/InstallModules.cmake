@@ -1,0 +1,16 @@
+# Fetches the page's libraries as the lock file names them, unless they are there. Builds of several presets share them.
+file(LOCK ${PAGE}/node_modules.lock GUARD PROCESS TIMEOUT 600)
+set(stamp ${PAGE}/node_modules/.tarn-lock)
+file(SHA256 ${PAGE}/package-lock.json wanted)
+set(present "")
+if(EXISTS ${stamp})
+  file(READ ${stamp} present)
+endif()
+if(NOT present STREQUAL wanted)
+  execute_process(COMMAND ${NPM} ci --ignore-scripts --no-audit --no-fund --loglevel=error
+    WORKING_DIRECTORY ${PAGE} RESULT_VARIABLE status OUTPUT_QUIET)
+  if(NOT status EQUAL 0)
+    message(FATAL_ERROR "npm couldn't fetch the page's libraries (uPlot, TypeScript, esbuild, playwright-core)")
+  endif()
+  file(WRITE ${stamp} ${wanted})
+endif()
