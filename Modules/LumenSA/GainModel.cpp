@@ -6,7 +6,7 @@ namespace LumenSpectrumAnalyzer {
 
 namespace {
 
-using enum GainFamily;
+using enum ChipFamily;
 using enum ChannelClass;
 
 /// Which board SKUs a row serves.
@@ -15,7 +15,7 @@ using enum Skus;
 
 /// The correction c0 + c1 ch + c2 ch^2 + c3 ch^3 in dB, found by calibration of the family's receivers.
 struct Correction {
-    GainFamily family;
+    ChipFamily family;
     char chain;
     std::uint32_t band;
     ChannelClass channels;
@@ -152,7 +152,7 @@ bool Serves(Skus skus, std::uint32_t sku) {
     return false;
 }
 
-double CorrectionDb(GainFamily family, char chain, std::uint32_t band, double channel, std::uint32_t sku) {
+double CorrectionDb(ChipFamily family, char chain, std::uint32_t band, double channel, std::uint32_t sku) {
     const ChannelClass channels = ClassOfChannel(family, band, channel);
     for (const Correction& row : Corrections) {
         if (row.family != family || row.chain != chain || row.band != band || !Serves(row.skus, sku)) continue;
@@ -173,7 +173,7 @@ double PlainGain(double preLna, double internalGain, std::uint32_t band) {
 
 }  // namespace
 
-ChannelClass ClassOfChannel(GainFamily family, std::uint32_t band, double channel) {
+ChannelClass ClassOfChannel(ChipFamily family, std::uint32_t band, double channel) {
     const auto within = [channel](double first, double last) { return channel >= first && channel <= last; };
     if (family == Pine || family == Rowan) {
         if (band == 0) return channel == 3 || channel == 4 || channel == 5 || channel == 13 ? Marked : Others;
@@ -186,7 +186,7 @@ ChannelClass ClassOfChannel(GainFamily family, std::uint32_t band, double channe
     return Others;
 }
 
-double ManualGain(GainFamily family, std::uint32_t preLna, std::uint32_t internalGain, std::uint32_t band,
+double ManualGain(ChipFamily family, std::uint32_t preLna, std::uint32_t internalGain, std::uint32_t band,
                   std::string_view chain, double channel, std::uint32_t boardSku) {
     if (family == Plain || family == ElmOak) return PlainGain(preLna, internalGain, band);
     constexpr double CoarseSpan = 45;  // from the full gain to the bare offset
@@ -195,53 +195,6 @@ double ManualGain(GainFamily family, std::uint32_t preLna, std::uint32_t interna
     if ((chain != "A" && chain != "B") || !hasBand) return full - CoarseSpan;
     const double internalStep = band == 0 ? 6 : 3;
     return full - 6.0 * preLna - internalStep * internalGain + CorrectionDb(family, chain[0], band, channel, boardSku);
-}
-
-std::optional<GainFamily> FamilyOfHardware(std::uint32_t hwType) {
-    switch (hwType) {
-        case 9:
-        case 11:
-        case 12:
-        case 13:
-        case 14:
-        case 15:
-        case 30:
-            return Plain;
-        case 5:
-        case 6:
-        case 7:
-        case 8:
-            return ElmOak;
-        case 16:
-        case 17:
-        case 20:
-        case 24:
-            return FirYew;
-        case 21:
-        case 25:
-        case 28:
-            return Ash2;
-        case 22:
-            return Bay;
-        case 23:
-            return Ash4;
-        case 26:
-        case 27:
-            return Pine;
-        case 29:
-            return Rowan;
-        default:
-            return std::nullopt;
-    }
-}
-
-double SampleRateMhz(std::uint32_t hwType, std::uint32_t bandwidth) {
-    constexpr double Fixed[] = {80, 80, 80, 0, 0};
-    constexpr double ByBandwidth[] = {40, 40, 80, 160, 320};
-    if (bandwidth >= std::size(ByBandwidth)) return 0;
-    if (hwType == 6 || hwType == 7 || hwType == 9) return Fixed[bandwidth];
-    if ((hwType >= 11 && hwType <= 17) || (hwType >= 20 && hwType <= 30)) return ByBandwidth[bandwidth];
-    return 0;
 }
 
 }  // namespace LumenSpectrumAnalyzer

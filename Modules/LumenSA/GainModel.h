@@ -1,18 +1,14 @@
-// Chip families, and what follows from a family without an engine: analogue gain and sample rate. Plain functions, so
-// that a simulated receiver can use the same figures.
+// The analogue gain of each chip family. Plain functions, so that a simulated receiver can use the same figures.
 #pragma once
 
 #include <cstdint>
-#include <optional>
 #include <string_view>
+
+#include "HardwareTypes.h"
 
 namespace LumenSpectrumAnalyzer {
 
-/// The engine variants, named by the chips they serve. `Plain` is the base formula without a correction table.
-enum class GainFamily { Plain, ElmOak, FirYew, Ash2, Bay, Ash4, Pine, Rowan };
-
-/// The family of a hardware type; nothing for an unknown one.
-std::optional<GainFamily> FamilyOfHardware(std::uint32_t hwType);
+using RadioFacts::ChipFamily;
 
 /// Which of a family's channel ranges a channel lies in; the rows of the correction table speak of these.
 /// Pine and Rowan: `Marked` is 3, 4, 5 and 13 of band 0, `Low` is up to 140 (band 1) or 69 (band 2), `High` above.
@@ -20,7 +16,7 @@ std::optional<GainFamily> FamilyOfHardware(std::uint32_t hwType);
 /// to 233. `Others` is every channel that no range takes; a row for `All` takes any channel.
 enum class ChannelClass { All, Low, High, Marked, Others };
 
-ChannelClass ClassOfChannel(GainFamily family, std::uint32_t band, double channel);
+ChannelClass ClassOfChannel(ChipFamily family, std::uint32_t band, double channel);
 
 /// Gain in dB between antenna and ADC.
 /// @param preLna        pre-LNA setting
@@ -29,10 +25,7 @@ ChannelClass ClassOfChannel(GainFamily family, std::uint32_t band, double channe
 /// @param chain         "A" or "B"; any other text gets the family's bare offset
 /// @param channel       channel number
 /// @param boardSku      0, 1 or 2; only the Ash, Bay and Rowan families look at it
-double ManualGain(GainFamily family, std::uint32_t preLna, std::uint32_t internalGain, std::uint32_t band,
+double ManualGain(ChipFamily family, std::uint32_t preLna, std::uint32_t internalGain, std::uint32_t band,
                   std::string_view chain, double channel, std::uint32_t boardSku);
-
-/// ADC sample rate in MHz of a hardware type at a bandwidth number (0 is 20 MHz ... 4 is 320 MHz); 0 when unknown.
-double SampleRateMhz(std::uint32_t hwType, std::uint32_t bandwidth);
 
 }  // namespace LumenSpectrumAnalyzer

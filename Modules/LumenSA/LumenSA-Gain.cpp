@@ -28,23 +28,23 @@ double CLmnSA::GetManualGain(unsigned chain) {
 double CLmnSA::CalcManualGainFactor(unsigned preLNAGain, unsigned internalGain, unsigned band,
                                     const std::string& chain) {
     TRACE_SCOPE("CLmnSA::CalcManualGainFactor");
-    return FamilyGain(traceFunctionName, GainFamily::Plain, preLNAGain, internalGain, band, chain, 0);
+    return FamilyGain(traceFunctionName, ChipFamily::Plain, preLNAGain, internalGain, band, chain, 0);
 }
 
 bool CLmnSA::Is5GHzLowChannel(double channel) {
-    return ClassOfChannel(GainFamily::Plain, 1, channel) == ChannelClass::Low;
+    return ClassOfChannel(ChipFamily::Plain, 1, channel) == ChannelClass::Low;
 }
 
 bool CLmnSA::Is6GHzLowChannel(double channel) {
-    return ClassOfChannel(GainFamily::Plain, 2, channel) == ChannelClass::Low;
+    return ClassOfChannel(ChipFamily::Plain, 2, channel) == ChannelClass::Low;
 }
 
 bool CLmnSA::Is5GHzHighChannel(double channel) {
-    return ClassOfChannel(GainFamily::Plain, 1, channel) == ChannelClass::High;
+    return ClassOfChannel(ChipFamily::Plain, 1, channel) == ChannelClass::High;
 }
 
 bool CLmnSA::Is6GHzHighChannel(double channel) {
-    return ClassOfChannel(GainFamily::Plain, 2, channel) == ChannelClass::High;
+    return ClassOfChannel(ChipFamily::Plain, 2, channel) == ChannelClass::High;
 }
 
 double CLmnSA::GetChannelPowerPerChain(int chain) {

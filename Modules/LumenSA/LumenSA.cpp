@@ -309,7 +309,7 @@ double* CLmnSA::ChannelBuffer(const std::array<ValBuffer**, MaxChains>& buffers,
     return buffers[chain][m_ChannelIndex]->val;
 }
 
-double CLmnSA::FamilyGain(const char* function, GainFamily family, unsigned preLNAGain, unsigned internalGain,
+double CLmnSA::FamilyGain(const char* function, ChipFamily family, unsigned preLNAGain, unsigned internalGain,
                           unsigned band, const std::string& chain, unsigned boardSku) {
     const double gain = ManualGain(family, preLNAGain, internalGain, band, chain, m_Channel, boardSku);
     if (Streams::IsTraceOn()) {

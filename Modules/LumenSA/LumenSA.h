@@ -231,7 +231,7 @@ public:
 
 protected:
     /// ManualGain for m_Channel with the trace lines that every family writes under its own operation's name.
-    double FamilyGain(const char* function, GainFamily family, unsigned preLNAGain, unsigned internalGain,
+    double FamilyGain(const char* function, ChipFamily family, unsigned preLNAGain, unsigned internalGain,
                       unsigned band, const std::string& chain, unsigned boardSku);
 
 private:

@@ -7,7 +7,7 @@ namespace LumenSpectrumAnalyzer {
 double CLmnAsh2::CalcManualGainFactor(unsigned preLNAGain, unsigned internalGain, unsigned band,
                                       const std::string& chain) {
     TRACE_SCOPE("CLmnAsh2::CalcManualGainFactor");
-    return FamilyGain(traceFunctionName, GainFamily::Ash2, preLNAGain, internalGain, band, chain, m_BoardSKU);
+    return FamilyGain(traceFunctionName, ChipFamily::Ash2, preLNAGain, internalGain, band, chain, m_BoardSKU);
 }
 
 }  // namespace LumenSpectrumAnalyzer

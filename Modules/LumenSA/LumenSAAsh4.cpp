@@ -7,7 +7,7 @@ namespace LumenSpectrumAnalyzer {
 double CLmnAsh4::CalcManualGainFactor(unsigned preLNAGain, unsigned internalGain, unsigned band,
                                       const std::string& chain) {
     TRACE_SCOPE("CLmnAsh4::CalcManualGainFactor");
-    return FamilyGain(traceFunctionName, GainFamily::Ash4, preLNAGain, internalGain, band, chain, m_BoardSKU);
+    return FamilyGain(traceFunctionName, ChipFamily::Ash4, preLNAGain, internalGain, band, chain, m_BoardSKU);
 }
 
 }  // namespace LumenSpectrumAnalyzer

@@ -7,7 +7,7 @@ namespace LumenSpectrumAnalyzer {
 double CLmnBay::CalcManualGainFactor(unsigned preLNAGain, unsigned internalGain, unsigned band,
                                      const std::string& chain) {
     TRACE_SCOPE("CLmnBay::CalcManualGainFactor");
-    return FamilyGain(traceFunctionName, GainFamily::Bay, preLNAGain, internalGain, band, chain, m_BoardSKU);
+    return FamilyGain(traceFunctionName, ChipFamily::Bay, preLNAGain, internalGain, band, chain, m_BoardSKU);
 }
 
 }  // namespace LumenSpectrumAnalyzer

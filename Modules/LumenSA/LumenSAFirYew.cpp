@@ -7,7 +7,7 @@ namespace LumenSpectrumAnalyzer {
 double CLmnFirYew::CalcManualGainFactor(unsigned preLNAGain, unsigned internalGain, unsigned band,
                                         const std::string& chain) {
     TRACE_SCOPE("CLmnFirYew::CalcManualGainFactor");
-    return FamilyGain(traceFunctionName, GainFamily::FirYew, preLNAGain, internalGain, band, chain, 0);
+    return FamilyGain(traceFunctionName, ChipFamily::FirYew, preLNAGain, internalGain, band, chain, 0);
 }
 
 }  // namespace LumenSpectrumAnalyzer

@@ -7,15 +7,15 @@ namespace LumenSpectrumAnalyzer {
 double CLmnPine::CalcManualGainFactor(unsigned preLNAGain, unsigned internalGain, unsigned band,
                                       const std::string& chain) {
     TRACE_SCOPE("CLmnPine::CalcManualGainFactor");
-    return FamilyGain(traceFunctionName, GainFamily::Pine, preLNAGain, internalGain, band, chain, 0);
+    return FamilyGain(traceFunctionName, ChipFamily::Pine, preLNAGain, internalGain, band, chain, 0);
 }
 
 bool CLmnPine::Is5GHzLowChannel(double channel) {
-    return ClassOfChannel(GainFamily::Pine, 1, channel) == ChannelClass::Low;
+    return ClassOfChannel(ChipFamily::Pine, 1, channel) == ChannelClass::Low;
 }
 
 bool CLmnPine::Is6GHzLowChannel(double channel) {
-    return ClassOfChannel(GainFamily::Pine, 2, channel) == ChannelClass::Low;
+    return ClassOfChannel(ChipFamily::Pine, 2, channel) == ChannelClass::Low;
 }
 
 }  // namespace LumenSpectrumAnalyzer

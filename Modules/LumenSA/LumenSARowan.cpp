@@ -7,15 +7,15 @@ namespace LumenSpectrumAnalyzer {
 double CLmnRowan::CalcManualGainFactor(unsigned preLNAGain, unsigned internalGain, unsigned band,
                                        const std::string& chain) {
     TRACE_SCOPE("CLmnRowan::CalcManualGainFactor");
-    return FamilyGain(traceFunctionName, GainFamily::Rowan, preLNAGain, internalGain, band, chain, m_BoardSKU);
+    return FamilyGain(traceFunctionName, ChipFamily::Rowan, preLNAGain, internalGain, band, chain, m_BoardSKU);
 }
 
 bool CLmnRowan::Is5GHzLowChannel(double channel) {
-    return ClassOfChannel(GainFamily::Rowan, 1, channel) == ChannelClass::Low;
+    return ClassOfChannel(ChipFamily::Rowan, 1, channel) == ChannelClass::Low;
 }
 
 bool CLmnRowan::Is6GHzLowChannel(double channel) {
-    return ClassOfChannel(GainFamily::Rowan, 2, channel) == ChannelClass::Low;
+    return ClassOfChannel(ChipFamily::Rowan, 2, channel) == ChannelClass::Low;
 }
 
 }  // namespace LumenSpectrumAnalyzer

@@ -8,10 +8,10 @@
 
 namespace {
 
-using enum GainFamily;
+using enum ChipFamily;
 
 struct Point {
-    GainFamily family;
+    ChipFamily family;
     const char* chain;
     unsigned band;
     double channel;
@@ -105,25 +105,6 @@ TEST(Gain, ElmOakKeepsItsOlderFormulaBesideTheOneInUse) {
     EXPECT_EQ(engine.CalcManualGainFactor(0, 9, 0), 67);
     EXPECT_EQ(engine.CalcManualGainFactor(0, 0, 0, "A"), 109);
     EXPECT_EQ(engine.CalcManualGainFactor(0, 0, 1, "A"), 112);
-}
-
-TEST(Gain, HardwareTypesGiveTheirFamilyAndSampleRates) {
-    constexpr int None = -1;
-    const auto family = [](GainFamily value) { return static_cast<int>(value); };
-    const int p = family(Plain), e = family(ElmOak), f = family(FirYew), a = family(Ash2), n = family(Pine);
-    const int families[] = {
-        None, None, None, None,        None,         e, e, e, e, p, None,          p, p,   p, p, p, f, f, None,
-        None, f,    a,    family(Bay), family(Ash4), f, a, n, n, a, family(Rowan), p, None};
-    for (unsigned type = 0; type < std::size(families); ++type) {
-        const auto found = FamilyOfHardware(type);
-        EXPECT_EQ(found ? family(*found) : None, families[type]) << type;
-    }
-    const std::map<unsigned, std::vector<double>> rates = {
-        {5, {0, 0, 0, 0, 0}},         {7, {80, 80, 80, 0, 0}}, {9, {80, 80, 80, 0, 0}},         {10, {0, 0, 0, 0, 0}},
-        {11, {40, 40, 80, 160, 320}}, {19, {0, 0, 0, 0, 0}},   {30, {40, 40, 80, 160, 320, 0}}, {31, {0, 0, 0, 0, 0}}};
-    for (const auto& [type, expected] : rates)
-        for (unsigned bandwidth = 0; bandwidth < expected.size(); ++bandwidth)
-            EXPECT_EQ(SampleRateMhz(type, bandwidth), expected[bandwidth]) << type << " at " << bandwidth;
 }
 
 }  // namespace

@@ -93,11 +93,11 @@ TEST(Adapter, EachGainRecordLayoutReachesBothChains) {
     const auto air = "sim:" + folder.Write("t.json", R"({"tones": [{"frequency_mhz": 2439.5, "level_dbm": -60}]})");
     struct Case {
         const char* adapter;
-        GainFamily family;
+        ChipFamily family;
         std::uint32_t boardNumber;
     };
-    for (const auto& c : {Case{"hw=23,sku=2", GainFamily::Ash4, 1}, Case{"hw=11", GainFamily::Plain, 2},
-                          Case{"hw=25,sku=1", GainFamily::Ash2, 0}, Case{"hw=29,sku=9", GainFamily::Rowan, 2}}) {
+    for (const auto& c : {Case{"hw=23,sku=2", ChipFamily::Ash4, 1}, Case{"hw=11", ChipFamily::Plain, 2},
+                          Case{"hw=25,sku=1", ChipFamily::Ash2, 0}, Case{"hw=29,sku=9", ChipFamily::Rowan, 2}}) {
         UseRadio(std::string("samples=4096,") + c.adapter, air);
         const auto recording = quayCommand::RecordCapture({{0, 0, 6}, 3, {{{2, 1}, {3, 0}}}});
         ASSERT_FALSE(recording.IsRefused()) << recording.Reason();

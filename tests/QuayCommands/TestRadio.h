@@ -81,7 +81,7 @@ inline double RateMhz(std::uint32_t bandwidth) {
 /// Gain that the engine takes off the default adapter's chain.
 inline double GainDb(const Tuning& tuning, const char* chain) {
     using namespace LumenSpectrumAnalyzer;
-    return ManualGain(GainFamily::Pine, tuning.preLna, tuning.internalGain, tuning.band, chain, tuning.channel, 0);
+    return ManualGain(ChipFamily::Pine, tuning.preLna, tuning.internalGain, tuning.band, chain, tuning.channel, 0);
 }
 
 inline double Db(double power) {

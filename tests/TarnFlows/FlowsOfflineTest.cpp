@@ -61,7 +61,7 @@ TEST_F(FlowsOfflineTest, EachFileIsMeasuredOnItsOwnTuning) {
     EXPECT_TRUE(lines[1].ends_with(",2.4,11,20,B,")) << lines[1];
     // A tone of 1000 codes has a power of 60 dB; what the chain's gain takes off is the engine's.
     const double expected =
-        60.0 - LumenSpectrumAnalyzer::ManualGain(LumenSpectrumAnalyzer::GainFamily::Pine, 0, 0, 1, "A", 36, 0);
+        60.0 - LumenSpectrumAnalyzer::ManualGain(LumenSpectrumAnalyzer::ChipFamily::Pine, 0, 0, 1, "A", 36, 0);
     EXPECT_NEAR(std::stod(lines[0].substr(Good.size() + 1)), expected, 0.05);
     const auto again = Analyze();
     EXPECT_EQ(Results(), lines);

@@ -3,16 +3,10 @@
 #include <exception>
 #include <vector>
 
+#include "HardwareTypes.h"
+
 namespace quayCommand {
 namespace {
-
-/// Generations of the capture engine; each has its own form of the capture record.
-enum class Generation { Older, Third, Fourth };
-
-Generation GenerationOf(std::uint32_t hwType) {
-    if (hwType == 26 || hwType == 27 || hwType == 29 || hwType == 30) return Generation::Fourth;
-    return hwType >= 11 ? Generation::Third : Generation::Older;
-}
 
 /// Words that the radio wants; they have no meaning here.
 CaptureDescriptorD NewDescriptor(std::uint32_t selector) {
@@ -38,11 +32,11 @@ void Tune(IWifiCommands& wifi, IAdcCommands& adc, const RecordRequest& request) 
     adc.StartStopAllPeriodicCalibrations();
 }
 
-void SetGain(IAdcCommands& adc, std::uint32_t hwType, const std::array<RecordGain, MaxChains>& gain) {
+void SetGain(IAdcCommands& adc, RadioFacts::GainLayout layout, const std::array<RecordGain, MaxChains>& gain) {
     const auto& [a, b] = gain;
-    if (GenerationOf(hwType) == Generation::Fourth) {
+    if (layout == RadioFacts::GainLayout::C) {
         adc.SetManualGainC({1, 0, 0, 0, a.internalGain, a.preLna, 0, 0, 0, 0, b.internalGain, b.preLna});
-    } else if (hwType == 25 || hwType == 28) {
+    } else if (layout == RadioFacts::GainLayout::B) {
         adc.SetManualGainB({1, 0, 0, a.internalGain, a.preLna, 0, 0, 0, b.internalGain, b.preLna});
     } else {
         GainConfig config;
@@ -69,16 +63,17 @@ struct ReadBuffers {
     std::array<double*, 4> i{}, q{};
 };
 
-bool Read(IAdcCommands& adc, std::uint32_t hwType, std::uint32_t chains, ReadBuffers& buffers) {
+bool Read(IAdcCommands& adc, RadioFacts::CaptureClass capture, std::uint32_t chains, ReadBuffers& buffers) {
     const AdcReadRequest request = {0, 5000, 2, 2};
-    switch (GenerationOf(hwType)) {
-        case Generation::Older:
+    switch (capture) {
+        case RadioFacts::CaptureClass::Sorrel:
+        case RadioFacts::CaptureClass::Tansy:
             adc.SetCaptureDescriptorB(OldDescriptor(chains));
             return adc.ReadCapture(request, buffers.i.data(), buffers.q.data());
-        case Generation::Third:
+        case RadioFacts::CaptureClass::Yarrow:
             adc.SetCaptureDescriptorC(NewDescriptor(chains));
             break;
-        case Generation::Fourth:
+        case RadioFacts::CaptureClass::Clover:
             adc.SetCaptureSource({3, 1, 0, 2, 0, 1});
             adc.SetCaptureDescriptorD(NewDescriptor(chains));
             break;
@@ -92,13 +87,13 @@ bool Read(IAdcCommands& adc, std::uint32_t hwType, std::uint32_t chains, ReadBuf
 OSAL::Outcome<Recording> RecordFrom(IWifiCommands& wifi, const OSAL::Outcome<CaptureFacts>& lastCapture,
                                     const RecordRequest& request) {
     try {
-        const auto hwType = wifi.GetHwType();
+        const RadioFacts::HardwareType& hardware = RadioFacts::HardwareOf(wifi.GetHwType());
         auto& adc = *wifi.GetAdcObject();
         adc.SetCaptureMode(true);
         Tune(wifi, adc, request);
-        SetGain(adc, hwType, request.gain);
+        SetGain(adc, hardware.gainLayout, request.gain);
         ReadBuffers buffers(adc.GetCaptureLength());
-        const bool isRead = Read(adc, hwType, request.chains, buffers);
+        const bool isRead = Read(adc, hardware.capture, request.chains, buffers);
         adc.SetCaptureMode(false);
         if (!isRead) return OSAL::Refusal{"the radio captured nothing: " + lastCapture.Reason()};
         Recording recording{{}, lastCapture.Value()};

@@ -5,6 +5,7 @@
 
 #include "ChannelPlan.h"
 #include "GainModel.h"
+#include "HardwareTypes.h"
 #include "QuayExceptions.h"
 
 namespace quayCommand {
@@ -16,16 +17,11 @@ constexpr std::uint32_t SimulatedVendorId = 0x5144;
 constexpr std::uint32_t SimulatedSubsystemId = 0x0001;
 constexpr std::uint32_t SimulatedRevisionId = 0x01;
 
-/// The engine's board number of the radio's answer.
-std::uint32_t BoardNumber(std::uint32_t answer) {
-    return answer == 1 ? 0 : answer == 2 ? 1 : 2;
-}
-
 /// Hardware types without a rate of their own (5 and 8 among them) capture like the others of their time: twice the
 /// narrowest channel, or the channel's width if that is more.
 double CaptureRateMhz(std::uint32_t hwType, std::uint32_t bandwidth) {
-    const double rate = LumenSpectrumAnalyzer::SampleRateMhz(hwType, bandwidth);
-    return rate > 0.0 ? rate : std::max(40.0, static_cast<double>(WidthMhz(bandwidth)));
+    const double rate = SampleRateMhz(RadioFacts::HardwareOf(hwType).rates, bandwidth);
+    return rate > 0.0 ? rate : SampleRateMhz(RadioFacts::SampleRates::ByWidth, bandwidth);
 }
 
 }  // namespace
@@ -62,10 +58,9 @@ void SimulatedAdc::GetCaptureState(CaptureState& out) {
 }
 
 double SimulatedAdc::GainDb(unsigned chain) const {
-    using namespace LumenSpectrumAnalyzer;
-    const auto family = FamilyOfHardware(m_adapter.hwType).value_or(GainFamily::Plain);
-    return ManualGain(family, m_gains[chain].preLna, m_gains[chain].internalGain, m_tuning.m_band,
-                      chain == 0 ? "A" : "B", m_tuning.m_channel, BoardNumber(m_adapter.boardSku & 0xFF));
+    return LumenSpectrumAnalyzer::ManualGain(RadioFacts::HardwareOf(m_adapter.hwType).family, m_gains[chain].preLna,
+                                             m_gains[chain].internalGain, m_tuning.m_band, chain == 0 ? "A" : "B",
+                                             m_tuning.m_channel, RadioFacts::BoardNumber(m_adapter.boardSku));
 }
 
 OSAL::Outcome<CaptureFacts> SimulatedAdc::Capture(double** i, double** q) {

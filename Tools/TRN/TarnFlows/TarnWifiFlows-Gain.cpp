@@ -12,9 +12,6 @@ using Streams::TraceInfo;
 
 namespace {
 
-/// Hardware whose internal gain counts three times on the 5.2 GHz band.
-constexpr std::array<std::uint32_t, 6> TripleGainHardware{11, 13, 16, 17, 20, 24};
-
 /// The words of a chain that both radio layouts begin with.
 void WriteGainWords(std::uint32_t* words, const quayCommand::ChainGain& gain, std::uint32_t coarse,
                     std::uint32_t fine) {
@@ -117,7 +114,7 @@ void TarnWifiFlows::SetManualGainConfig() {
     const ChainGain& chainA = m_gainConfig.chains[0];
     const std::uint32_t internalGain = chainA.internalGain;
     try {
-        if (std::ranges::count(TripleGainHardware, m_hwType) != 0 && m_rxConfig.m_band == 1)
+        if (RadioFacts::HardwareOf(m_hwType).hasTripleGainSteps && m_rxConfig.m_band == 1)
             for (ChainGain& chain : m_gainConfig.chains)
                 chain.internalGain *= 3;
         m_gainConfig.enable = 1;
@@ -136,24 +133,20 @@ void TarnWifiFlows::SetManualGainConfig() {
 }
 
 void TarnWifiFlows::GiveGainToRadio() {
-    switch (m_hwType) {
-        case 25:
-        case 28: {
+    switch (RadioFacts::HardwareOf(m_hwType).gainLayout) {
+        case RadioFacts::GainLayout::B: {
             quayCommand::GainConfigB record{};
             ToGainConfigB(record, m_gainConfig);
             Adc().SetManualGainB(record);
             break;
         }
-        case 26:
-        case 27:
-        case 29:
-        case 30: {
+        case RadioFacts::GainLayout::C: {
             quayCommand::GainConfigC record{};
             ToGainConfigC(record, m_gainConfig);
             Adc().SetManualGainC(record);
             break;
         }
-        default:
+        case RadioFacts::GainLayout::A:
             Adc().SetManualGainA(m_gainConfig);
             break;
     }

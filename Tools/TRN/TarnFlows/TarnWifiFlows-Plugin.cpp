@@ -2,16 +2,10 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "CSampleClover.h"
+#include "CaptureClasses.h"
 #include "CmdLine/CmdLine.h"
 #include "Device/NvmDocuments.h"
-#include "LumenSAAsh2.h"
-#include "LumenSAAsh4.h"
-#include "LumenSABay.h"
-#include "LumenSAElmOak.h"
-#include "LumenSAFirYew.h"
-#include "LumenSAPine.h"
-#include "LumenSARowan.h"
+#include "LumenSAFamilies.h"
 #include "Streams/Trace.h"
 #include "TarnWifiFlows.h"
 
@@ -25,8 +19,6 @@ namespace {
 constexpr std::array<std::uint32_t, 3> GlnPlatforms{0x7AF0, 0x51F0, 0x54F0};
 constexpr std::array<std::uint32_t, 2> CrkPlatforms{0x7F70, 0x7E40};
 constexpr const char* CrkWorkloadFile = "Workload_CRK.bitcfg";
-/// Hardware that starts with the profile of a country instead of the device's own.
-constexpr std::array<std::uint32_t, 7> CountryHardware{21, 22, 23, 26, 27, 29, 30};
 
 template <typename List>
 bool Holds(const List& list, std::uint32_t value) {
@@ -97,7 +89,7 @@ void TarnWifiFlows::Init() {
     m_nvm = CommandFactory::GetInstance().getNvmInstance();
     if (const std::string* document = NvmDocumentOfHardware(m_hwType)) Nvm().SetMetadata(*document);
     Nvm().GetMacAddress(m_macAddress);
-    if (Holds(CountryHardware, m_hwType)) SetMccValue("US");
+    if (const char* country = RadioFacts::HardwareOf(m_hwType).startCountry) SetMccValue(country);
     TarnWifiFlows::ReloadMccProfile();  // text answers, in the front-end variant too
     m_firstGainLookup = true;
     m_consecutiveRuns = 0;
@@ -105,50 +97,15 @@ void TarnWifiFlows::Init() {
 
 void TarnWifiFlows::InitLumen() {
     TRACE_SCOPE("TarnWifiFlows::InitLumen");
-    const auto make = [this]<typename Engine, typename Capture, typename... Arguments>(Arguments... arguments) {
-        auto engine = std::make_unique<Engine>(arguments...);
-        m_sampler = std::make_unique<Capture>(m_adc, engine.get());
-        m_lmnSA = std::move(engine);
-    };
-    using namespace WifiAdc;
-    switch (m_hwType) {
-        case 5:
-        case 6:
-        case 7:
-        case 8:
-            return make.operator()<Engines::CLmnElmOak, CSampleSorrel>();
-        case 9:
-            return make.operator()<Engines::CLmnSA, CSampleTansy>();
-        case 11:
-        case 12:
-        case 13:
-        case 14:
-        case 15:
-            return make.operator()<Engines::CLmnSA, CSampleYarrow>();
-        case 16:
-        case 17:
-        case 20:
-        case 24:
-            return make.operator()<Engines::CLmnFirYew, CSampleYarrow>();
-        case 21:
-        case 25:
-        case 28:
-            return make.operator()<Engines::CLmnAsh2, CSampleYarrow>(GetAshBayBoardSKU());
-        case 22:
-            return make.operator()<Engines::CLmnBay, CSampleYarrow>(GetAshBayBoardSKU());
-        case 23:
-            return make.operator()<Engines::CLmnAsh4, CSampleYarrow>(GetAshBayBoardSKU());
-        case 26:
-        case 27:
-            return make.operator()<Engines::CLmnPine, CSampleClover>();
-        case 29:
-            return make.operator()<Engines::CLmnRowan, CSampleClover>(GetAshBayBoardSKU());
-        case 30:
-            return make.operator()<Engines::CLmnSA, CSampleClover>();
-        default:
-            TRACE(Streams::TraceError, "Unknown device");
-            throw std::runtime_error("Unknown device");
+    const RadioFacts::HardwareType* hardware = RadioFacts::FindHardware(m_hwType);
+    if (!hardware) {
+        TRACE(Streams::TraceError, "Unknown device");
+        throw std::runtime_error("Unknown device");
     }
+    const bool needsBoard = hardware->boardQuery == RadioFacts::BoardQuery::AtStart;
+    auto engine = Engines::MakeEngine(hardware->family, needsBoard ? GetAshBayBoardSKU() : 0U);
+    m_sampler = WifiAdc::MakeSampler(hardware->capture, m_adc, engine.get());
+    m_lmnSA = std::move(engine);
 }
 
 void TarnWifiFlows::IdentifyPlatform() {

@@ -68,9 +68,10 @@ void TarnWifiFlows::SetBandwidth(std::string text) {
 
 void TarnWifiFlows::SetSampleRate() {
     TRACE_SCOPE("TarnWifiFlows::SetSampleRate");
-    constexpr std::array<std::uint32_t, 3> NarrowFamilies{6, 7, 9};
-    Engine().m_SampleRate = LumenSpectrumAnalyzer::SampleRateMhz(m_hwType, m_rxConfig.m_Bandwidth);
-    if (std::ranges::count(NarrowFamilies, m_hwType) != 0 && m_rxConfig.m_Bandwidth > 2)
+    const RadioFacts::SampleRates rates = RadioFacts::HardwareOf(m_hwType).rates;
+    const double rate = SampleRateMhz(rates, m_rxConfig.m_Bandwidth);
+    Engine().m_SampleRate = rate;
+    if (rates == RadioFacts::SampleRates::Fixed80 && rate == 0)
         TRACE(TraceWarning, "Sample rate set to 0.0 (due to unknown bandwidth)");
 }
 

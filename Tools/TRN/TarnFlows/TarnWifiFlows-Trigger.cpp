@@ -12,18 +12,14 @@ void TarnWifiFlows::TriggerNow() {
 }
 
 void TarnWifiFlows::PrepareCaptureMode() {
-    switch (m_hwType) {
-        case 21:
-        case 23:
+    switch (RadioFacts::HardwareOf(m_hwType).preparation) {
+        case RadioFacts::Preparation::A:
             Adc().PrepareCaptureA({2});
             break;
-        case 26:
-        case 27:
-        case 29:
-        case 30:
+        case RadioFacts::Preparation::B:
             Adc().PrepareCaptureB({0, 2});
             break;
-        default:
+        case RadioFacts::Preparation::None:
             break;
     }
 }

@@ -126,13 +126,13 @@ void TarnWifiFlows::SupportedConfigToString() {
 
 AshBayBoardSKU TarnWifiFlows::GetAshBayBoardSKU() {
     TRACE_SCOPE("TarnWifiFlows::GetAshBayBoardSKU");
-    if (m_hwType < 21 || m_hwType > 29 || m_hwType == 24)
+    if (RadioFacts::HardwareOf(m_hwType).boardQuery == RadioFacts::BoardQuery::Never)
         ThrowLogged(traceFunctionName, "This function is only intended for Ash/Bay devices!");
-    switch (Adc().GetBoardSku() & 0xFF) {
-        case 1:
+    switch (RadioFacts::BoardNumber(Adc().GetBoardSku())) {
+        case eASH_BAY_BOARD_SKU_2230:
             TRACE(TraceInfo, "boardSku = eASH_BAY_BOARD_SKU_2230");
             return eASH_BAY_BOARD_SKU_2230;
-        case 2:
+        case eASH_BAY_BOARD_SKU_1216:
             TRACE(TraceInfo, "boardSku = eASH_BAY_BOARD_SKU_1216");
             return eASH_BAY_BOARD_SKU_1216;
         default:

@@ -9,6 +9,7 @@
 
 #include "CSampleCommon.h"
 #include "Device/ChannelDatabase.h"
+#include "HardwareTypes.h"
 #include "ITrellisPlugin.h"
 #include "QuayCommands.h"
 #include "Stores/FreqPowerStore.h"

@@ -4,6 +4,7 @@
 
 #include "Exceptions.h"
 #include "Format.h"
+#include "HardwareTypes.h"
 #include "Streams/Trace.h"
 
 namespace ChannelDatabase {
@@ -76,11 +77,6 @@ constexpr auto AllRows = [] {
 constexpr std::array<const char*, BandwidthCount> WidthTexts{"20", "40", "80", "160", "320"};
 constexpr std::array<const char*, 3> BandNames{"LB", "HB", "UHB"};
 
-template <std::size_t N>
-bool IsOneOf(std::uint32_t value, const std::array<std::uint32_t, N>& values) {
-    return std::find(values.begin(), values.end(), value) != values.end();
-}
-
 /// Row of a channel in its constant table, 1 or above. `operation` is the flow operation whose name the log bears.
 /// @param channel  double or integer; its own form stands in the messages
 template <typename Channel>
@@ -128,32 +124,8 @@ std::optional<ChannelTableId> FindTable(std::uint32_t band, std::uint32_t bandwi
 }
 
 bool IsBandSupportedForDevice(ChannelTableId id, std::uint32_t cardType, std::uint32_t hwType) {
-    using Codes5 = std::array<std::uint32_t, 5>;
-    constexpr Codes5 HighBandCards{0, 1, 4, 8, 64};
-    constexpr std::array<std::uint32_t, 4> HighBand160Cards{0, 1, 4, 8};
-    constexpr std::array<std::uint32_t, 18> HighBand80Hardware{6,  7,  9,  11, 13, 14, 15, 16, 17,
-                                                               20, 21, 22, 23, 24, 26, 27, 29, 30};
-    constexpr std::array<std::uint32_t, 11> HighBand160Hardware{11, 13, 16, 20, 21, 22, 23, 26, 27, 29, 30};
-    constexpr std::array<std::uint32_t, 7> UltraHighBandHardware{21, 22, 23, 26, 27, 29, 30};
-    constexpr std::array<std::uint32_t, 3> UltraHighBand320Hardware{26, 27, 29};
-    switch (id) {
-        case HighBand20:
-        case HighBand40:
-            return IsOneOf(cardType, HighBandCards);
-        case HighBand80:
-            return IsOneOf(cardType, HighBandCards) && IsOneOf(hwType, HighBand80Hardware);
-        case HighBand160:
-            return IsOneOf(cardType, HighBand160Cards) && IsOneOf(hwType, HighBand160Hardware);
-        case UltraHighBand20:
-        case UltraHighBand40:
-        case UltraHighBand80:
-        case UltraHighBand160:
-            return IsOneOf(hwType, UltraHighBandHardware);
-        case UltraHighBand320:
-            return IsOneOf(hwType, UltraHighBand320Hardware);
-        default:
-            return true;
-    }
+    if (id >= ChannelTableCount) return true;
+    return RadioFacts::CanTune(hwType, cardType, {Rules[id].band, Rules[id].bandwidth, {}});
 }
 
 void AddSupportedRows(std::span<const ChannelRow> rows, ChannelTableId id, std::uint32_t band, std::uint32_t bandwidth,
@@ -246,7 +218,7 @@ std::string ConvertChainU32ToString(std::uint32_t chain) {
 }
 
 bool Is2RxChainsCard(std::uint32_t cardType) {
-    return IsOneOf(cardType, std::array<std::uint32_t, 5>{1, 2, 4, 8, 32});
+    return RadioFacts::CardOf(cardType).twoChainMask != 0;
 }
 
 void GuiToHWAnts(std::uint32_t cardType, std::uint32_t hwType, quayCommand::RxConfig& rxConfig,
@@ -259,12 +231,13 @@ void GuiToHWAnts(std::uint32_t cardType, std::uint32_t hwType, quayCommand::RxCo
             throw new Common::Exception(
                 "unexpected device type / hardware is not supported (HW ID:" + std::to_string(hwType) + ")");
         }
-        rxConfig.antennaMask = cardType == 1 || cardType == 2 ? 1 : 3;
+        rxConfig.antennaMask = RadioFacts::CardOf(cardType).twoChainMask;
         rxConfig.antennaSelection = 3;
         return;
     }
-    const bool onlyB = hwType == 5;
-    const bool onlyA = IsOneOf(hwType, std::array<std::uint32_t, 8>{11, 13, 14, 15, 16, 17, 20, 24});
+    const RadioFacts::Antenna antenna = RadioFacts::HardwareOf(hwType).antenna;
+    const bool onlyA = antenna == RadioFacts::Antenna::OnlyA;
+    const bool onlyB = antenna == RadioFacts::Antenna::OnlyB;
     if (!onlyA && !onlyB) return;
     rxConfig.antennaMask = rxConfig.m_currChain = rxConfig.antennaSelection = onlyB ? 2 : 1;
     adcConfig.chainAEnable = onlyA;

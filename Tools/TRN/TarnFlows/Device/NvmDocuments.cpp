@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "HardwareTypes.h"
+
 namespace {
 
 // The memory of the simulated adapter, as far as it has one: an identity, what is fitted, and where its transmit power
@@ -42,7 +44,8 @@ struct Product {
     bool hasAntennaSwitch;
 };
 
-enum DocumentId { Teak, Fir, Yew, Ash, Bay, Ash4, DocumentCount };
+using RadioFacts::NvmDocument;
+constexpr auto DocumentCount = static_cast<std::size_t>(NvmDocument::None);
 
 constexpr std::array<Product, DocumentCount> Products{{
     {"Teak", nullptr, "0xA356", true, false, false, false},
@@ -136,37 +139,20 @@ std::string Document(const Product& product) {
     return xml + "</Partitions></NVM_METADATA>";
 }
 
-const std::string& DocumentOf(DocumentId id) {
+const std::string& DocumentOf(NvmDocument id) {
     static const std::array<std::string, DocumentCount> documents = [] {
         std::array<std::string, DocumentCount> made;
         for (std::size_t k = 0; k < DocumentCount; ++k)
             made[k] = Document(Products[k]);
         return made;
     }();
-    return documents[id];
+    return documents[static_cast<std::size_t>(id)];
 }
 
 }  // namespace
 
 const std::string* NvmDocumentOfHardware(std::uint32_t hwType) {
-    // clang-format off
-    switch (hwType) {
-        case 5: case 6: case 7: case 8: case 9: case 26: case 27: case 29: case 30:
-            return nullptr;
-        case 11: case 12: case 13: case 14: case 15:
-            return &DocumentOf(Teak);
-        case 16: case 17: case 24:
-            return &DocumentOf(Fir);
-        case 20:
-            return &DocumentOf(Yew);
-        case 21: case 25: case 28:
-            return &DocumentOf(Ash);
-        case 22:
-            return &DocumentOf(Bay);
-        case 23:
-            return &DocumentOf(Ash4);
-        default:
-            throw std::runtime_error("Unknown device");
-    }
-    // clang-format on
+    const RadioFacts::HardwareType* hardware = RadioFacts::FindHardware(hwType);
+    if (!hardware) throw std::runtime_error("Unknown device");
+    return hardware->nvm == NvmDocument::None ? nullptr : &DocumentOf(hardware->nvm);
 }

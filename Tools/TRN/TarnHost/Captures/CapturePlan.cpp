@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <initializer_list>
 #include <iterator>
+
+#include "HardwareTypes.h"
 
 namespace TarnHost {
 namespace {
-
-using Codes = std::initializer_list<std::uint32_t>;
 
 /// Channels `first` to `last` in steps.
 struct ChannelRange {
@@ -39,25 +38,6 @@ constexpr auto rows = std::to_array<PlanRow>({
     {2, 4, {{{31, 191, 32}}}, {31}},
 });
 
-bool IsOneOf(std::uint32_t code, Codes codes) {
-    return std::ranges::find(codes, code) != codes.end();
-}
-
-/// Whether chip and card can tune to the row at all, whatever the country allows.
-bool IsHardwareAble(const AdapterAbilities& abilities, const PlanRow& row) {
-    const std::uint32_t hw = abilities.hwType;
-    const std::uint32_t card = abilities.cardType;
-    const bool isFiveGhzCard = IsOneOf(card, {0, 1, 4, 8, 64});
-    if (row.band == 0) return true;
-    if (row.band == 2)
-        return row.bandwidth == 4 ? IsOneOf(hw, {26, 27, 29}) : IsOneOf(hw, {21, 22, 23, 26, 27, 29, 30});
-    if (row.bandwidth == 2)
-        return isFiveGhzCard && IsOneOf(hw, {6, 7, 9, 11, 13, 14, 15, 16, 17, 20, 21, 22, 23, 24, 26, 27, 29, 30});
-    if (row.bandwidth == 3)
-        return isFiveGhzCard && card != 64 && IsOneOf(hw, {11, 13, 16, 20, 21, 22, 23, 26, 27, 29, 30});
-    return isFiveGhzCard;
-}
-
 std::vector<std::uint32_t> ChannelsOf(const AdapterAbilities& abilities, const PlanRow& row) {
     const auto isSupported = [&](std::uint32_t channel) {
         return channel != 0 && abilities.nvm->IsChannelSupported(channel, row.bandwidth, row.band);
@@ -77,7 +57,9 @@ std::vector<std::uint32_t> ChannelsOf(const AdapterAbilities& abilities, const P
 std::vector<PlanEntry> MakeCapturePlan(const AdapterAbilities& abilities) {
     std::vector<PlanEntry> plan;
     for (const PlanRow& row : rows) {
-        if (!IsHardwareAble(abilities, row) || !abilities.nvm->IsBandEnabled(row.band)) continue;
+        if (!RadioFacts::CanTune(abilities.hwType, abilities.cardType, {row.band, row.bandwidth, {}}) ||
+            !abilities.nvm->IsBandEnabled(row.band))
+            continue;
         for (const std::uint32_t channel : ChannelsOf(abilities, row)) {
             for (const std::uint32_t chain : {1U, 2U}) {
                 if (abilities.antennaMask & chain) plan.push_back({row.band, row.bandwidth, channel, chain});

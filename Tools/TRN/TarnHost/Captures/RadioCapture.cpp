@@ -4,20 +4,12 @@
 #include <memory>
 
 #include "Guarded.h"
+#include "HardwareTypes.h"
 
 namespace TarnHost {
 namespace {
 
 using namespace quayCommand;
-
-/// Generations of the capture engine; each has its own form of the capture record.
-enum class Generation { First, Second, Third, Fourth };
-
-Generation GenerationOf(std::uint32_t hwType) {
-    if (hwType == 26 || hwType == 27 || hwType == 29 || hwType == 30) return Generation::Fourth;
-    if (hwType >= 11) return Generation::Third;
-    return hwType == 9 ? Generation::Second : Generation::First;
-}
 
 /// Words that the radio wants; they have no meaning here.
 CaptureDescriptorD NewDescriptor(std::uint32_t selector) {
@@ -66,15 +58,16 @@ void RadioCapture::TuneTo(const PlanEntry& entry) {
 }
 
 void RadioCapture::SetLowestGain() {
-    const std::uint32_t hw = m_abilities.hwType;
     GainConfig gain;
     gain.enable = 1;
-    if (GenerationOf(hw) == Generation::Fourth)
-        m_adc->SetManualGainC({gain.enable});
-    else if (hw == 25 || hw == 28)
-        m_adc->SetManualGainB({gain.enable});
-    else
-        m_adc->SetManualGainA(gain);
+    switch (RadioFacts::HardwareOf(m_abilities.hwType).gainLayout) {
+        case RadioFacts::GainLayout::A:
+            return m_adc->SetManualGainA(gain);
+        case RadioFacts::GainLayout::B:
+            return m_adc->SetManualGainB({gain.enable});
+        case RadioFacts::GainLayout::C:
+            return m_adc->SetManualGainC({gain.enable});
+    }
 }
 
 bool RadioCapture::Read(const PlanEntry& entry, Samples& samples) {
@@ -88,12 +81,12 @@ bool RadioCapture::Read(const PlanEntry& entry, Samples& samples) {
     std::array<double*, 4> q = {samples.q.data(), spare[3].data(), spare[4].data(), spare[5].data()};
     const AdcReadRequest request = {0, 5000, 2, 2};
 
-    const Generation generation = GenerationOf(m_abilities.hwType);
-    if (generation == Generation::First || generation == Generation::Second) {
+    const RadioFacts::CaptureClass capture = RadioFacts::HardwareOf(m_abilities.hwType).capture;
+    if (capture == RadioFacts::CaptureClass::Sorrel || capture == RadioFacts::CaptureClass::Tansy) {
         m_adc->SetCaptureDescriptorB(OldDescriptor(entry.chain));
         return m_adc->ReadCapture(request, i.data(), q.data());
     }
-    if (generation == Generation::Fourth) {
+    if (capture == RadioFacts::CaptureClass::Clover) {
         m_adc->SetCaptureSource({3, 1, 0, 2, 0, 1});
         m_adc->SetCaptureDescriptorD(NewDescriptor(entry.chain));
     } else {
