@@ -1,10 +1,9 @@
-#include <signal.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <thread>
 
+#include "Child.h"
 #include "Folder.h"
 #include "OSAL/WholeFile.h"
 
@@ -80,18 +79,15 @@ TEST_F(WholeFiles, AreOldOrNewWheneverTheirWritersAreKilled) {
     const std::string first(300000, 'a'), second(300000, 'b');
     const auto path = Make("a", first);
     for (int round = 0; round < 50; ++round) {
-        pid_t writers[2];
-        for (pid_t& writer : writers)
-            if ((writer = fork()) == 0)
-                for (int k = round;; ++k)
-                    if (!OSAL::WriteWholeFile(path, k % 2 ? first : second)) _exit(1);
+        const auto write = [&] {
+            for (int k = round; OSAL::WriteWholeFile(path, k % 2 ? first : second); ++k) {
+            }
+            return 1;
+        };
+        Child one(write), other(write);
         usleep(static_cast<useconds_t>(round * 211 % 7000));
-        for (const pid_t writer : writers) {
-            int status = 0;
-            kill(writer, SIGKILL);
-            waitpid(writer, &status, 0);
-            EXPECT_TRUE(WIFSIGNALED(status));
-        }
+        for (Child* writer : {&one, &other})
+            EXPECT_EQ(writer->Kill(), -SIGKILL) << "it fell out of its loop";
         const auto text = TextOf(path);
         ASSERT_TRUE(text == first || text == second) << round;
     }
