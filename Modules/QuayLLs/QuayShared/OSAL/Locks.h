@@ -75,6 +75,8 @@ public:
     explicit CriticalSectionOSAL(std::uint32_t spinCount) : m_spinCount(spinCount) {}
     void Enter() override;
     void Leave() override;
+    /// False at once when another thread has it.
+    bool TryEnter() { return m_mutex.try_lock(); }
 
 private:
     std::recursive_mutex m_mutex;
