@@ -3,13 +3,16 @@
 #pragma once
 
 #include "OSAL/CFile.h"
+#include "OSAL/Crash.h"
 #include "OSAL/Errors.h"
 #include "OSAL/Files.h"
+#include "OSAL/Libraries.h"
 #include "OSAL/Locks.h"
 #include "OSAL/Machine.h"
 #include "OSAL/Memory.h"
 #include "OSAL/Outcome.h"
 #include "OSAL/Paths.h"
+#include "OSAL/Process.h"
 #include "OSAL/SequentialFile.h"
 #include "OSAL/Threads.h"
 #include "OSAL/Time.h"
