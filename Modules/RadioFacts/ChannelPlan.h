@@ -15,7 +15,7 @@ namespace RadioFacts {
 struct Band {
     std::string_view name;       ///< as a person writes it, in GHz
     std::string_view otherName;  ///< accepted besides; empty: none
-    const char* code;            ///< in lists of channels
+    std::string_view code;       ///< in lists of channels
     double originMhz;            ///< where channel number 0 would lie
 };
 inline constexpr std::array<Band, 3> Bands{{
@@ -26,11 +26,37 @@ inline constexpr std::array<Band, 3> Bands{{
 constexpr std::uint32_t BandCount = Bands.size();
 
 struct Bandwidth {
-    const char* name;  ///< decimal text of the width
+    std::string_view name;  ///< decimal text of the width
     std::uint32_t mhz;
 };
 inline constexpr std::array<Bandwidth, 5> Bandwidths{{{"20", 20}, {"40", 40}, {"80", 80}, {"160", 160}, {"320", 320}}};
 constexpr std::uint32_t BandwidthCount = Bandwidths.size();
+
+namespace Detail {
+/// The names of a table's rows, split by "|".
+template <const auto& Table>
+inline constexpr auto JoinedNames = [] {
+    constexpr std::size_t length = [] {
+        std::size_t sum = Table.size() - 1;
+        for (const auto& row : Table)
+            sum += row.name.size();
+        return sum;
+    }();
+    std::array<char, length> text{};
+    std::size_t at = 0;
+    for (const auto& row : Table) {
+        if (at != 0) text[at++] = '|';
+        for (const char c : row.name)
+            text[at++] = c;
+    }
+    return text;
+}();
+}  // namespace Detail
+
+/// "2.4|5.2|6-7" and "20|40|80|160|320": the choices of a command line.
+inline constexpr std::string_view BandChoices(Detail::JoinedNames<Bands>.data(), Detail::JoinedNames<Bands>.size());
+inline constexpr std::string_view BandwidthChoices(Detail::JoinedNames<Bandwidths>.data(),
+                                                   Detail::JoinedNames<Bandwidths>.size());
 
 /// Channels first, first + step, ... up to and with last.
 struct ChannelRun {
@@ -87,6 +113,13 @@ constexpr double CentreMhz(std::uint32_t band, double channel) {
 
 /// The set of a pair; null when it has none.
 const ChannelSet* FindChannelSet(std::uint32_t band, std::uint32_t bandwidth);
+
+/// Number of channels of a set.
+constexpr std::size_t ChannelCount(const ChannelSet& set) {
+    std::size_t count = 0;
+    ForEachChannel(set, [&](std::int32_t) { ++count; });
+    return count;
+}
 
 /// True when the band has this channel at this width.
 bool HasChannel(std::uint32_t band, std::uint32_t bandwidth, std::uint32_t channel);

@@ -7,6 +7,7 @@
 #include <limits>
 #include <optional>
 
+#include "ChannelPlan.h"
 #include "Format.h"
 #include "TextTools.h"
 
@@ -46,7 +47,7 @@ Reason ReadBands(std::string_view text, std::set<std::uint32_t>& out) {
     std::set<std::uint32_t> bands;
     for (const auto part : SplitAt(text, '+')) {
         const auto band = WholeNumber(part);
-        if (!band || *band > 2 || !bands.insert(static_cast<std::uint32_t>(*band)).second)
+        if (!band || *band >= RadioFacts::BandCount || !bands.insert(static_cast<std::uint32_t>(*band)).second)
             return Common::Format("\"${1}\" isn't a list of different bands such as 0+1+2") % text;
     }
     out = std::move(bands);

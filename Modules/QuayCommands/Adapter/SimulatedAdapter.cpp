@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "ChannelPlan.h"
 #include "GainModel.h"
 #include "HardwareTypes.h"
 #include "QuayExceptions.h"
@@ -34,7 +33,7 @@ void SimulatedAdc::Reset() {
 
 void SimulatedAdc::ConfigTxRx(const RxConfig* config) {
     if (!config) throw CQuayMsgException("no receiver record", "ConfigTxRx", SourceName, __LINE__);
-    if (config->m_band > 2 || config->m_Bandwidth > 4)
+    if (config->m_band >= RadioFacts::BandCount || config->m_Bandwidth >= RadioFacts::BandwidthCount)
         throw CQuayMsgException("no such band or bandwidth", "ConfigTxRx", SourceName, __LINE__);
     m_tuning = *config;
     m_tuned = true;
@@ -76,9 +75,9 @@ OSAL::Outcome<CaptureFacts> SimulatedAdc::Capture(double** i, double** q) {
         ++used;
     }
     CaptureRequest request;
-    request.centreMhz = ChannelCentreMhz(m_tuning.m_band, m_tuning.m_channel);
+    request.centreMhz = RadioFacts::CentreMhz(m_tuning.m_band, m_tuning.m_channel);
     request.sampleRateMhz = CaptureRateMhz(m_adapter.hwType, m_tuning.m_Bandwidth);
-    request.bandwidthMhz = WidthMhz(m_tuning.m_Bandwidth);
+    request.bandwidthMhz = RadioFacts::WidthMhz(m_tuning.m_Bandwidth);
     request.chains = std::span(chains).first(used);
     return CaptureAsAsked(m_air, request);
 }
@@ -124,11 +123,11 @@ std::uint32_t SimulatedWifi::GetRevisionId() {
 }
 
 void SimulatedWifi::SetLmac(std::uint32_t band) {
-    if (band > 2) throw CQuayMsgException("no MAC for this band", "SetLmac", SourceName, __LINE__);
+    if (band >= RadioFacts::BandCount) throw CQuayMsgException("no MAC for this band", "SetLmac", SourceName, __LINE__);
 }
 
 bool SimulatedNvm::IsChannelSupported(std::uint32_t channel, std::uint32_t bandwidth, std::uint32_t band) {
-    return m_adapter.bands.contains(band) && IsChannel(band, bandwidth, channel);
+    return m_adapter.bands.contains(band) && RadioFacts::HasChannel(band, bandwidth, channel);
 }
 
 void SimulatedNvm::SetMcc(std::uint16_t code, bool apply) {

@@ -12,21 +12,6 @@ using Streams::TraceWarning;
 
 namespace {
 
-struct BandName {
-    std::string_view text;
-    std::uint32_t band;
-};
-constexpr auto BandNames = std::to_array<BandName>({{"2.4", 0}, {"5.2", 1}, {"5", 1}, {"6-7", 2}});
-
-struct Width {
-    std::string_view text;
-    std::int32_t mhz;
-    std::uint32_t lowestBand;  ///< bands below have no channel that wide
-};
-/// By bandwidth number.
-constexpr auto Widths =
-    std::to_array<Width>({{"20", 20, 0}, {"40", 40, 0}, {"80", 80, 1}, {"160", 160, 1}, {"320", 320, 2}});
-
 constexpr std::array<double, 4> ResolutionsKhz{39.0625, 78.125, 156.25, 312.5};
 
 }  // namespace
@@ -39,28 +24,27 @@ void TarnWifiFlows::MarkRetuned(bool average) {
 
 void TarnWifiFlows::SetBand(std::string text) {
     TRACE_SCOPE("TarnWifiFlows::SetBand");
-    const auto row = std::ranges::find(BandNames, text, &BandName::text);
-    if (row == BandNames.end() || !Nvm().IsBandEnabled(row->band))
+    const auto band = RadioFacts::FindBand(text);
+    if (!band || !Nvm().IsBandEnabled(*band))
         ThrowLogged(traceFunctionName, Common::Format("Band ${1} is not supported") % text);
-    Engine().m_Band = row->band;
-    if (m_rxConfig.m_band == row->band && !m_isFirstRun) return;
-    m_rxConfig.m_band = row->band;
+    Engine().m_Band = *band;
+    if (m_rxConfig.m_band == *band && !m_isFirstRun) return;
+    m_rxConfig.m_band = *band;
     MarkRetuned(true);
 }
 
 void TarnWifiFlows::SetBandwidth(std::string text) {
     TRACE_SCOPE("TarnWifiFlows::SetBandwidth");
-    const auto row = std::ranges::find(Widths, text, &Width::text);
-    if (row == Widths.end()) ThrowLogged(traceFunctionName, "Invalid bandwidth");
-    if (m_rxConfig.m_band < row->lowestBand) {
+    const auto bandwidth = RadioFacts::FindBandwidth(text);
+    if (!bandwidth) ThrowLogged(traceFunctionName, "Invalid bandwidth");
+    if (m_rxConfig.m_band < RadioFacts::LowestBandOf(*bandwidth)) {
         const std::string message = Common::Format("bandwidth ${1} is not supported in this band") % text;
         throw new CSvMsgException(message.c_str(), __FILE__, __LINE__, traceFunctionName);
     }
     auto& engine = Engine();
-    engine.m_Bandwidth = row->mhz;
-    const auto bandwidth = static_cast<std::uint32_t>(row - Widths.begin());
-    if (m_rxConfig.m_Bandwidth == bandwidth && !m_isFirstRun) return;
-    m_rxConfig.m_Bandwidth = bandwidth;
+    engine.m_Bandwidth = static_cast<std::int32_t>(RadioFacts::WidthMhz(*bandwidth));
+    if (m_rxConfig.m_Bandwidth == *bandwidth && !m_isFirstRun) return;
+    m_rxConfig.m_Bandwidth = *bandwidth;
     SetSampleRate();
     MarkRetuned(true);
     engine.m_isInit = true;
@@ -82,10 +66,10 @@ void TarnWifiFlows::SetChannel(int channel) {
     const auto flags = m_channelFlags.find({channel, m_rxConfig.m_band});
     if (flags == m_channelFlags.end())
         ThrowLogged(traceFunctionName, Common::Format("Channel ${1} is not supported") % channel);
-    if (bandwidth >= Widths.size()) ThrowLogged(traceFunctionName, "bandwidth not set");
+    if (bandwidth >= RadioFacts::BandwidthCount) ThrowLogged(traceFunctionName, "bandwidth not set");
     if (!flags->second[bandwidth])
-        ThrowLogged(traceFunctionName,
-                    Common::Format("Channel is not supported in bandwidth ${1}Mhz") % Widths[bandwidth].text);
+        ThrowLogged(traceFunctionName, Common::Format("Channel is not supported in bandwidth ${1}Mhz") %
+                                           RadioFacts::Bandwidths[bandwidth].name);
 
     const auto tableId = ChannelDatabase::FindTable(m_rxConfig.m_band, bandwidth);
     const auto table = tableId ? m_channelTables.find(*tableId) : m_channelTables.end();

@@ -4,6 +4,8 @@
 #include <array>
 #include <cctype>
 
+#include "ChannelPlan.h"
+
 namespace TarnKeys {
 namespace {
 
@@ -60,8 +62,14 @@ constexpr auto table = std::to_array<KeyRow>({
     {"-save_maxhold", WritesFile, FileName, Files, "write the max hold"},
     {"-get_supported_config", Tells, None, Device, "ids, versions and the channels this device supports"},
     {"-reset_config", Acts, None, Setting, "back to band 2.4, 20 MHz, channel 1, chain A", Spoils, Tuning},
-    {"-band", Sets, {Text, "BAND", "2.4|5.2|6-7"}, Setting, "band in GHz", Spoils, "-bandwidth|-channel"},
-    {"-bandwidth", Sets, {Text, "MHZ", "20|40|80|160|320"}, Setting, "channel width in MHz", Spoils, "-channel"},
+    {"-band", Sets, {Text, "BAND", RadioFacts::BandChoices}, Setting, "band in GHz", Spoils, "-bandwidth|-channel"},
+    {"-bandwidth",
+     Sets,
+     {Text, "MHZ", RadioFacts::BandwidthChoices},
+     Setting,
+     "channel width in MHz",
+     Spoils,
+     "-channel"},
     {"-channel", Sets, {Int, "NUMBER"}, Setting, "channel number in the band and at the width set", Spoils},
     {"-gain_file_name", Sets, FileName, Gain, "read a table of gains by device, chain, frequency and width"},
     {"-set_gain_from_file", Acts, None, Gain, "look the current setting up in the gain file and use it"},

@@ -7,28 +7,20 @@
 #include <sstream>
 #include <string_view>
 
+#include "ChannelPlan.h"
+
 namespace TarnMeasure {
 namespace {
 
-struct BandRow {
-    const char* text;
-    const char* shortName;  // as -get_supported_config names it
-    double base_mhz;        // frequency of channel 0
-};
-constexpr BandRow bands[] = {{"2.4", "LB", 2407}, {"5.2", "HB", 5000}, {"5", "HB", 5000}, {"6-7", "UHB", 5950}};
-constexpr const char* widths[] = {"20", "40", "80", "160", "320"};
 constexpr int longestAverage = 100;    // sweeps that one averaging run of the engine can hold
 constexpr double highestCode = 32700;  // of 32767; the rest is room for the DC offset that was taken off
 
-const BandRow* FindBand(const std::string& text) {
-    const auto row = std::ranges::find_if(bands, [&](const BandRow& band) { return text == band.text; });
-    return row == std::end(bands) ? nullptr : &*row;
-}
-
-std::optional<std::size_t> WidthIndex(const std::string& text) {
-    const auto width = std::ranges::find_if(widths, [&](const char* w) { return text == w; });
-    if (width == std::end(widths)) return std::nullopt;
-    return static_cast<std::size_t>(width - std::begin(widths));
+/// "A|B" as "A, B".
+std::string Listed(std::string_view choices) {
+    std::string text;
+    for (const char c : choices)
+        text += c == '|' ? ", " : std::string(1, c);
+    return text;
 }
 
 std::vector<double> Numbers(std::string_view line) {
@@ -203,23 +195,22 @@ std::string JoinNumbers(const std::vector<int>& numbers) {
 }  // namespace
 
 double WidthMhz(const std::string& bandwidth) {
-    const auto index = WidthIndex(bandwidth);
-    return index ? 20.0 * static_cast<double>(1U << *index) : 0.0;
+    const auto number = RadioFacts::FindBandwidth(bandwidth);
+    return number ? RadioFacts::WidthMhz(*number) : 0.0;
 }
 
 double CentreMhz(const std::string& band, int channel) {
-    if (band == "2.4" && channel == 14) return 2484;
-    const BandRow* row = FindBand(band);
-    return row ? row->base_mhz + 5.0 * channel : 0.0;
+    const auto number = RadioFacts::FindBand(band);
+    return number ? RadioFacts::CentreMhz(*number, channel) : 0.0;
 }
 
 std::vector<int> SupportedChannels(const std::string& supportedConfig, const std::string& band,
                                    const std::string& bandwidth) {
-    const BandRow* row = FindBand(band);
-    const auto width = WidthIndex(bandwidth);
+    const auto row = RadioFacts::FindBand(band);
+    const auto width = RadioFacts::FindBandwidth(bandwidth);
     std::vector<int> channels;
     if (!row || !width) return channels;
-    const std::string tail = std::string(",") + row->shortName + "),";
+    const std::string tail = "," + std::string(RadioFacts::Bands[*row].code) + "),";
     std::istringstream stream(supportedConfig);
     for (std::string line; std::getline(stream, line);) {
         const auto at = line.find(tail);
@@ -233,9 +224,10 @@ std::vector<int> SupportedChannels(const std::string& supportedConfig, const std
 }
 
 Plan MakePlan(const Request& request, const std::string& supportedConfig) {
-    if (!FindBand(request.band)) return {{}, "band '" + request.band + "' isn't one of 2.4, 5.2, 6-7"};
-    if (!WidthIndex(request.bandwidth))
-        return {{}, "bandwidth '" + request.bandwidth + "' isn't one of 20, 40, 80, 160, 320"};
+    if (!RadioFacts::FindBand(request.band))
+        return {{}, "band '" + request.band + "' isn't one of " + Listed(RadioFacts::BandChoices)};
+    if (!RadioFacts::FindBandwidth(request.bandwidth))
+        return {{}, "bandwidth '" + request.bandwidth + "' isn't one of " + Listed(RadioFacts::BandwidthChoices)};
     if (request.sweeps < 1) return {{}, "at least one sweep is needed"};
     if (request.average && request.sweeps > longestAverage)
         return {{}, "an average holds " + std::to_string(longestAverage) + " sweeps at most; ask for fewer --sweeps"};

@@ -13,7 +13,12 @@ constexpr double LowestDbm = -200.0, HighestDbm = 20.0;
 constexpr double LowestMhz = 1.0, HighestMhz = 10000.0;
 constexpr double LongestS = 1e6;
 
-const std::vector<std::string> BandNames{"2.4", "5.2", "6-7"};
+const std::vector<std::string> BandNames = [] {
+    std::vector<std::string> names;
+    for (const RadioFacts::Band& band : RadioFacts::Bands)
+        names.emplace_back(band.name);
+    return names;
+}();
 const std::vector<std::string> ActivityNames{"always", "workload", "no_workload"};
 
 /// A key in seconds as whole microseconds.
@@ -50,9 +55,10 @@ void ReadSource(JsonObject& object, Source& source) {
 
 /// The bandwidth number of a width that the band and the channel have.
 std::uint32_t ReadBandwidth(JsonObject& object, std::uint32_t band, std::uint32_t channel) {
-    const auto width = object.Whole("width_mhz", 20, 320);
-    for (std::uint32_t bandwidth = 0; bandwidth <= 4; ++bandwidth)
-        if (WidthMhz(bandwidth) == width && IsChannel(band, bandwidth, channel)) return bandwidth;
+    const auto width = object.Whole("width_mhz", RadioFacts::Bandwidths.front().mhz, RadioFacts::Bandwidths.back().mhz);
+    for (std::uint32_t bandwidth = 0; bandwidth < RadioFacts::BandwidthCount; ++bandwidth)
+        if (RadioFacts::WidthMhz(bandwidth) == width && RadioFacts::HasChannel(band, bandwidth, channel))
+            return bandwidth;
     object.Fail("channel",
                 Common::Format("band ${1} has no channel ${2} of ${3} MHz") % BandNames[band] % channel % width);
 }

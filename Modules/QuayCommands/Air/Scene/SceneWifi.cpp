@@ -24,8 +24,9 @@ std::vector<unsigned> RoundOf(const AccessPoint& accessPoint) {
 // whose length is the frame's by the duty cycle, so each stretch of time holds about the same share of frames, and any
 // capture can be made without those before it.
 void AddAccessPoint(SceneSignal& signal, const AccessPoint& accessPoint, const SourceLevel& level) {
-    const double offsetMhz = ChannelCentreMhz(accessPoint.band, accessPoint.channel) - signal.centreMhz;
-    OfdmTransmitter transmitter(WidthMhz(accessPoint.bandwidth), accessPoint.legacy, offsetMhz, signal.sampleRateMhz);
+    const double offsetMhz = RadioFacts::CentreMhz(accessPoint.band, accessPoint.channel) - signal.centreMhz;
+    OfdmTransmitter transmitter(RadioFacts::WidthMhz(accessPoint.bandwidth), accessPoint.legacy, offsetMhz,
+                                signal.sampleRateMhz);
     if (!transmitter.IsHeard()) return;
     const auto lengths = RoundOf(accessPoint);
     double roundUs = 0.0;

@@ -1,7 +1,7 @@
 // Channel sets by band and width, and what follows from them.
 #include <array>
-#include <numeric>
 
+#include "ChannelPlan.h"
 #include "CoreErrors.h"
 #include "WifiDefs.h"
 
@@ -9,35 +9,17 @@ namespace BackEnd::Wifi {
 
 namespace {
 
-struct ChannelRun {
-    EBand band;
-    EBandWidth width;
-    int first;
-    int last;
-    int step;
-};
-
 using enum EBand;
 using enum EBandWidth;
 
-constexpr ChannelRun runs[] = {
-    {Band2_4GHz, Width20, 1, 14, 1},    {Band2_4GHz, Width40, 3, 11, 1},   {Band5GHz, Width20, 36, 144, 4},
-    {Band5GHz, Width20, 149, 181, 4},   {Band5GHz, Width40, 38, 142, 8},   {Band5GHz, Width40, 151, 175, 8},
-    {Band5GHz, Width80, 42, 138, 16},   {Band5GHz, Width80, 155, 171, 16}, {Band5GHz, Width160, 50, 114, 32},
-    {Band5GHz, Width160, 163, 163, 32}, {Band6GHz, Width20, 1, 233, 4},    {Band6GHz, Width40, 3, 227, 8},
-    {Band6GHz, Width80, 7, 215, 16},    {Band6GHz, Width160, 15, 207, 32}, {Band6GHz, Width320, 31, 191, 32},
-};
-
+/// Behind 10 MHz, which has no channels, stand the bandwidth numbers of the channel plan.
 constexpr std::array widths = {Width10, Width20, Width40, Width80, Width160, Width320};
-constexpr std::array bands = {Band2_4GHz, Band5GHz, Band6GHz};
-/// Centre of the lowest 20 MHz channel of each band, in MHz.
-constexpr std::array<int, bands.size()> lowestCentres = {2412, 5180, 5955};
 
-using ChannelSets = std::array<std::array<std::set<int>, widths.size()>, bands.size()>;
+using ChannelSets = std::array<std::array<std::set<int>, widths.size()>, RadioFacts::BandCount>;
 
 std::size_t BandIndex(EBand band, const char* function) {
     const auto index = static_cast<std::size_t>(band);  // a negative value becomes a large one
-    CORE_ASSERT(index < bands.size(), function);
+    CORE_ASSERT(index < RadioFacts::BandCount, function);
     return index;
 }
 
@@ -56,9 +38,8 @@ std::size_t WidthIndex(EBandWidth width) {
 const ChannelSets& AllSets() {
     static const ChannelSets sets = [] {
         ChannelSets filled;
-        for (const ChannelRun& run : runs)
-            for (int channel = run.first; channel <= run.last; channel += run.step)
-                filled[static_cast<std::size_t>(run.band)][WidthIndex(run.width)].insert(channel);
+        for (const RadioFacts::ChannelSet& set : RadioFacts::ChannelPlan)
+            ForEachChannel(set, [&](int channel) { filled[set.band].at(set.bandwidth + 1).insert(channel); });
         return filled;
     }();
     return sets;
@@ -74,17 +55,9 @@ const std::set<int>& GetChannelSet(EBand band, EBandWidth width) {
 }
 
 EBand GetChannelBand(int channel) {
-    struct Set {
-        EBand band;
-        EBandWidth width;
-    };
-    static constexpr Set order[] = {
-        {Band2_4GHz, Width20}, {Band5GHz, Width10},  {Band5GHz, Width20},  {Band5GHz, Width40},
-        {Band5GHz, Width80},   {Band5GHz, Width160}, {Band6GHz, Width20},  {Band6GHz, Width40},
-        {Band6GHz, Width80},   {Band6GHz, Width160}, {Band6GHz, Width320},
-    };
-    for (const Set& set : order)
-        if (GetChannelSet(set.band, set.width).contains(channel)) return set.band;
+    for (const RadioFacts::ChannelSet& set : RadioFacts::ChannelPlan)  // lower bands first
+        if (channel > 0 && RadioFacts::HasChannel(set.band, set.bandwidth, static_cast<std::uint32_t>(channel)))
+            return static_cast<EBand>(set.band);
     return noBand;
 }
 
@@ -92,8 +65,7 @@ unsigned GetChannelFrequency(unsigned channel, EBand band) {
     const std::size_t index = BandIndex(band, "BackEnd::Wifi::GetChannelFrequency");
     const int number = static_cast<int>(channel);  // a huge number becomes negative and is in no set
     if (GetChannelBand(number) == noBand) return 0;
-    const int lowest = *GetChannelSet(band, Width20).begin();
-    return static_cast<unsigned>(lowestCentres[index] + 5 * (number - lowest));
+    return static_cast<unsigned>(RadioFacts::RuleCentreMhz(static_cast<std::uint32_t>(index), number));
 }
 
 std::string GetChannelTitle(unsigned channel, EBand band, EBandWidth width) {
@@ -105,26 +77,10 @@ std::string GetChannelTitle(unsigned channel, EBand band, EBandWidth width) {
 
 const std::set<int>& GetNdpToneSet(EBandWidth width) {
     static std::set<int> tones;
-    int last = 0;
-    switch (GetBaseWidth(width)) {
-        case Width20:
-            last = 18;
-            break;
-        case Width40:
-            last = 36;
-            break;
-        case Width80:
-            last = 72;
-            break;
-        case Width160:
-            last = 144;
-            break;
-        case Width320:
-            last = 288;
-            break;
-        default:
-            FailWidth(__LINE__, "BackEnd::Wifi::GetNdpToneSet");
-    }
+    const std::size_t index = WidthIndex(width);
+    if (index == 0 || index == widths.size()) FailWidth(__LINE__, "BackEnd::Wifi::GetNdpToneSet");
+    const auto mhz = static_cast<int>(RadioFacts::WidthMhz(static_cast<std::uint32_t>(index - 1)));
+    const int last = mhz / 20 * 18;
     tones.clear();
     for (int tone = 1; tone <= last; ++tone)
         tones.insert(tones.end(), tone);

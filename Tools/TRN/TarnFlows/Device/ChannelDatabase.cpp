@@ -11,71 +11,29 @@ namespace ChannelDatabase {
 
 namespace {
 
-/// The channels first, first + step, ... up to and with last.
-struct Run {
-    std::int32_t first;
-    std::int32_t last;
-    std::int32_t step;
-};
-
-struct TableRule {
-    std::uint32_t band;
-    std::uint32_t bandwidth;
-    std::array<Run, 2> runs;
-};
-
-constexpr Run NoRun{1, 0, 1};
-constexpr std::array<TableRule, ChannelTableCount> Rules{{
-    {0, 0, {{{1, 14, 1}, NoRun}}},
-    {0, 1, {{{3, 11, 1}, NoRun}}},
-    {1, 0, {{{36, 144, 4}, {149, 181, 4}}}},
-    {1, 1, {{{38, 142, 8}, {151, 175, 8}}}},
-    {1, 2, {{{42, 138, 16}, {155, 171, 16}}}},
-    {1, 3, {{{50, 114, 32}, {163, 163, 1}}}},
-    {2, 0, {{{1, 233, 4}, NoRun}}},
-    {2, 1, {{{3, 227, 8}, NoRun}}},
-    {2, 2, {{{7, 215, 16}, NoRun}}},
-    {2, 3, {{{15, 207, 32}, NoRun}}},
-    {2, 4, {{{31, 191, 32}, NoRun}}},
-}};
-
-constexpr std::size_t RowCount(const TableRule& rule) {
-    std::size_t count = 1;  // the placeholder
-    for (const Run& run : rule.runs)
-        if (run.last >= run.first) count += static_cast<std::size_t>((run.last - run.first) / run.step) + 1;
-    return count;
-}
+using RadioFacts::ChannelPlan;
+using RadioFacts::ChannelSet;
 
 /// Line number of each table's row 0, and at last the number of all rows.
 constexpr std::array<std::size_t, ChannelTableCount + 1> FirstLines = [] {
     std::array<std::size_t, ChannelTableCount + 1> lines{};
     for (std::size_t id = 0; id < ChannelTableCount; ++id)
-        lines[id + 1] = lines[id] + RowCount(Rules[id]);
+        lines[id + 1] = lines[id] + 1 + ChannelCount(ChannelPlan[id]);  // and the placeholder
     return lines;
 }();
-
-/// Centre frequency in MHz by the channel plan of the band.
-constexpr double Frequency(std::uint32_t band, std::int32_t channel) {
-    if (band == 0 && channel == 14) return 2484.0;
-    constexpr std::array<double, 3> Starts{2407.0, 5000.0, 5950.0};
-    return Starts[band] + 5.0 * channel;
-}
 
 /// All tables, one behind the other: a row's place is its line number.
 constexpr auto AllRows = [] {
     std::array<ChannelRow, FirstLines[ChannelTableCount]> rows{};
     std::size_t line = 0;
-    for (const TableRule& rule : Rules) {
+    for (const ChannelSet& set : ChannelPlan) {
         ++line;  // the placeholder stays (0, 0)
-        for (const Run& run : rule.runs)
-            for (std::int32_t channel = run.first; channel <= run.last; channel += run.step)
-                rows[line++] = {static_cast<double>(channel), Frequency(rule.band, channel)};
+        ForEachChannel(set, [&](std::int32_t channel) {
+            rows[line++] = {static_cast<double>(channel), RadioFacts::CentreMhz(set.band, channel)};
+        });
     }
     return rows;
 }();
-
-constexpr std::array<const char*, BandwidthCount> WidthTexts{"20", "40", "80", "160", "320"};
-constexpr std::array<const char*, 3> BandNames{"LB", "HB", "UHB"};
 
 /// Row of a channel in its constant table, 1 or above. `operation` is the flow operation whose name the log bears.
 /// @param channel  double or integer; its own form stands in the messages
@@ -107,25 +65,25 @@ std::span<const ChannelRow> Table(ChannelTableId id) {
 }
 
 std::uint32_t BandOf(ChannelTableId id) {
-    return id < ChannelTableCount ? Rules[id].band : 0;
+    return id < ChannelTableCount ? ChannelPlan[id].band : 0;
 }
 
 std::uint32_t BandwidthOf(ChannelTableId id) {
-    return id < ChannelTableCount ? Rules[id].bandwidth : UnknownBandwidth;
+    return id < ChannelTableCount ? ChannelPlan[id].bandwidth : UnknownBandwidth;
 }
 
 std::optional<ChannelTableId> FindTable(std::uint32_t band, std::uint32_t bandwidth) {
-    if (bandwidth == Rules[UltraHighBand320].bandwidth) return UltraHighBand320;
-    const auto found = std::find_if(Rules.begin(), Rules.end(), [&](const TableRule& rule) {
-        return rule.band == band && rule.bandwidth == bandwidth;
+    const auto count = std::ranges::count(ChannelPlan, bandwidth, &ChannelSet::bandwidth);
+    const auto found = std::ranges::find_if(ChannelPlan, [&](const ChannelSet& set) {
+        return set.bandwidth == bandwidth && (set.band == band || count == 1);
     });
-    if (found == Rules.end()) return std::nullopt;
-    return static_cast<ChannelTableId>(found - Rules.begin());
+    if (found == ChannelPlan.end()) return std::nullopt;
+    return static_cast<ChannelTableId>(found - ChannelPlan.begin());
 }
 
 bool IsBandSupportedForDevice(ChannelTableId id, std::uint32_t cardType, std::uint32_t hwType) {
     if (id >= ChannelTableCount) return true;
-    return RadioFacts::CanTune(hwType, cardType, {Rules[id].band, Rules[id].bandwidth, {}});
+    return RadioFacts::CanTune(hwType, cardType, ChannelPlan[id]);
 }
 
 void AddSupportedRows(std::span<const ChannelRow> rows, ChannelTableId id, std::uint32_t band, std::uint32_t bandwidth,
@@ -146,8 +104,8 @@ void AddSupportedRows(std::span<const ChannelRow> rows, ChannelTableId id, std::
 std::string FlagsToString(const ChannelFlags& flags) {
     std::string text;
     for (const auto& [key, widths] : flags) {
-        const char* band = key.second < BandNames.size() ? BandNames[key.second] : "";
-        text += "(" + std::to_string(key.first) + "," + band + ")";
+        const std::string_view band = key.second < RadioFacts::BandCount ? RadioFacts::Bands[key.second].code : "";
+        text += "(" + std::to_string(key.first) + "," + std::string(band) + ")";
         for (const bool allowed : widths)
             text += allowed ? ",1" : ",0";
         text += '\n';
@@ -179,19 +137,18 @@ std::optional<ChannelOfLine> GetChannelFromLineNumber(std::int32_t line) {
     if (line < 0 || static_cast<std::size_t>(line) >= AllRows.size()) return std::nullopt;
     const auto place = static_cast<std::size_t>(line);
     const auto behind = std::upper_bound(FirstLines.begin(), FirstLines.end(), place);
-    const auto& rule = Rules[static_cast<std::size_t>(behind - FirstLines.begin()) - 1];
+    const ChannelSet& set = ChannelPlan[static_cast<std::size_t>(behind - FirstLines.begin()) - 1];
     const auto channel = static_cast<std::int32_t>(AllRows[place].channel);
     if (channel == 0) return std::nullopt;
-    return ChannelOfLine{rule.band, rule.bandwidth, channel};
+    return ChannelOfLine{set.band, set.bandwidth, channel};
 }
 
 std::string BandwidthEnumToValue(std::uint32_t bandwidth) {
-    return bandwidth < BandwidthCount ? WidthTexts[bandwidth] : "";
+    return bandwidth < RadioFacts::BandwidthCount ? std::string(RadioFacts::Bandwidths[bandwidth].name) : "";
 }
 
 std::uint32_t BandwidthValueToEnum(std::int32_t value) {
-    const auto found = std::find(WidthTexts.begin(), WidthTexts.end(), std::to_string(value));
-    return found == WidthTexts.end() ? 0 : static_cast<std::uint32_t>(found - WidthTexts.begin());
+    return RadioFacts::FindBandwidth(std::to_string(value)).value_or(0);
 }
 
 std::uint32_t ConvertChainStringToU32(const std::string& chain) {

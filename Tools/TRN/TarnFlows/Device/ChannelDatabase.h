@@ -1,9 +1,9 @@
-// Every Wi-Fi channel that the tool can measure on: eleven constant tables, a device's selection of them, look-ups and
-// the running line numbers of stored results; and the conversions of chains and bandwidths.
-// Bands: 0 is 2.4 GHz, 1 is 5.2 GHz, 2 is 6-7 GHz. Bandwidths: 0 is 20 MHz, 1 is 40, 2 is 80, 3 is 160, 4 is 320.
+// Every Wi-Fi channel that the tool can measure on: the channel plan as constant tables, a device's selection of them,
+// look-ups and the running line numbers of stored results; and the conversions of chains and bandwidths.
 // Thread: constant data and pure functions, safe from everywhere; the selection's maps belong to the caller.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "ChannelPlan.h"
 #include "QuayCommands.h"
 
 /// One channel. Row 0 of every table is the placeholder (0, 0), so that a position in a table is 1-based.
@@ -24,30 +25,17 @@ struct ChannelRow {
     bool operator==(const ChannelRow&) const = default;
 };
 
-/// The constant tables; any other number is no table.
-enum ChannelTableId : std::uint32_t {
-    LowBand20,
-    LowBand40,
-    HighBand20,
-    HighBand40,
-    HighBand80,
-    HighBand160,
-    UltraHighBand20,
-    UltraHighBand40,
-    UltraHighBand80,
-    UltraHighBand160,
-    UltraHighBand320,
-    ChannelTableCount
-};
+/// Position of a table in the channel plan; any other number is no table.
+enum ChannelTableId : std::uint32_t {};
+constexpr std::size_t ChannelTableCount = RadioFacts::ChannelPlan.size();
 
 /// A device's rows of each table that it supports, placeholder first.
 using ChannelTables = std::map<ChannelTableId, std::vector<ChannelRow>>;
-/// (channel, band) to five flags, one a bandwidth: the device may use this channel at this bandwidth.
-using ChannelFlags = std::map<std::pair<std::int32_t, std::uint32_t>, std::array<bool, 5>>;
+/// (channel, band) to one flag a bandwidth: the device may use this channel at this bandwidth.
+using ChannelFlags = std::map<std::pair<std::int32_t, std::uint32_t>, std::array<bool, RadioFacts::BandwidthCount>>;
 
 namespace ChannelDatabase {
 
-constexpr std::uint32_t BandwidthCount = 5;
 constexpr std::uint32_t UnknownBandwidth = 6;
 /// Hardware type before the radio was asked.
 constexpr std::uint32_t UnknownHardware = 32;
@@ -56,17 +44,24 @@ constexpr std::uint32_t UnknownHardware = 32;
 std::span<const ChannelRow> Table(ChannelTableId id);
 std::uint32_t BandOf(ChannelTableId id);
 std::uint32_t BandwidthOf(ChannelTableId id);
-/// Table of a pair; bandwidth 4 is table 10 whatever the band. Nothing for a pair without a table.
+/// Table of a pair; a width that only one band has is that band's table whatever the band. Nothing for a pair without a
+/// table.
 std::optional<ChannelTableId> FindTable(std::uint32_t band, std::uint32_t bandwidth);
 
 // The device's selection.
-/// The order in which a device's tables are asked for.
-constexpr std::array<ChannelTableId, ChannelTableCount> SelectionOrder{
-    LowBand20,  HighBand20,      UltraHighBand20, LowBand40,        HighBand40,      UltraHighBand40,
-    HighBand80, UltraHighBand80, HighBand160,     UltraHighBand160, UltraHighBand320};
+/// The order in which a device's tables are asked for: by width, then by band.
+constexpr std::array<ChannelTableId, ChannelTableCount> SelectionOrder = [] {
+    std::array<ChannelTableId, ChannelTableCount> order{};
+    for (std::size_t id = 0; id < order.size(); ++id)
+        order[id] = static_cast<ChannelTableId>(id);
+    std::ranges::sort(order, {}, [](ChannelTableId id) {
+        return std::pair(RadioFacts::ChannelPlan[id].bandwidth, RadioFacts::ChannelPlan[id].band);
+    });
+    return order;
+}();
 bool IsBandSupportedForDevice(ChannelTableId id, std::uint32_t cardType, std::uint32_t hwType);
 /// Adds the rows that `isSupported(channel)` accepts, and row 0 always, to the table's list, and stores each answer in
-/// the channel's flag of `bandwidth`. A bandwidth above 4 gets no flag.
+/// the channel's flag of `bandwidth`. A number that is no bandwidth gets no flag.
 void AddSupportedRows(std::span<const ChannelRow> rows, ChannelTableId id, std::uint32_t band, std::uint32_t bandwidth,
                       const std::function<bool(std::uint32_t channel)>& isSupported, ChannelTables& tables,
                       ChannelFlags& flags);

@@ -9,46 +9,35 @@
 namespace TarnHost {
 namespace {
 
-/// Channels `first` to `last` in steps.
-struct ChannelRange {
-    std::uint32_t first = 0;
-    std::uint32_t last = 0;
-    std::uint32_t step = 1;
-};
-
-/// One band at one width: its channels, and those that a plan prefers.
-struct PlanRow {
+/// The channels that people use most; a pair that is missing is visited at its lowest channel.
+struct Preference {
     std::uint32_t band = 0;
     std::uint32_t bandwidth = 0;
-    std::array<ChannelRange, 2> ranges;
-    std::array<std::uint32_t, 3> preferred;
+    std::array<std::uint32_t, 3> channels;  ///< 0: none
 };
 
-constexpr auto rows = std::to_array<PlanRow>({
-    {0, 0, {{{1, 14, 1}}}, {1, 6, 11}},
-    {0, 1, {{{3, 11, 1}}}, {6}},
-    {1, 0, {{{36, 144, 4}, {149, 181, 4}}}, {36, 100, 149}},
-    {1, 1, {{{38, 142, 8}, {151, 175, 8}}}, {38}},
-    {1, 2, {{{42, 138, 16}, {155, 171, 16}}}, {42}},
-    {1, 3, {{{50, 114, 32}, {163, 163, 32}}}, {50}},
-    {2, 0, {{{1, 233, 4}}}, {37}},
-    {2, 1, {{{3, 227, 8}}}, {35}},
-    {2, 2, {{{7, 215, 16}}}, {39}},
-    {2, 3, {{{15, 207, 32}}}, {47}},
-    {2, 4, {{{31, 191, 32}}}, {31}},
+constexpr auto Preferences = std::to_array<Preference>({
+    {0, 0, {1, 6, 11}},
+    {0, 1, {6}},
+    {1, 0, {36, 100, 149}},
+    {2, 0, {37}},
+    {2, 1, {35}},
+    {2, 2, {39}},
+    {2, 3, {47}},
 });
 
-std::vector<std::uint32_t> ChannelsOf(const AdapterAbilities& abilities, const PlanRow& row) {
+std::vector<std::uint32_t> ChannelsOf(const AdapterAbilities& abilities, const RadioFacts::ChannelSet& set) {
     const auto isSupported = [&](std::uint32_t channel) {
-        return channel != 0 && abilities.nvm->IsChannelSupported(channel, row.bandwidth, row.band);
+        return channel != 0 && abilities.nvm->IsChannelSupported(channel, set.bandwidth, set.band);
     };
     std::vector<std::uint32_t> channels;
-    std::ranges::copy_if(row.preferred, std::back_inserter(channels), isSupported);
-    for (const ChannelRange& range : row.ranges) {
-        for (std::uint32_t channel = range.first; channels.empty() && channel <= range.last; channel += range.step) {
-            if (isSupported(channel)) channels.push_back(channel);
-        }
-    }
+    for (const Preference& preference : Preferences)
+        if (preference.band == set.band && preference.bandwidth == set.bandwidth)
+            std::ranges::copy_if(preference.channels, std::back_inserter(channels), isSupported);
+    RadioFacts::ForEachChannel(set, [&](std::int32_t channel) {
+        const auto number = static_cast<std::uint32_t>(channel);
+        if (channels.empty() && isSupported(number)) channels.push_back(number);
+    });
     return channels;
 }
 
@@ -56,34 +45,24 @@ std::vector<std::uint32_t> ChannelsOf(const AdapterAbilities& abilities, const P
 
 std::vector<PlanEntry> MakeCapturePlan(const AdapterAbilities& abilities) {
     std::vector<PlanEntry> plan;
-    for (const PlanRow& row : rows) {
-        if (!RadioFacts::CanTune(abilities.hwType, abilities.cardType, {row.band, row.bandwidth, {}}) ||
-            !abilities.nvm->IsBandEnabled(row.band))
+    for (const RadioFacts::ChannelSet& set : RadioFacts::ChannelPlan) {
+        if (!RadioFacts::CanTune(abilities.hwType, abilities.cardType, set) || !abilities.nvm->IsBandEnabled(set.band))
             continue;
-        for (const std::uint32_t channel : ChannelsOf(abilities, row)) {
+        for (const std::uint32_t channel : ChannelsOf(abilities, set)) {
             for (const std::uint32_t chain : {1U, 2U}) {
-                if (abilities.antennaMask & chain) plan.push_back({row.band, row.bandwidth, channel, chain});
+                if (abilities.antennaMask & chain) plan.push_back({set.band, set.bandwidth, channel, chain});
             }
         }
     }
     return plan;
 }
 
-std::string_view BandName(std::uint32_t band) {
-    static constexpr std::array<std::string_view, 3> names = {"2.4", "5.2", "6-7"};
-    return names.at(band);
-}
-
-unsigned BandwidthMhz(std::uint32_t bandwidth) {
-    return 20U << bandwidth;
-}
-
 std::string CaptureFileName(const PlanEntry& entry, unsigned run) {
     const std::string number = std::to_string(run);
     const std::string filler(number.size() < 3 ? 3 - number.size() : 0, '0');
-    return "BAND_" + std::string(BandName(entry.band)) + "_CHANNEL_" + std::to_string(entry.channel) + "_BW_" +
-           std::to_string(BandwidthMhz(entry.bandwidth)) + "_CHAIN_" + (entry.chain == 1 ? "A" : "B") + "_" + filler +
-           number + ".txt";
+    return "BAND_" + std::string(RadioFacts::Bands.at(entry.band).name) + "_CHANNEL_" + std::to_string(entry.channel) +
+           "_BW_" + std::to_string(RadioFacts::WidthMhz(entry.bandwidth)) + "_CHAIN_" + (entry.chain == 1 ? "A" : "B") +
+           "_" + filler + number + ".txt";
 }
 
 }  // namespace TarnHost

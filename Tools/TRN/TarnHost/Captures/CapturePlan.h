@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "QuayCommands.h"
@@ -30,10 +29,6 @@ struct AdapterAbilities {
 /// Some channels of each band at each width that the adapter supports, each with every chain: those that people use
 /// most, or the lowest supported one where the adapter has none of them.
 std::vector<PlanEntry> MakeCapturePlan(const AdapterAbilities& abilities);
-
-/// "2.4", "5.2" or "6-7".
-std::string_view BandName(std::uint32_t band);
-unsigned BandwidthMhz(std::uint32_t bandwidth);
 
 /// "BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_003.txt": the name by which an analysis knows the settings.
 std::string CaptureFileName(const PlanEntry& entry, unsigned run);

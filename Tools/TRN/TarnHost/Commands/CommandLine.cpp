@@ -3,11 +3,20 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
+#include "ChannelPlan.h"
 #include "CmdLine/CmdLine.h"
 #include "KeyTable.h"
 
 namespace TarnHost {
 namespace {
+
+template <typename Table>
+std::vector<std::string> NamesOf(const Table& table) {
+    std::vector<std::string> names;
+    for (const auto& row : table)
+        names.emplace_back(row.name);
+    return names;
+}
 
 /// Stands before each argument behind "--" while CLI11 parses: it would take such arguments for commands, or split
 /// those in brackets.
@@ -105,13 +114,13 @@ CLI::App* AddMeasure(CLI::App& app, MeasureOptions& options) {
     const auto notEmpty =
         CLI::Validator([](std::string& text) { return std::string(text.empty() ? "needs a value" : ""); }, "");
     command->add_option("--band", request.band, "Band in GHz")
-        ->check(CLI::IsMember({"2.4", "5.2", "6-7"}))
+        ->check(CLI::IsMember(NamesOf(RadioFacts::Bands)))
         ->capture_default_str();
     command->add_option("--channel,--channels", request.channels, "Channel numbers split by commas, or all")
         ->type_name("LIST")
         ->check(notEmpty);
     command->add_option("--bandwidth", request.bandwidth, "Channel width in MHz")
-        ->check(CLI::IsMember({"20", "40", "80", "160", "320"}))
+        ->check(CLI::IsMember(NamesOf(RadioFacts::Bandwidths)))
         ->capture_default_str();
     command->add_option("--chain", request.chain, "Receive chain")
         ->check(CLI::IsMember({"A", "B", "AB"}))

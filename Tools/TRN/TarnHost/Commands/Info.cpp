@@ -48,9 +48,10 @@ ExitStatus InfoPrinter::PrintDevice() {
         for (std::uint32_t width = 0; width < config->channels[band].size(); ++width) {
             if (const unsigned count = config->channels[band][width])
                 text += (text.empty() ? "" : ", ") + std::to_string(count) + " at " +
-                        std::to_string(BandwidthMhz(width)) + " MHz";
+                        std::to_string(RadioFacts::WidthMhz(width)) + " MHz";
         }
-        if (!text.empty()) Line(band == 0 ? "channels" : "", std::string(BandName(band)) + " GHz: " + text);
+        if (!text.empty())
+            Line(band == 0 ? "channels" : "", std::string(RadioFacts::Bands[band].name) + " GHz: " + text);
     }
     return Success;
 }

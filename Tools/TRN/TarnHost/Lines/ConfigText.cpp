@@ -19,13 +19,13 @@ std::vector<std::string_view> Lines(std::string_view text) {
 }
 
 bool CountChannel(std::string_view line, SupportedConfig& config) {
-    static constexpr std::array<std::string_view, 3> bandNames = {",LB),", ",HB),", ",UHB),"};
-    for (std::size_t band = 0; band < bandNames.size(); ++band) {
-        const auto found = line.find(bandNames[band]);
+    for (std::size_t band = 0; band < RadioFacts::BandCount; ++band) {
+        const std::string mark = "," + std::string(RadioFacts::Bands[band].code) + "),";
+        const auto found = line.find(mark);
         if (found == std::string_view::npos) continue;
-        const std::string_view flags = line.substr(found + bandNames[band].size());
-        if (flags.size() != 9) return false;
-        for (std::size_t width = 0; width < 5; ++width)
+        const std::string_view flags = line.substr(found + mark.size());
+        if (flags.size() != 2 * RadioFacts::BandwidthCount - 1) return false;
+        for (std::size_t width = 0; width < RadioFacts::BandwidthCount; ++width)
             config.channels[band][width] += flags[2 * width] == '1' ? 1 : 0;
         return true;
     }

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "ChannelPlan.h"
+
 namespace TarnHost {
 
 struct SupportedConfig {
@@ -15,7 +17,7 @@ struct SupportedConfig {
     std::string usc;
     std::string packetDriver;
     /// Number of supported channels by band number and bandwidth number.
-    std::array<std::array<unsigned, 5>, 3> channels{};
+    std::array<std::array<unsigned, RadioFacts::BandwidthCount>, RadioFacts::BandCount> channels{};
 };
 
 /// Nothing when the text hasn't the form: four ids, sweep length, chains, MAC address, four versions, then a line
