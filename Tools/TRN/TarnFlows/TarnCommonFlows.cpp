@@ -2,10 +2,9 @@
 
 #include "Caught.h"
 #include "OSAL/OSAL.h"
+#include "PlainText.h"
 #include "Streams/Trace.h"
-#include "Support/ChainBuffers.h"
 #include "Support/FlowText.h"
-#include "Support/NumberText.h"
 
 using LumenSpectrumAnalyzer::CLmnSA;
 using LumenSpectrumAnalyzer::LmnSAProperty;
@@ -120,9 +119,9 @@ void TarnCommonFlows::ClearAverage() {
 // Results as text.
 
 void TarnCommonFlows::AnswerLines(const char* traceFunctionName, const char* failure,
-                                  const std::function<std::string(CLmnSA&)>& lines) {
+                                  const std::function<std::string(const Readouts&)>& lines) {
     try {
-        m_response = lines(Engine());
+        m_response = lines(Results());
     } catch (...) {
         const Common::Caught dropped;
         TRACE(TraceInfo, failure);
@@ -133,80 +132,42 @@ void TarnCommonFlows::AnswerLines(const char* traceFunctionName, const char* fai
 
 void TarnCommonFlows::UpdateSpectrum() {
     TRACE_SCOPE("TarnCommonFlows::UpdateSpectrum");
-    AnswerLines(traceFunctionName, "Failed updating spectrum", [](CLmnSA& engine) {
-        ChainBuffers bins(engine.m_NumChains, engine.GetNumOfBins());
-        engine.UpdateSpectrum(bins.Pointers());
-        return StreamLines(bins);
-    });
+    AnswerLines(traceFunctionName, "Failed updating spectrum",
+                [](const Readouts& results) { return PlainText::Bins(results.Spectrum()); });
 }
 
 void TarnCommonFlows::UpdateMaxHold() {
     TRACE_SCOPE("TarnCommonFlows::UpdateMaxHold");
-    AnswerLines(traceFunctionName, "Failed updating MaxHold", [](CLmnSA& engine) {
-        ChainBuffers bins(engine.m_NumChains, engine.GetNumOfBins());
-        engine.UpdateMaxHold(bins.Pointers());
-        return StreamLines(bins);
-    });
+    AnswerLines(traceFunctionName, "Failed updating MaxHold",
+                [](const Readouts& results) { return PlainText::Bins(results.MaxHold()); });
 }
 
 void TarnCommonFlows::UpdateChannelAverage() {
     TRACE_SCOPE("TarnCommonFlows::UpdateChannelAverage");
-    AnswerLines(traceFunctionName, "Failed updating channel average", [](CLmnSA& engine) {
-        ChainBuffers bins(engine.m_NumChains, engine.GetNumOfBins());
-        engine.UpdateChannelAverage(bins.Pointers());
-        return StreamLines(bins);
-    });
+    AnswerLines(traceFunctionName, "Failed updating channel average",
+                [](const Readouts& results) { return PlainText::Bins(results.ChannelAverage()); });
 }
 
 void TarnCommonFlows::UpdateIQ() {
     TRACE_SCOPE("TarnCommonFlows::UpdateIQ");
-    AnswerLines(traceFunctionName, "Failed updating IQ", [](CLmnSA& engine) {
-        ChainBuffers i(engine.m_NumChains, engine.m_NumOfSamples);
-        ChainBuffers q(engine.m_NumChains, engine.m_NumOfSamples);
-        engine.UpdateIQ(i.Pointers(), q.Pointers());
-        std::string text;
-        for (std::size_t chain = 0; chain < i.Chains(); ++chain) {
-            if (chain != 0) text += '\n';
-            AppendStreamLine(text, i[chain]);
-            text += '\n';
-            AppendStreamLine(text, q[chain]);
-        }
-        return text;
-    });
+    AnswerLines(traceFunctionName, "Failed updating IQ",
+                [](const Readouts& results) { return PlainText::IQ(results.IQ()); });
 }
 
 void TarnCommonFlows::UpdateHistogram() {
     TRACE_SCOPE("TarnCommonFlows::UpdateHistogram");
-    AnswerLines(traceFunctionName, "Failed updating Histogram", [](CLmnSA& engine) {
-        ChainBuffers both(engine.m_NumChains, CLmnSA::HistogramBuckets);
-        ChainBuffers i(engine.m_NumChains, CLmnSA::HistogramBuckets);
-        ChainBuffers q(engine.m_NumChains, CLmnSA::HistogramBuckets);
-        std::vector<std::pair<double, double>> ranges(both.Chains());
-        engine.UpdateHistogram(both.Pointers(), i.Pointers(), q.Pointers(), ranges.data());
-        std::string text;
-        for (std::size_t chain = 0; chain < both.Chains(); ++chain) {
-            if (chain != 0) text += '\n';
-            for (const ChainBuffers* counts : {&both, &i, &q}) {
-                AppendStreamLine(text, (*counts)[chain]);
-                text += '\n';
-            }
-            AppendStreamLine(text, std::array{ranges[chain].first, ranges[chain].second});
-        }
-        return text;
-    });
+    AnswerLines(traceFunctionName, "Failed updating Histogram",
+                [](const Readouts& results) { return PlainText::Histogram(results.Histogram()); });
 }
 
 void TarnCommonFlows::GetPowerByChain(std::string chain) {
     TRACE_SCOPE("TarnCommonFlows::GetPowerByChain");
     TRACE(TraceInfo, Common::Format("Chain selected: ${1}") % chain);
-    CLmnSA& engine = Engine();
+    const Readouts results = Results();
     if (chain != "A" && chain != "B")
         ThrowLogged(traceFunctionName, Common::Format("${1} is an invalid argument for a chain") % chain);
-    // A sweep of chain B alone stands at index 0.
-    const int index = chain == "B" && engine.m_NumChains != 1 ? 1 : 0;
-    const double power = engine.GetChannelPowerPerChain(index);
-    m_response.clear();
-    AppendStreamText(m_response, power);
+    const double power = results.ChannelPower(chain);
+    m_response = PlainText::Number(power);
     TRACE(TraceInfo, Common::Format("power on chain ${1} is ${2}\n") % chain % power);
 }
 

@@ -10,6 +10,7 @@
 #include "Frame/Application.h"
 #include "LumenSA.h"
 #include "OSAL/Locks.h"
+#include "Readouts.h"
 
 /// Answers go to `m_response`; failures are exceptions unless an operation says otherwise.
 /// Thread: one thread at a time.
@@ -60,15 +61,17 @@ public:
 protected:
     /// The engine, or a Common::Exception that says there is none.
     LumenSpectrumAnalyzer::CLmnSA& Engine();
+    /// Its results; the same exception without one.
+    Readouts Results() { return Readouts(Engine()); }
 
     /// Runs `write` with a file lock around it, unless the path is a link.
     /// @throws Common::Exception "File ${1} is a link"
     void ExportToFile(const char* operation, const std::string& path,
                       const std::function<void(const std::string&)>& write);
 
-    /// Answers the lines that `lines` makes of the engine; on a failure of any kind `failure`, and nothing is thrown.
+    /// Answers the lines that `lines` makes of the results; on a failure of any kind `failure`, and nothing is thrown.
     void AnswerLines(const char* operation, const char* failure,
-                     const std::function<std::string(LumenSpectrumAnalyzer::CLmnSA&)>& lines);
+                     const std::function<std::string(const Readouts&)>& lines);
 
     /// Asks the next trigger to set the receiver up.
     void RequestReceiverSetup();

@@ -1,7 +1,7 @@
 // One measurement: set up, capture, analyse; and the stores and exports that grow from triggers.
 #include "OSAL/OSAL.h"
+#include "PlainText.h"
 #include "Streams/Trace.h"
-#include "Support/NumberText.h"
 #include "TarnWifiFlows.h"
 
 using LumenSpectrumAnalyzer::CLmnSA;
@@ -49,11 +49,9 @@ void TarnWifiFlows::ReadSamples() {
     PrepareTrigger();
     {
         const SyncObjectsOSAL::Locked locked(*m_sampleLock);
-        CLmnSA& engine = Engine();
         Sampler().ReadSamples();
         if (!m_vesperTestInProgress) StoreFreqPowerData();
-        m_response = Common::Format("${1}\n${2}\n${3}\n${4}") % engine.m_NumOfBins % engine.m_NumOfSamples %
-                     CLmnSA::HistogramBuckets % engine.m_SweepLen;
+        m_response = PlainText::Sweep(Results().Sweep());
         ++m_consecutiveRuns;
     }
     if (m_consecutiveRuns >= m_maxConsecutiveRuns) {
@@ -111,19 +109,8 @@ void TarnWifiFlows::FindPeaks(int windowSize) {
 
 void TarnWifiFlows::UpdatePeaksData() {
     TRACE_SCOPE("TarnWifiFlows::UpdatePeaksData");
-    AnswerLines(traceFunctionName, "Failed updating peaks data", [](CLmnSA& engine) {
-        std::vector<LumenSpectrumAnalyzer::PeakList> peaks(static_cast<std::size_t>(engine.m_NumChains));
-        engine.UpdatePeaksData(peaks.data());
-        std::string text;
-        for (std::size_t chain = 0; chain < peaks.size(); ++chain) {
-            if (chain != 0) text += '\n';
-            std::vector<double> numbers;
-            for (const auto& [frequency, power] : peaks[chain])
-                numbers.insert(numbers.end(), {frequency, power});
-            AppendStreamLine(text, numbers);
-        }
-        return text;
-    });
+    AnswerLines(traceFunctionName, "Failed updating peaks data",
+                [](const Readouts& results) { return PlainText::Peaks(results.Peaks()); });
 }
 
 void TarnWifiFlows::SavePeaks(std::string path) {

@@ -12,6 +12,9 @@ public:
         for (std::size_t chain = 0; chain < chains; ++chain)
             m_pointers.push_back(m_values.data() + chain * length);
     }
+    ChainBuffers(ChainBuffers&&) = default;
+    ChainBuffers& operator=(ChainBuffers&&) = default;
+    ~ChainBuffers() = default;
     ChainBuffers(const ChainBuffers&) = delete;
     ChainBuffers& operator=(const ChainBuffers&) = delete;
 

@@ -1,16 +1,18 @@
-// Numbers as the text answers write them: six significant digits, general notation, as a default output stream.
+// Numbers as the answers write them, plain and JSON alike. The locale plays no part.
 #pragma once
 
 #include <span>
 #include <string>
+#include <string_view>
 
-#include "Support/ChainBuffers.h"
-
-/// Appends one number; "inf", "nan" and "1e+06" as the stream writes them.
+/// Appends one number as a default output stream writes it: six significant digits, general notation; "inf", "nan" and
+/// "1e+06" as the stream writes them.
 void AppendStreamText(std::string& out, double value);
 
-/// The values with a single blank between two, none behind the last.
-void AppendStreamLine(std::string& out, std::span<const double> values);
+/// Appends one number as the C format "%f" writes it, for every double: six digits behind the point, rounded to the
+/// nearest, ties to even on the exact value; no exponent; "inf", "-inf", "nan" and "-nan".
+void AppendFixedText(std::string& out, double value);
 
-/// A line for each chain; a line end between two, none behind the last.
-std::string StreamLines(const ChainBuffers& buffers);
+/// The values with `separator` between two, none behind the last.
+void AppendStreamList(std::string& out, std::span<const double> values, std::string_view separator);
+void AppendFixedList(std::string& out, std::span<const double> values, std::string_view separator);
