@@ -69,14 +69,14 @@ private:
             text += " " + std::to_string(word);
         calls.push_back(text);
     }
-    /// Fills all vectors there are, so that a sanitizer sees one that is too short.
+    /// Looks at all vectors there are, so that a sanitizer sees one that is too short, and fills those of the chains.
     bool Fill(double** i, double** q, unsigned vectors) {
         zeroVectors = 0;
         const auto isZero = [](double v) { return v == 0; };
         for (unsigned c = 0; c < vectors; ++c) {
             zeroVectors += std::all_of(i[c], i[c] + length, isZero) && std::all_of(q[c], q[c] + length, isZero);
-            for (unsigned k = 0; k < length; ++k) {
-                i[c][k] = c < chains ? k + 1.0 : 0.0;
+            for (unsigned k = 0; c < chains && k < length; ++k) {
+                i[c][k] = k + 1.0;
                 q[c][k] = -1.0;
             }
         }
@@ -126,7 +126,7 @@ TEST_F(CaptureClasses, EachGenerationSendsItsOwnRecordsAndThenItsSweep) {
     const std::string formC = " 1 3 0 2147483648 2147483648 0 2147483648 2147483648 10 2 2 0 0 0 0 0 0 0";
     const std::string source = "source 3 1 0 2 0 1 0 0 0 0 0 0 0 0";
     const std::string oldRead = "read 0 5000 2 0", newRead = "readEx 0 5000 2 2";
-    const std::string sweep = "sweep 16 2 224";  // two chains of 1 + ... + 16, three of 16 times -1
+    const std::string sweep = "sweep 16 2 240";  // two chains of 1 + ... + 16 and of 16 times -1
     m_radio.chains = 2;
     WifiAdc::CSampleSorrel sorrel(&m_radio, &m_engine);
     WifiAdc::CSampleTansy tansy(&m_radio, &m_engine);
@@ -177,6 +177,12 @@ TEST_F(CaptureClasses, AReadThatFailsInRadioOrEngineLeavesTheObjectReadyForTheNe
     sampler.ReadSamples();
     EXPECT_EQ(m_calls.back(), "update");
     EXPECT_EQ(m_radio.zeroVectors, 4u);
+    for (const unsigned chains : {3u, 1u, 2u, 1u}) {  // what more chains left behind is gone
+        Initiate(sampler, chains + 1, 3);
+        m_radio.chains = chains;
+        sampler.ReadSamples();
+        EXPECT_EQ(m_radio.zeroVectors, 4u);
+    }
 }
 
 TEST_F(CaptureClasses, AnIllegalSourceIsRefusedWithItsPlaceAndTheChainsBeforeStay) {

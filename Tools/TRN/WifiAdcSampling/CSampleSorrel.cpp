@@ -1,5 +1,7 @@
 #include "CSampleSorrel.h"
 
+#include <algorithm>
+
 #include "LumenSA.h"
 #include "QuayExceptions.h"
 
@@ -60,13 +62,18 @@ void CSampleSorrel::ReadSamples() {
 void CSampleSorrel::AllocateVectors() {
     const std::size_t length = m_numOfSamples;
     const std::size_t buffers = NumOfChainBuffers();
-    m_samples.assign(2 * buffers * length, 0.0);
-    m_iVectors.resize(buffers);
-    m_qVectors.resize(buffers);
-    for (std::size_t chain = 0; chain < buffers; ++chain) {
-        m_iVectors[chain] = m_samples.data() + 2 * chain * length;
-        m_qVectors[chain] = m_samples.data() + (2 * chain + 1) * length;
+    if (m_iVectors.empty()) {
+        m_samples.resize(2 * buffers * length);
+        m_iVectors.resize(buffers);
+        m_qVectors.resize(buffers);
+        for (std::size_t chain = 0; chain < buffers; ++chain) {
+            m_iVectors[chain] = m_samples.data() + 2 * chain * length;
+            m_qVectors[chain] = m_samples.data() + (2 * chain + 1) * length;
+        }
     }
+    // A read fills the vectors of its chains alone, which come first: the others still are as they were made.
+    std::fill_n(m_samples.begin(), 2 * m_filledChains * length, 0.0);
+    m_filledChains = static_cast<std::size_t>(m_numChains);
 }
 
 void CSampleSorrel::PrepareRead() {

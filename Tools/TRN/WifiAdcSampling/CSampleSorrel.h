@@ -38,9 +38,11 @@ protected:
     quayCommand::CaptureDescriptorB m_descriptorB{};
 
 private:
+    /// Zeroed vectors for the next read.
     void AllocateVectors();
 
-    std::vector<double> m_samples;  ///< all vectors of a read, kept from one read to the next
+    std::vector<double> m_samples;   ///< all vectors of a read, kept from one read to the next
+    std::size_t m_filledChains = 0;  ///< chains of the last read, whose vectors hold its samples
     std::vector<double*> m_iVectors;
     std::vector<double*> m_qVectors;
 };
