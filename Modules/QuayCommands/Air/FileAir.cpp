@@ -97,6 +97,7 @@ OSAL::Outcome<FileAir> FileAir::Open(const std::string& path) {
         room -= recording.Value().size();
         air.m_recordings.push_back(std::move(recording.Value()));
     }
+    air.m_counted.resize(air.m_recordings.size());
     return air;
 }
 
@@ -116,13 +117,15 @@ OSAL::Outcome<CaptureFacts> FileAir::Capture(const CaptureRequest& request) {
     for (std::size_t c = 0; c < request.chains.size(); ++c) {
         const auto& chain = request.chains[c];
         const auto& recording = m_recordings[m_next];
+        auto& counted = m_counted[m_next];
         m_next = (m_next + 1) % m_recordings.size();
         const auto count = std::min(recording.size(), chain.i.size());
         for (std::size_t n = 0; n < count; ++n) {
             chain.i[n] = recording[n].i;
             chain.q[n] = recording[n].q;
         }
-        facts.chains[c] = {chain.gainDb, false, CountOverloaded(chain), count};
+        if (counted.samples != count) counted = {count, CountOverloaded(chain)};
+        facts.chains[c] = {chain.gainDb, false, counted.overloaded, count};
     }
     return facts;
 }

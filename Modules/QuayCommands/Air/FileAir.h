@@ -30,7 +30,14 @@ public:
 
 private:
     std::string m_path;
+    /// What a capture of a recording's first samples overloads; the next one of as many is not counted again.
+    struct Counted {
+        std::size_t samples = 0;
+        std::size_t overloaded = 0;
+    };
+
     std::vector<Recording> m_recordings;
+    std::vector<Counted> m_counted;  ///< one for each recording
     std::size_t m_next = 0;
 };
 
