@@ -1,9 +1,8 @@
 // What the tool runs on, and the country whose rules the radio follows.
 #include <cctype>
-#include <sstream>
 
 #include "Caught.h"
-#include "OSAL/OSAL.h"
+#include "Device/PlatformInfo.h"
 #include "Streams/AppStreams.h"
 #include "Streams/Trace.h"
 #include "TarnWifiFlows.h"
@@ -13,25 +12,6 @@ using Streams::TraceError;
 using Streams::TraceInfo;
 
 namespace {
-
-std::string ArchitectureText(std::uint16_t architecture) {
-    switch (architecture) {
-        case OSAL::ArchitectureX86:
-            return "x86";
-        case OSAL::ArchitectureArm:
-            return "ARM";
-        case 6:
-            return "IA64";
-        case OSAL::ArchitectureX64:
-            return "x64";
-        case OSAL::ArchitectureArm64:
-            return "ARM64";
-        case OSAL::ArchitectureUnknown:
-            return "unknown";
-        default:
-            return "";
-    }
-}
 
 std::string FourNumbers(const std::array<std::uint32_t, 4>& numbers) {
     return Common::Format("${1}.${2}.${3}.${4}") % numbers[0] % numbers[1] % numbers[2] % numbers[3];
@@ -92,19 +72,10 @@ void TarnWifiFlows::GetComponentsVersions() {
 
 void TarnWifiFlows::GetPlatformInfo() {
     TRACE_SCOPE("TarnWifiFlows::GetPlatformInfo");
-    const OSAL::SystemInfo info = OSAL::GetSystemInfo();
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    text << "CPU string: " << OSAL::GetProcessorBrand() << '\n'
-         << "Computer name: " << OSAL::GetComputerName() << '\n'
-         << "Architecture: " << ArchitectureText(info.processorArchitecture) << '\n'
-         << "Number of processors: " << info.numberOfProcessors << '\n'
-         << "wProcessorRevision: " << info.processorRevision << '\n'
-         << "Processor type: " << info.processorType << '\n'
-         << "Min app address: " << info.minimumApplicationAddress << '\n'
-         << "Max app address: " << info.maximumApplicationAddress << '\n'
-         << "Active processor mask: " << info.activeProcessorMask << '\n';
-    m_response = text.str();
+    std::string text;
+    for (const PlatformFact& fact : DescribePlatform())
+        text.append(fact.label).append(": ").append(fact.value).append("\n");
+    m_response = text;
 }
 
 void TarnWifiFlows::SupportedConfigToString() {
