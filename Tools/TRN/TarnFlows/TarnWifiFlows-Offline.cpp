@@ -28,6 +28,7 @@ class ResultFile {
 public:
     explicit ResultFile(const std::string& folder) : m_path(folder + "/result.csv") {}
 
+    const std::string& Path() const { return m_path; }
     void Create() const {
         if (const auto made = OSAL::WriteWholeFile(m_path, "FILE_NAME, POWER, BAND, CH, BW, CHAIN,\n"); !made)
             REPORT_FAILURE(made.Reason());
@@ -60,7 +61,10 @@ void TarnWifiFlows::ReadADCSamplesFromFile(std::string folder) {
             TRACE(TraceInfo, Common::Format("No valid files were found in folder ${1}") % folder);
             return;
         }
-        ResultFile(folder).Create();
+        const ResultFile result(folder);
+        if (OSAL::IsLink(result.Path()))
+            ThrowLogged(traceFunctionName, Common::Format("File ${1} is a link") % result.Path());
+        result.Create();
     }
     const std::string answer = m_response;
     OfflineBuffers buffers(numOfSamples);
@@ -70,7 +74,7 @@ void TarnWifiFlows::ReadADCSamplesFromFile(std::string folder) {
 }
 
 void TarnWifiFlows::AnalyzeAdcFile(const std::string& folder, const std::string& name, OfflineBuffers& buffers) {
-    TRACE_SCOPE("TarnWifiFlows::ReadADCSamplesFromFile");
+    constexpr const char* traceFunctionName = "TarnWifiFlows::ReadADCSamplesFromFile";  // one of its steps
     std::string band, channel, bandwidth, chain;
     if (!AdcFile::GetParamsFromFilename(name, band, channel, bandwidth, chain)) {
         TRACE(TraceInfo, Common::Format("${1} is not a valid file. Skipping to next file.") % name);
