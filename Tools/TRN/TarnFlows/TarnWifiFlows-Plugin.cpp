@@ -63,6 +63,7 @@ WifiAdc::CSampleCommon& TarnWifiFlows::Sampler() {
 void TarnWifiFlows::Release() {
     m_sampler.reset();
     m_lmnSA.reset();
+    m_maxHoldOn = m_channelAverageOn = false;  // the engine that they were told to is gone
     for (auto& [tableId, rows] : m_channelTables)
         rows.clear();
     GetProcessor().GetParser().Clear();
@@ -109,7 +110,7 @@ void TarnWifiFlows::InitLumen() {
 }
 
 void TarnWifiFlows::IdentifyPlatform() {
-    TRACE_SCOPE("TarnWifiFlows::Init");
+    constexpr const char* traceFunctionName = "TarnWifiFlows::Init";  // one of its steps
     const std::uint32_t deviceId = m_wifi->GetPlatformDeviceId();
     m_isGLN = Holds(GlnPlatforms, deviceId);
     m_vesperChainMode = m_isGLN ? 2 : 1;
