@@ -1,9 +1,8 @@
 // Bringing the radio into receive state, and the default configuration.
-#include <optional>
-
 #include "Caught.h"
 #include "OSAL/OSAL.h"
 #include "Streams/Trace.h"
+#include "Support/DroppedFailure.h"
 #include "TarnWifiFlows.h"
 
 using Streams::TraceError;
@@ -15,19 +14,6 @@ namespace {
 SyncObjectsOSAL::MutexOSAL& RadioMutex() {
     static SyncObjectsOSAL::MutexOSAL mutex;
     return mutex;
-}
-
-/// The text of a `Common::Exception` that `action` ended in; other exceptions pass.
-template <typename Action>
-std::optional<std::string> DroppedFailure(const Action& action) {
-    try {
-        action();
-    } catch (const Common::Exception*) {
-        return Common::Caught().Text();
-    } catch (const Common::Exception& failure) {
-        return failure.what();
-    }
-    return std::nullopt;
 }
 
 constexpr const char* DefaultGainFile = "GainCSV.csv";
@@ -104,6 +90,7 @@ bool TarnWifiFlows::SetDefaultConfigParamsAndGain() {
     m_rxConfig.m_band = 0;
     m_rxConfig.mode = 13;
     m_rxConfig.m_currChain = 1;
+    m_rxConfig.antennaMask = 1;  // SetChain leaves it alone when the chain is set already
     SetChain("A");
     m_adcConfig.chainAEnable = 1;
     m_adcConfig.chainBEnable = 0;
