@@ -100,6 +100,10 @@ bool TarnWifiFlows::is2RxChainsCard() {
     return ChannelDatabase::Is2RxChainsCard(m_cardType);
 }
 
+void TarnWifiFlows::CheckChannelRates(const quayCommand::TxConfig&) {
+    TRACE_SCOPE("TarnWifiFlows::CheckChannelRates");
+}
+
 void TarnWifiFlows::GuiToHWAnts(quayCommand::RxConfig& rxConfig, quayCommand::AdcConfig& adcConfig) {
     TRACE_SCOPE("TarnWifiFlows::GuiToHWAnts");
     ChannelDatabase::GuiToHWAnts(m_cardType, m_hwType, rxConfig, adcConfig);

@@ -16,6 +16,10 @@
 #include "Stores/GainFile.h"
 #include "TarnCommonFlows.h"
 
+namespace quayCommand {
+struct TxConfig;
+}
+
 /// Size class of the board, as the newer gain tables need it.
 enum AshBayBoardSKU : std::uint32_t {
     eASH_BAY_BOARD_SKU_2230 = 0,
@@ -48,6 +52,8 @@ public:
     virtual void InitChannelListDataBase();
     virtual void InitChannelListPerBw(std::vector<ChannelRow> rows, const quayCommand::RxConfig& rxConfig,
                                       ChannelTableId tableId);
+    /// Does nothing: the tool doesn't transmit.
+    virtual void CheckChannelRates(const quayCommand::TxConfig& txConfig);
     virtual void GuiToHWAnts(quayCommand::RxConfig& rxConfig, quayCommand::AdcConfig& adcConfig);
     /// Band 2.4, 20 MHz, channel 1, chain A, the default gain file; brings the radio up.
     /// @return false when the receiver could not be set up
@@ -138,8 +144,6 @@ protected:
 
     // Steps of a trigger that both variants share.
     /// Puts the adapters that need it into their capture state.
-    /// Fills the emptied channel lists by what the adapter says.
-    void SelectChannels();
     void PrepareCaptureMode();
     /// Sets the receiver and the gain up and carries out pending clears.
     void PrepareTrigger();
@@ -182,7 +186,8 @@ private:
     void RegisterKeys();
     void InitLumen();
     void IdentifyPlatform();
-    void HandOverNvmDocument();
+    /// Fills the emptied channel lists by what the adapter says.
+    void SelectChannels();
     /// Drops what Init made; the entries of the channel tables stay, without rows.
     void Release();
 
