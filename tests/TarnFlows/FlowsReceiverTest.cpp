@@ -102,6 +102,14 @@ TEST_F(FlowsReceiverTest, AResetGivesTheDefaultsAndALookAtTheDefaultGainFile) {
     EXPECT_EQ(Engine().m_RBW, 312.5);  // no part of the defaults
 }
 
+TEST_F(FlowsReceiverTest, AResetListensAndMeasuresOnTheSameChainOnACardWithoutAnAntennaOfItsOwn) {
+    Start("hw=12,card=3");
+    Run("-chain B -trigger_now");
+    ForgetCalls();
+    Run("-reset_config");
+    EXPECT_EQ(Calls().at(1).substr(0, 21), "ConfigTxRx 1 0 13 1 1");
+}
+
 TEST_F(FlowsReceiverTest, ARepeatedResetKeepsTheChannelListsAsLongAsTheyWere) {
     Start();
     const ChannelTables once = m_flows->m_channelTables;

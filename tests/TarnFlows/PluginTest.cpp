@@ -83,14 +83,16 @@ TEST_F(PluginTest, WithoutKeysEveryLineIsAnUnknownOption) {
 
 TEST_F(PluginTest, AfterDeInitAnotherInitMeasuresAgain) {
     Start();
+    Run("-channel_average true -channel_average_sweep_val 10");
     m_flows->DeInit();
     EXPECT_EQ(m_flows->GetLmnSA(), nullptr);
     for (const auto& [table, rows] : m_flows->m_channelTables)
         EXPECT_TRUE(rows.empty()) << table;
     EXPECT_FALSE(m_flows->m_channelTables.empty());
     m_flows->Init();
-    EXPECT_EQ(Run("-trigger_now").exitCode, 0);
-    m_flows->Init();  // without DeInit between
+    EXPECT_EQ(Run("-trigger_now -export_freq_power powers.csv").exitCode, 0);
+    EXPECT_EQ(Lines(Read("powers.csv")).size(), 3u);  // no average holds the trigger back
+    m_flows->Init();                                  // without DeInit between
     EXPECT_EQ(Run("-trigger_now").exitCode, 0);
 }
 
