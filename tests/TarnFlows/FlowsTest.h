@@ -83,7 +83,7 @@ protected:
     /// Puts another adapter in place and makes a flow object for it, without Init.
     void Place(const std::string& adapter, const std::string& faults = "") {
         m_flows.reset();
-        const auto refusal = quayCommand::SetUpRadio({adapter, "sim", (m_folder / "journal").string(), faults});
+        const auto refusal = quayCommand::SetUpRadio({adapter, m_air, (m_folder / "journal").string(), faults});
         ASSERT_EQ(refusal.value_or(""), "");
         m_seenCalls = 0;
         m_flows = std::make_unique<Open<TarnWifiFlows>>(&m_host);
@@ -156,6 +156,7 @@ protected:
     }
 
     std::filesystem::path m_folder;
+    std::string m_air = "sim";
     std::ostringstream m_errorStream;
     Host m_host;
     std::unique_ptr<Open<TarnWifiFlows>> m_flows;

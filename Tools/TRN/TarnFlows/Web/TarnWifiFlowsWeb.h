@@ -1,4 +1,6 @@
-// The front-end variant of the flow object: what a front-end asks for is answered in JSON messages.
+// The front-end variant of the flow object: what a front-end asks for is answered in JSON messages. While a line runs
+// with plain output, each operation is the base class's, but for those that say otherwise. The definitions stand in
+// TarnWifiFlowsWeb-<Subject>.cpp.
 #pragma once
 
 #include "TarnWifiFlows.h"
@@ -11,4 +13,52 @@ public:
     /// Hands the host one message and empties the text answer.
     /// @param type  goes out as it stands, as does `data`, which must be a JSON text
     void OutputObject(std::string type, std::string data) override;
+
+    // Measurement. A failure of an Update operation goes to the host's OutputError, whatever it is; nothing is thrown.
+    /// "Power Per Chain" for each chain of the selection, then "Spectrum Data" with the average and the max hold where
+    /// they are on. While the burn-in test runs, a failure is thrown as a Common::Exception instead.
+    void UpdateSpectrum() override;
+    void UpdateChannelAverage() override;
+    void UpdateIQ() override;
+    void UpdateHistogram() override;
+    void UpdatePeaksData() override;
+    /// Any text but "B" is the engine's first chain, under that text.
+    void GetPowerByChain(std::string chain) override;
+    void TriggerNow() override;
+    /// "Trigger Response", then spectrum, I and Q, and histogram. Doesn't count runs.
+    void ReadSamples() override;
+
+    // Settings.
+    void SetGainFromFile() override;
+    void SetGainStatusResponse(std::string text) override;
+    /// Two values before the first capture, one for each of the device's bands behind it; no range is checked.
+    void SetNoiseFloor(std::string text) override;
+    /// Tells the new channels, then the outcome; a refused country is an answer, not an exception.
+    void ReloadMccProfile() override;
+    void GetSupportedChannels() override;
+    void GetSupportedChains() override;
+    void GetPlatformInfo() override;
+
+    // Files. The exports overwrite whatever they can open: they neither refuse links nor take the file lock.
+    void SaveSpectrum(std::string path) override;
+    void SaveMaxHold(std::string path) override;
+    void SaveIQ(std::string path) override;
+    void SaveSpectrumByRBW(std::string path) override;
+    void ExportAllFreqPowerData(std::string path) override;
+    /// The base class's analysis with either output; its end is told to a front-end.
+    void ReadADCSamplesFromFile(std::string folder) override;
+    /// The whole frequency-power store, last power of each channel and chain.
+    virtual void SendPowerTableData();
+
+protected:
+    /// A band's name as messages write it, in GHz without the unit; empty for another number.
+    static std::string BandText(std::uint32_t band);
+    /// OutputObject between the two trace lines that frame each message.
+    void Send(const char* operation, const std::string& type, std::string data);
+
+private:
+    /// In a catch block of an Update operation: ends the exception, logs and reports `failure`.
+    void ReportFailure(const char* operation, const char* failure);
+
+    std::uint32_t m_firstRunNoiseFloors = 2;  ///< values of "-noise_floor" before the first capture
 };

@@ -62,8 +62,7 @@ CLI::App* AddAnalyse(CLI::App& app, AnalyseOptions& options) {
 
 CLI::App* AddRun(CLI::App& app, RunOptions& options) {
     auto* command = app.add_subcommand("run", "Run command lines of the plug-in");
-    command->add_flag("--web", options.isFrontEnd,
-                      "Front-end variant. Its messages are not complete yet: answers come as text");
+    command->add_flag("--web", options.isFrontEnd, "Front-end variant: answers are JSON messages");
     command->add_flag("--plain", options.plainOutput, "Text answers, also from the front-end variant");
     command->add_flag("--record", options.record, "Print everything that came back as one JSON object a command line");
     command->add_flag("--keep-going", options.keepGoing, "Go on behind a line that failed");
