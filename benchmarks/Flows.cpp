@@ -10,7 +10,7 @@
 #include "CSampleCommon.h"
 #include "Kelp.h"
 #include "RadioSetup.h"
-#include "TarnWifiFlows.h"
+#include "Web/TarnWifiFlowsWeb.h"
 
 namespace {
 
@@ -42,20 +42,36 @@ struct Codes {
     std::vector<double> i, q, none;
 };
 
-/// The flow object under a line of keys.
+/// Takes the messages of the front-end variant; keeps how many bytes there were.
+class Sink final : public IHostOutput {
+public:
+    void OutputObject(std::string text) override { bytes += text.size(); }
+    void Output(std::string) override {}
+    void OutputError(std::string text) override { fail(text); }
+    std::size_t bytes = 0;
+};
+
+/// The flow object under a line of keys; the front-end variant can do both.
 class Plugin {
 public:
-    Plugin() : m_flows(nullptr) { m_flows.Init(); }
+    Plugin() : m_flows(&m_sink) { m_flows.Init(); }
 
-    std::string run(std::string line) {
+    std::string run(std::string line, bool plain = true) {
         std::string output, error;
         ITrellisPlugin& plugin = m_flows;
-        if (plugin.RunCommand(line, output, error, true) != 0) fail("'" + line + "': " + error);
+        if (plugin.RunCommand(line, output, error, plain) != 0) fail("'" + line + "': " + error);
         return output;
+    }
+    /// Bytes of the messages that a line sends.
+    std::size_t send(const std::string& line) {
+        m_sink.bytes = 0;
+        run(line, false);
+        return m_sink.bytes;
     }
 
 private:
-    TarnWifiFlows m_flows;
+    Sink m_sink;
+    TarnWifiFlowsWeb m_flows;
 };
 
 double cpuMilliseconds(const std::function<void()>& work, int rounds) {
@@ -113,6 +129,23 @@ void compareStore(Plugin& plugin) {
     plugin.run("-clear_freq_power_data");
 }
 
+/// What the messages of a trigger cost beyond the capture, and those of a wide spectrum.
+void costMessages(Plugin& plugin) {
+    plugin.run("-band 2.4 -bandwidth 20 -channel 1 -chain A -rbw 39.0625 -histogram true -trigger_now");
+    const std::size_t bytes = plugin.send("-trigger_now");
+    if (bytes < kSamples * 2 * 10) fail("a trigger sent " + std::to_string(bytes) + " bytes");
+    constexpr int rounds = 40;
+    const double plain = cpuMilliseconds([&] { plugin.run("-trigger_now"); }, rounds);
+    const double messages = cpuMilliseconds([&] { plugin.send("-trigger_now"); }, rounds);
+    printCost("a front-end's trigger at 1024 bins beyond the capture", messages - plain, 6);
+    plugin.run("-band 6-7 -bandwidth 320 -channel 31 -channel_average true -maxhold true -trigger_now");
+    if (plugin.send("-update_spectrum") < 3 * 8192 * 10) fail("a spectrum of 8192 bins is short");
+    printCost("\"Spectrum Data\" of 8192 bins, three arrays",
+              cpuMilliseconds([&] { plugin.send("-update_spectrum"); }, rounds), 2);
+    plugin.run("-channel_average false -maxhold false -histogram false");
+    plugin.run(kSettings);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -137,6 +170,7 @@ int main(int argc, char** argv) {
     printCost("-save_IQ", cost("-save_IQ " + (folder / "iq.txt").string()), 20);
     printCost("-save_spectrum", cost("-save_spectrum " + (folder / "spectrum.txt").string()), 20);
     printCost("-find_peaks 10", cost("-find_peaks 10"), 0.2);
+    costMessages(plugin);
     compareStore(plugin);
     printCost("offline analysis of a file", cost("-read_adc_samples_from_file " + (folder / "scan").string()), 5);
     fs::remove_all(folder);

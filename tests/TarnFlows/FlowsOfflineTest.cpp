@@ -1,14 +1,11 @@
-// Stored captures through "-read_adc_samples_from_file", end to end; and the numbers of all text answers.
+// Stored captures through "-read_adc_samples_from_file", end to end.
 #include <sys/stat.h>
 
 #include <chrono>
 #include <cmath>
-#include <limits>
 #include <numbers>
-#include <random>
 
 #include "FlowsTest.h"
-#include "Support/NumberText.h"
 
 namespace {
 
@@ -155,59 +152,6 @@ TEST_F(FlowsOfflineTest, RecordedWifiTrafficHasItsKnownPowers) {
     auto lines = Lines(ReadFile(fs::path(captures) / "expected.csv").substr(Header.size()));
     std::ranges::sort(lines);
     EXPECT_EQ(Results(), lines);
-}
-
-TEST(NumberText, HasTheBytesOfADefaultStream) {
-    std::vector<double> values{0.0,
-                               -0.0,
-                               1.0,
-                               -1.0,
-                               0.1,
-                               100000.0,
-                               999999.0,
-                               999999.5,
-                               1e6,
-                               123456.5,
-                               123455.5,
-                               0.5,
-                               2.5,
-                               1e-4,
-                               9.99999e-5,
-                               9.999995e-5,
-                               0.000123456789,
-                               99999.95,
-                               99999.949999,
-                               1e5,
-                               1e-5,
-                               1e100,
-                               -1e-100,
-                               5e-324,
-                               std::numeric_limits<double>::max(),
-                               12345.65,
-                               1.000005,
-                               1.0000005,
-                               1.0000015,
-                               3.1415926,
-                               std::numeric_limits<double>::infinity(),
-                               -std::numeric_limits<double>::infinity(),
-                               std::nan("")};
-    std::mt19937_64 random(1);
-    std::uniform_real_distribution<double> exponent(-7, 8), mantissa(-10, 10);
-    for (int k = 0; k < 20000; ++k) {
-        const double value = mantissa(random) * std::pow(10.0, exponent(random));
-        values.push_back(value);
-        values.push_back(std::round(value * 64) / 64);  // ties
-        values.push_back(std::stod(std::to_string(std::lround(value)) + "5e-3"));
-    }
-    std::ostringstream expected;
-    std::string text;
-    for (const double value : values) {
-        expected.str("");
-        expected << value;
-        text.clear();
-        AppendStreamText(text, value);
-        ASSERT_EQ(text, expected.str());
-    }
 }
 
 }  // namespace
