@@ -74,18 +74,18 @@ Kelp64fc root(std::uint64_t k, int order) {
     }
 }
 
-/// The factors behind a first radix-`rows` step over 2^order points: vectors of `lanes` neighbours j, for each the
+/// The factors behind a first radix-`rows` step over 2^order points: groups of `group` neighbours j, for each the
 /// rows k = 1 .. rows - 1 of exp(-2 pi i j k / N).
-const Kelp64f* makeTwiddles(Arena& arena, int order, int rows, int lanes) {
+const Kelp64f* makeTwiddles(Arena& arena, int order, int rows, int group) {
     const std::size_t columns = (std::size_t{1} << order) / static_cast<std::size_t>(rows);
     double* table = arena.take<double>(2 * columns * static_cast<std::size_t>(rows - 1));
     double* out = table;
-    for (std::size_t at = 0; table && at < columns; at += static_cast<std::size_t>(lanes)) {
-        for (int k = 1; k < rows; k++, out += 2 * lanes) {
-            for (int lane = 0; lane < lanes; lane++) {
+    for (std::size_t at = 0; table && at < columns; at += static_cast<std::size_t>(group)) {
+        for (int k = 1; k < rows; k++, out += 2 * group) {
+            for (int lane = 0; lane < group; lane++) {
                 const Kelp64fc w = root((at + static_cast<std::size_t>(lane)) * static_cast<std::size_t>(k), order);
                 out[lane] = w.real();
-                out[lanes + lane] = w.imag();
+                out[group + lane] = w.imag();
             }
         }
     }
@@ -145,16 +145,16 @@ void plan(KelpsFFTSpec_C_64fc& spec, Arena& arena, const KelpKernel& kernel, int
     spec.order = order;
     spec.directOrder = order > kelpMaxDirectOrder ? kelpInnerOrder : order;
     spec.scale = forwardScale(order, flag);
-    const bool isShort = spec.directOrder < 2 * log2Of(kernel.fft.lanes);
-    spec.fft = isShort ? &kelpSingleLaneFft : &kernel.fft;
-    const int lanes = spec.fft->lanes, tailBits = 2 * log2Of(lanes);
+    const bool isShort = spec.directOrder < 2 * log2Of(kernel.fft.group);
+    spec.fft = isShort ? &kelpSinglePointFft : &kernel.fft;
+    const int group = spec.fft->group, tailBits = 2 * log2Of(group);
     chooseRadices(spec, spec.directOrder - tailBits);
     int bits = spec.directOrder;
     for (int pass = 0; pass < spec.passes; pass++) {
-        spec.twiddle[pass] = makeTwiddles(arena, bits, spec.radix[pass], lanes);
+        spec.twiddle[pass] = makeTwiddles(arena, bits, spec.radix[pass], group);
         bits -= log2Of(spec.radix[pass]);
     }
-    spec.tailTwiddle = makeTwiddles(arena, tailBits, lanes, lanes);
+    spec.tailTwiddle = makeTwiddles(arena, tailBits, group, group);
     spec.rows = std::int32_t{1} << (spec.directOrder - tailBits);
     makeRowTable(spec, arena);
     if (order != spec.directOrder) makeHugeTables(spec, arena);

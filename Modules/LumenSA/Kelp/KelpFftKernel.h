@@ -1,24 +1,11 @@
-// The transform, written once over a vector type V of L doubles and compiled by each kernel for its instructions. All
-// is in an unnamed namespace: no code compiled for one instruction set may stand in for another's.
+// The transform, written once over a vector type V of lanes and compiled by each kernel for its instructions.
 //
-// In work memory a block of n points is n / L pairs of vectors: L real parts, then L imaginary parts. A pass combines
-// points n / radix apart, so that its vectors are whole lanes of neighbours and nothing is shuffled. Only the last
-// sub-transforms of L * L points turn a square of lanes once.
+// In work memory a block of n points is n / G groups: G real parts, then G imaginary parts, each one vector or a few. A
+// pass combines points n / radix apart, so that its vectors are whole lanes of neighbours and nothing is shuffled. Only
+// the last sub-transforms of G * G points turn a square of lanes once.
 #pragma once
 
-#include <cstddef>
-#include <cstring>
-#include <utility>
-
-#include "KelpKernel.h"
-
-#if defined(_MSC_VER) && !defined(__clang__)
-#define KELP_INLINE __forceinline
-#define KELP_INLINE_LAMBDA
-#else
-#define KELP_INLINE inline __attribute__((always_inline))
-#define KELP_INLINE_LAMBDA __attribute__((always_inline))
-#endif
+#include "KelpLanes.h"
 
 namespace {
 
@@ -52,22 +39,6 @@ KELP_INLINE Cplx<V> minusI(Cplx<V> a, Cplx<V> b) {
 template <class V>
 KELP_INLINE Cplx<V> plusI(Cplx<V> a, Cplx<V> b) {
     return {a.re - b.im, a.im + b.re};
-}
-
-/// A number known to the compiler.
-template <int K>
-struct Constant {
-    KELP_INLINE constexpr operator int() const { return K; }
-};
-
-/// Calls f with the constants 0 .. N-1: a loop that is unrolled in every build.
-template <class F, int... K>
-KELP_INLINE void unrollImpl(F&& f, std::integer_sequence<int, K...>) {
-    (f(Constant<K>{}), ...);
-}
-template <int N, class F>
-KELP_INLINE void unroll(F&& f) {
-    unrollImpl(f, std::make_integer_sequence<int, N>{});
 }
 
 // Forward transforms of R vectors, natural order in and out.
@@ -116,118 +87,148 @@ KELP_INLINE void butterfly(Cplx<V>* x) {
     if constexpr (R == 8) butterfly8(x[0], x[1], x[2], x[3], x[4], x[5], x[6], x[7]);
 }
 
-template <class V>
+template <int G, class V>
 KELP_INLINE Cplx<V> loadPair(const double* p) {
-    return {V::load(p), V::load(p + V::lanes)};
+    return {V::load(p), V::load(p + G)};
 }
 
-template <class V>
+template <int G, class V>
 KELP_INLINE void storePair(double* p, Cplx<V> x) {
     x.re.store(p);
-    x.im.store(p + V::lanes);
+    x.im.store(p + G);
 }
 
 /// One pass of radix R over n points. The source is work memory, or complex numbers as the caller has them.
-template <class V, int R, bool Interleaved>
+template <class V, int G, int R, bool Interleaved>
 void pass(const double* src, double* dst, std::size_t n, const double* twiddle) {
     constexpr int L = V::lanes;
     const std::size_t stride = 2 * (n / R);
-    for (std::size_t at = 0; at < stride; at += 2 * L) {
-        Cplx<V> x[R];
-        unroll<R>([&](auto k) KELP_INLINE_LAMBDA {
-            const double* p = src + at + k * stride;
-            if constexpr (Interleaved) {
-                V::loadInterleaved(p, x[k].re, x[k].im);
-            } else {
-                x[k] = loadPair<V>(p);
-            }
+    for (std::size_t at = 0; at < stride; at += 2 * G) {
+        unroll<G / L>([&](auto part) KELP_INLINE_LAMBDA {
+            Cplx<V> x[R];
+            unroll<R>([&](auto k) KELP_INLINE_LAMBDA {
+                const double* p = src + at + k * stride;
+                if constexpr (Interleaved) {
+                    V::loadInterleaved(p + 2 * L * part, x[k].re, x[k].im);
+                } else {
+                    x[k] = loadPair<G, V>(p + L * part);
+                }
+            });
+            butterfly<R>(x);
+            double* q = dst + at + L * part;
+            storePair<G>(q, x[0]);
+            unroll<R - 1>([&](auto k) KELP_INLINE_LAMBDA {
+                storePair<G>(q + (k + 1) * stride, x[k + 1] * loadPair<G, V>(twiddle + k * 2 * G + L * part));
+            });
         });
-        butterfly<R>(x);
-        storePair(dst + at, x[0]);
-        unroll<R - 1>([&](auto k) KELP_INLINE_LAMBDA {
-            storePair(dst + at + (k + 1) * stride, x[k + 1] * loadPair<V>(twiddle + k * 2 * L));
-        });
-        twiddle += (R - 1) * 2 * L;
+        twiddle += (R - 1) * 2 * G;
     }
 }
 
-template <class V, bool Interleaved>
+template <class V, int G, bool Interleaved>
 void anyPass(int radix, const double* src, double* dst, std::size_t n, const double* twiddle) {
     switch (radix) {
         case 2:
-            return pass<V, 2, Interleaved>(src, dst, n, twiddle);
+            return pass<V, G, 2, Interleaved>(src, dst, n, twiddle);
         case 4:
-            return pass<V, 4, Interleaved>(src, dst, n, twiddle);
+            return pass<V, G, 4, Interleaved>(src, dst, n, twiddle);
         case 8:
-            return pass<V, 8, Interleaved>(src, dst, n, twiddle);
+            return pass<V, G, 8, Interleaved>(src, dst, n, twiddle);
         default:
-            return pass<V, 1, Interleaved>(src, dst, n, twiddle);
+            return pass<V, G, 1, Interleaved>(src, dst, n, twiddle);
     }
 }
 
-/// The last sub-transforms, L * L points each, of n points: output k of each stands at place k. With `power` their
+/// G rows of G lanes, each row in vectors, turned into columns: squares of lanes trade places and turn themselves.
+template <class V, int G>
+KELP_INLINE void transposeRows(V (&rows)[G / V::lanes][G]) {
+    constexpr int L = V::lanes;
+    V turned[G / L][G];
+    unroll<G / L>([&](auto part) KELP_INLINE_LAMBDA {
+        unroll<G / L>([&](auto down) KELP_INLINE_LAMBDA {
+            V square[L];
+            unroll<L>([&](auto k) KELP_INLINE_LAMBDA { square[k] = rows[part][down * L + k]; });
+            V::transpose(square);
+            unroll<L>([&](auto k) KELP_INLINE_LAMBDA { turned[down][part * L + k] = square[k]; });
+        });
+    });
+    unroll<G / L>([&](auto part) KELP_INLINE_LAMBDA {
+        unroll<G>([&](auto k) KELP_INLINE_LAMBDA { rows[part][k] = turned[part][k]; });
+    });
+}
+
+/// The last sub-transforms, G * G points each, of n points: output k of each stands at place k. With `power` their
 /// squared magnitudes are added there; else they replace the points.
-template <class V, bool Power>
+template <class V, int G, bool Power>
 void tails(double* x, double* power, std::size_t n, const double* twiddle) {
     constexpr int L = V::lanes;
-    for (std::size_t at = 0; at < n; at += L * L) {
-        Cplx<V> y[L];
-        unroll<L>([&](auto k) KELP_INLINE_LAMBDA { y[k] = loadPair<V>(x + 2 * at + k * 2 * L); });
-        butterfly<L>(y);
-        unroll<L - 1>([&](auto k) KELP_INLINE_LAMBDA { y[k + 1] = y[k + 1] * loadPair<V>(twiddle + k * 2 * L); });
-        V re[L], im[L];
-        unroll<L>([&](auto k) KELP_INLINE_LAMBDA { re[k] = y[k].re; });
-        V::transpose(re);
-        unroll<L>([&](auto k) KELP_INLINE_LAMBDA { im[k] = y[k].im; });
-        V::transpose(im);
-        unroll<L>([&](auto k) KELP_INLINE_LAMBDA { y[k] = Cplx<V>{re[k], im[k]}; });
-        butterfly<L>(y);
-        unroll<L>([&](auto k) KELP_INLINE_LAMBDA {
-            if constexpr (Power) {
-                double* p = power + at + k * L;
-                V::mulAdd(y[k].im, y[k].im, V::mulAdd(y[k].re, y[k].re, V::load(p))).store(p);
-            } else {
-                storePair(x + 2 * at + k * 2 * L, y[k]);
-            }
+    for (std::size_t at = 0; at < n; at += G * G) {
+        V re[G / L][G], im[G / L][G];
+        unroll<G / L>([&](auto part) KELP_INLINE_LAMBDA {
+            Cplx<V> y[G];
+            unroll<G>([&](auto k) KELP_INLINE_LAMBDA { y[k] = loadPair<G, V>(x + 2 * at + k * 2 * G + L * part); });
+            butterfly<G>(y);
+            unroll<G - 1>([&](auto k) KELP_INLINE_LAMBDA {
+                y[k + 1] = y[k + 1] * loadPair<G, V>(twiddle + k * 2 * G + L * part);
+            });
+            unroll<G>([&](auto k) KELP_INLINE_LAMBDA {
+                re[part][k] = y[k].re;
+                im[part][k] = y[k].im;
+            });
+        });
+        transposeRows<V, G>(re);
+        transposeRows<V, G>(im);
+        unroll<G / L>([&](auto part) KELP_INLINE_LAMBDA {
+            Cplx<V> y[G];
+            unroll<G>([&](auto k) KELP_INLINE_LAMBDA { y[k] = Cplx<V>{re[part][k], im[part][k]}; });
+            butterfly<G>(y);
+            unroll<G>([&](auto k) KELP_INLINE_LAMBDA {
+                if constexpr (Power) {
+                    double* p = power + at + k * G + L * part;
+                    V::mulAdd(y[k].im, y[k].im, V::mulAdd(y[k].re, y[k].re, V::load(p))).store(p);
+                } else {
+                    storePair<G>(x + 2 * at + k * 2 * G + L * part, y[k]);
+                }
+            });
         });
     }
 }
 
 /// The passes from `level` on, one sub-block after the other, so that a sub-block stays in the near cache to its end.
-template <class V, bool Power>
+template <class V, int G, bool Power>
 void finish(const KelpsFFTSpec_C_64fc& spec, int level, double* x, double* power, std::size_t n) {
-    if (level == spec.passes) return tails<V, Power>(x, power, n, spec.tailTwiddle);
-    anyPass<V, false>(spec.radix[level], x, x, n, spec.twiddle[level]);
-    const std::size_t part = n / spec.radix[level];
-    if (level + 1 == spec.passes) return tails<V, Power>(x, power, n, spec.tailTwiddle);
+    if (level == spec.passes) return tails<V, G, Power>(x, power, n, spec.tailTwiddle);
+    anyPass<V, G, false>(spec.radix[level], x, x, n, spec.twiddle[level]);
+    const std::size_t part = n / static_cast<std::size_t>(spec.radix[level]);
+    if (level + 1 == spec.passes) return tails<V, G, Power>(x, power, n, spec.tailTwiddle);
     for (std::size_t at = 0; at < n; at += part)
-        finish<V, Power>(spec, level + 1, x + 2 * at, Power ? power + at : nullptr, part);
+        finish<V, G, Power>(spec, level + 1, x + 2 * at, Power ? power + at : nullptr, part);
 }
 
-template <class V, bool Power>
+template <class V, int G, bool Power>
 void transformBlock(const KelpsFFTSpec_C_64fc& spec, const double* src, double* work, double* power) {
     const std::size_t n = std::size_t{1} << spec.directOrder;
-    const std::size_t part = n / spec.radix[0];
-    anyPass<V, true>(spec.radix[0], src, work, n, spec.twiddle[0]);
+    const std::size_t part = n / static_cast<std::size_t>(spec.radix[0]);
+    anyPass<V, G, true>(spec.radix[0], src, work, n, spec.twiddle[0]);
     for (std::size_t at = 0; at < n; at += part)
-        finish<V, Power>(spec, 1, work + 2 * at, Power ? power + at : nullptr, part);
+        finish<V, G, Power>(spec, 1, work + 2 * at, Power ? power + at : nullptr, part);
 }
 
-template <class V>
+template <class V, int G>
 void forward(Kelp64f* srcDst, const KelpsFFTSpec_C_64fc& spec, Kelp64f* work) {
     constexpr int L = V::lanes;
-    transformBlock<V, false>(spec, srcDst, work, nullptr);
+    transformBlock<V, G, false>(spec, srcDst, work, nullptr);
     const std::size_t rows = static_cast<std::size_t>(spec.rows);
     const V scale = V::set(spec.scale);
-    double rowOf[2 * L];
-    for (std::size_t column = 0; column < L * L; column += L) {
+    for (std::size_t column = 0; column < G * G; column += L) {
+        const double* base = work + 2 * (column / G * G) + column % G;
         std::size_t t = 0;
         for (; t + L <= rows; t += L) {
             V re[L], im[L];
             for (int k = 0; k < L; k++) {
-                const double* p = work + 2 * (static_cast<std::size_t>(spec.rowOfBin[t + k]) * (L * L) + column);
+                const double* p = base + 2 * static_cast<std::size_t>(spec.rowOfBin[t + k]) * (G * G);
                 re[k] = V::load(p) * scale;
-                im[k] = V::load(p + L) * scale;
+                im[k] = V::load(p + G) * scale;
             }
             V::transpose(re);
             V::transpose(im);
@@ -235,48 +236,48 @@ void forward(Kelp64f* srcDst, const KelpsFFTSpec_C_64fc& spec, Kelp64f* work) {
                 V::storeInterleaved(srcDst + 2 * ((column + k) * rows + t), re[k], im[k]);
         }
         for (; t < rows; t++) {
-            std::memcpy(rowOf, work + 2 * (static_cast<std::size_t>(spec.rowOfBin[t]) * (L * L) + column),
-                        sizeof rowOf);
+            const double* p = base + 2 * static_cast<std::size_t>(spec.rowOfBin[t]) * (G * G);
             for (int k = 0; k < L; k++) {
-                srcDst[2 * ((column + k) * rows + t)] = rowOf[k] * spec.scale;
-                srcDst[2 * ((column + k) * rows + t) + 1] = rowOf[L + k] * spec.scale;
+                srcDst[2 * ((column + k) * rows + t)] = p[k] * spec.scale;
+                srcDst[2 * ((column + k) * rows + t) + 1] = p[G + k] * spec.scale;
             }
         }
     }
 }
 
-template <class V>
+template <class V, int G>
 void sweepPower(const Kelp64f* sweep, int blocks, Kelp64f* mean, const KelpsFFTSpec_C_64fc& spec, Kelp64f* work) {
     constexpr int L = V::lanes;
     const std::size_t n = std::size_t{1} << spec.directOrder;
     double* power = work + 2 * n;
     std::memset(power, 0, n * sizeof(double));
     for (int block = 0; block < blocks; block++)
-        transformBlock<V, true>(spec, sweep + static_cast<std::size_t>(block) * 2 * n, work, power);
+        transformBlock<V, G, true>(spec, sweep + static_cast<std::size_t>(block) * 2 * n, work, power);
     const std::size_t rows = static_cast<std::size_t>(spec.rows);
     const double factor = spec.scale * spec.scale / blocks;
-    for (std::size_t column = 0; column < L * L; column += L) {
+    for (std::size_t column = 0; column < G * G; column += L) {
         std::size_t t = 0;
         for (; t + L <= rows; t += L) {
             V v[L];
             for (int k = 0; k < L; k++)
                 v[k] =
-                    V::load(power + static_cast<std::size_t>(spec.rowOfBin[t + k]) * (L * L) + column) * V::set(factor);
+                    V::load(power + static_cast<std::size_t>(spec.rowOfBin[t + k]) * (G * G) + column) * V::set(factor);
             V::transpose(v);
             for (int k = 0; k < L; k++)
                 v[k].store(mean + (column + k) * rows + t);
         }
         for (; t < rows; t++) {
-            const double* p = power + static_cast<std::size_t>(spec.rowOfBin[t]) * (L * L) + column;
+            const double* p = power + static_cast<std::size_t>(spec.rowOfBin[t]) * (G * G) + column;
             for (int k = 0; k < L; k++)
                 mean[(column + k) * rows + t] = p[k] * factor;
         }
     }
 }
 
-template <class V>
+/// @param G  points of a group: the lanes of V, or a multiple
+template <class V, int G>
 constexpr KelpFftKernel makeFftKernel() {
-    return {V::lanes, forward<V>, sweepPower<V>};
+    return {G, forward<V, G>, sweepPower<V, G>};
 }
 
 }  // namespace

@@ -9,10 +9,10 @@ constexpr int kelpMaxPasses = 8;
 constexpr int kelpMaxDirectOrder = 22;
 constexpr int kelpInnerOrder = 16;
 
-/// The transforms of one vector width. The last sub-transforms are lanes * lanes points long, so shorter lengths need
-/// fewer lanes.
+/// The transforms of one vector width. The last sub-transforms are group * group points long, so shorter lengths need
+/// smaller groups.
 struct KelpFftKernel {
-    int lanes;
+    int group;
     /// Natural order in place, scaled by `spec.scale`. `work` holds 2 N doubles.
     void (*forward)(Kelp64f* srcDst, const KelpsFFTSpec_C_64fc& spec, Kelp64f* work);
     /// `work` holds 3 N doubles.
@@ -35,11 +35,11 @@ struct KelpKernel {
 };
 
 /// A transform of N points: decimation in frequency by radix[0], radix[1], ..., each in place, until sub-transforms of
-/// lanes * lanes points are left. They end in order within, so that row s of the work memory, read as a matrix of
+/// group * group points are left. They end in order within, so that row s of the work memory, read as a matrix of
 /// `rows` rows, holds the bins t, t + rows, t + 2 rows, ... where rowOfBin[t] = s.
 struct KelpsFFTSpec_C_64fc {
     const KelpKernel* kernel;  ///< The kernel chosen at the set-up.
-    const KelpFftKernel* fft;  ///< Its transforms, or those of one lane for a short length.
+    const KelpFftKernel* fft;  ///< Its transforms, or those of single points for a short length.
     int order;                 ///< Of the transform as the caller sees it.
     int directOrder;           ///< Of the transform that the passes do; smaller than `order` for a huge one.
     Kelp64f scale;             ///< Factor of the forward direction.
@@ -53,8 +53,8 @@ struct KelpsFFTSpec_C_64fc {
     const Kelp64fc* fine;
 };
 
-/// One lane only, for lengths that are too short for vectors.
-extern const KelpFftKernel kelpSingleLaneFft;
+/// One point at a time, for lengths that are too short for groups.
+extern const KelpFftKernel kelpSinglePointFft;
 extern const KelpKernel kelpPortableKernel;
 #if defined(__x86_64__) || defined(_M_X64)
 #define KELP_X86 1

@@ -1,4 +1,5 @@
-// The vector primitives that gain from wide registers, written once over a vector type V; see KelpFftKernel.h.
+// The vector primitives that gain from wide registers, written once: over a vector type V, or as plain loops where the
+// compiler finds the vectors of its instructions by itself.
 #pragma once
 
 #include "KelpFftKernel.h"
@@ -111,20 +112,8 @@ bool log10Vector(const double* src, double* dst, int length) {
 
 template <class V>
 void magnitudeVector(const double* src, double* dst, int length) {
-    forVectors<V>(length, [&](std::size_t at, auto lanes) KELP_INLINE_LAMBDA {
-        const double* p = src + 2 * at;
-        V re, im;
-        if (lanes == V::lanes) {
-            V::loadInterleaved(p, re, im);
-            V::squareRoot(V::mulAdd(re, re, im * im)).store(dst + at);
-            return;
-        }
-        double pairs[2 * V::lanes] = {};
-        for (int k = 0; k < 2 * lanes; k++)
-            pairs[k] = p[k];
-        V::loadInterleaved(pairs, re, im);
-        storePart(V::squareRoot(V::mulAdd(re, re, im * im)), dst + at, lanes);
-    });
+    for (std::ptrdiff_t k = 0; k < length; k++)
+        dst[k] = __builtin_sqrt(src[2 * k] * src[2 * k] + src[2 * k + 1] * src[2 * k + 1]);
 }
 
 template <class V>
@@ -157,24 +146,21 @@ void cplxToRealVector(const double* src, double* re, double* im, int length) {
             y.store(im + at);
             return;
         }
-        for (int k = 0; k < lanes; k++) {
-            re[at + k] = src[2 * (at + k)];
-            im[at + k] = src[2 * (at + k) + 1];
+        for (std::size_t k = at; k < at + static_cast<std::size_t>(lanes); k++) {
+            re[k] = src[2 * k];
+            im[k] = src[2 * k + 1];
         }
     });
 }
 
 template <class V>
 void convert16sVector(const Kelp16s* src, double* dst, int length, double factor) {
-    forVectors<V>(length, [&](std::size_t at, auto lanes) KELP_INLINE_LAMBDA {
-        if (lanes == V::lanes) {
-            (V::fromInt16(src + at) * V::set(factor)).store(dst + at);
-            return;
-        }
-        for (int k = 0; k < lanes; k++)
-            dst[at + k] = src[at + k] * factor;
-    });
+    for (std::ptrdiff_t k = 0; k < length; k++)
+        dst[k] = src[k] * factor;
 }
+
+// Below, a pair of 16-bit samples is one 32-bit word with I in the low half.
+static_assert(std::endian::native == std::endian::little);
 
 /// The low 16 bits of x cut toward zero; 0 when x isn't finite or is 2^63 or more in size.
 KELP_INLINE Kelp16s truncated16(double x) {
@@ -182,18 +168,30 @@ KELP_INLINE Kelp16s truncated16(double x) {
     return static_cast<Kelp16s>(static_cast<std::uint16_t>(fits ? static_cast<std::int64_t>(x) : 0));
 }
 
+/// A run of vectors at a time, as if all values were within 32 bits; if one isn't, or for the rest, one by one.
 template <class V>
 void truncInterleaveVector(const double* i, const double* q, Kelp16s* iq, int length) {
-    forVectors<V>(length, [&](std::size_t at, auto lanes) KELP_INLINE_LAMBDA {
-        if (lanes == V::lanes && V::toInt16Pairs(V::load(i + at), V::load(q + at), iq + 2 * at)) return;
-        for (int k = 0; k < lanes; k++) {
-            iq[2 * (at + k)] = truncated16(i[at + k]);
-            iq[2 * (at + k) + 1] = truncated16(q[at + k]);
+    constexpr std::size_t Run = 1024;
+    const std::size_t n = static_cast<std::size_t>(length);
+    for (std::size_t at = 0; at < n; at += Run) {
+        const std::size_t end = n - at < Run ? n : at + Run;
+        typename V::Bits fit = ~typename V::Bits{};
+        if (end - at == Run) {
+            for (std::size_t k = at; k < end; k += V::lanes) {
+                const auto low = V::truncated(V::load(i + k), fit) & 0xFFFF;
+                const auto words = low | (V::truncated(V::load(q + k), fit) << 16);
+                std::memcpy(iq + 2 * k, &words, sizeof words);
+            }
+            if (V::allSigns(fit)) continue;
         }
-    });
+        for (std::size_t k = at; k < end; k++) {
+            iq[2 * k] = truncated16(i[k]);
+            iq[2 * k + 1] = truncated16(q[k]);
+        }
+    }
 }
 
-/// The compiler widens the loop below by itself. 32768 pairs at a time can't overflow 32 bits.
+/// 32768 pairs at a time can't overflow 32 bits.
 template <class V>
 void sumPairsVector(const Kelp16s* iq, int length, double* sumI, double* sumQ) {
     std::int64_t totalI = 0, totalQ = 0;
@@ -219,31 +217,32 @@ void subPairsVector(Kelp16s i, Kelp16s q, Kelp16s* srcDst, int length) {
     }
 }
 
+/// A run at a time: first the parts, then from these, still near, the complex numbers.
 template <class V>
 void fanOutVector(const Kelp16s* iq, double* cplx, double* i, double* q, int length) {
-    forVectors<V>(length, [&](std::size_t at, auto lanes) KELP_INLINE_LAMBDA {
-        const Kelp16s* p = iq + 2 * at;
-        if (lanes == V::lanes) {
-            const V a = V::fromInt16(p), b = V::fromInt16(p + V::lanes);
-            V re, im;
-            V::deinterleave(a, b, re, im);
-            a.store(cplx + 2 * at);
-            b.store(cplx + 2 * at + V::lanes);
-            re.store(i + at);
-            im.store(q + at);
-            return;
+    constexpr std::size_t Run = 128;
+    const std::size_t n = static_cast<std::size_t>(length);
+    for (std::size_t at = 0; at < n; at += Run) {
+        const std::size_t end = n - at < Run ? n : at + Run, whole = end - (end - at) % V::lanes;
+        for (std::size_t k = at; k < whole; k += V::lanes) {
+            typename V::Words pairs;
+            std::memcpy(&pairs, iq + 2 * k, sizeof pairs);
+            V::fromWords((pairs << 16) >> 16).store(i + k);
+            V::fromWords(pairs >> 16).store(q + k);
         }
-        for (int k = 0; k < lanes; k++) {
-            cplx[2 * (at + k)] = i[at + k] = p[2 * k];
-            cplx[2 * (at + k) + 1] = q[at + k] = p[2 * k + 1];
+        for (std::size_t k = at; k < whole; k += V::lanes)
+            V::storeInterleaved(cplx + 2 * k, V::load(i + k), V::load(q + k));
+        for (std::size_t k = whole; k < end; k++) {
+            cplx[2 * k] = i[k] = iq[2 * k];
+            cplx[2 * k + 1] = q[k] = iq[2 * k + 1];
         }
-    });
+    }
 }
 
-template <class V>
+template <class V, int G>
 constexpr KelpKernel makeKernel(const char* name) {
     return {name,
-            makeFftKernel<V>(),
+            makeFftKernel<V, G>(),
             log10Vector<V>,
             magnitudeVector<V>,
             minMaxVector<V>,
