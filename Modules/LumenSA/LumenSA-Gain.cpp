@@ -32,18 +32,22 @@ double CLmnSA::CalcManualGainFactor(unsigned preLNAGain, unsigned internalGain, 
 }
 
 bool CLmnSA::Is5GHzLowChannel(double channel) {
+    TRACE_SCOPE("CLmnSA::Is5GHzLowChannel");
     return ClassOfChannel(ChipFamily::Plain, 1, channel) == ChannelClass::Low;
 }
 
 bool CLmnSA::Is6GHzLowChannel(double channel) {
+    TRACE_SCOPE("CLmnSA::Is6GHzLowChannel");
     return ClassOfChannel(ChipFamily::Plain, 2, channel) == ChannelClass::Low;
 }
 
 bool CLmnSA::Is5GHzHighChannel(double channel) {
+    TRACE_SCOPE("CLmnSA::Is5GHzHighChannel");
     return ClassOfChannel(ChipFamily::Plain, 1, channel) == ChannelClass::High;
 }
 
 bool CLmnSA::Is6GHzHighChannel(double channel) {
+    TRACE_SCOPE("CLmnSA::Is6GHzHighChannel");
     return ClassOfChannel(ChipFamily::Plain, 2, channel) == ChannelClass::High;
 }
 

@@ -42,6 +42,7 @@ double CLmnSA::BandStart() const {
 
 /// Copies `length` bins around the middle of `src`.
 void CLmnSA::GetInBandBuffer(const double* src, double** dst, int length) {
+    TRACE_SCOPE("CLmnSA::GetInBandBuffer");
     std::copy_n(src + m_NumOfBins / 2 - length / 2, length, *dst);
 }
 

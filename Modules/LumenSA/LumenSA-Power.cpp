@@ -61,6 +61,7 @@ void CLmnSA::CalcChannelAverageAndPeak(const double* spectrum, unsigned chain) {
 }
 
 double CLmnSA::CalculateAverage(const double* buffer, int length) {
+    TRACE_SCOPE("CLmnSA::CalculateAverage");
     double sum = 0.0;
     for (int k = 0; k < length; ++k)
         sum += buffer[k];

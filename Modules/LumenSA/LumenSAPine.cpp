@@ -11,10 +11,12 @@ double CLmnPine::CalcManualGainFactor(unsigned preLNAGain, unsigned internalGain
 }
 
 bool CLmnPine::Is5GHzLowChannel(double channel) {
+    TRACE_SCOPE("CLmnPine::Is5GHzLowChannel");
     return ClassOfChannel(ChipFamily::Pine, 1, channel) == ChannelClass::Low;
 }
 
 bool CLmnPine::Is6GHzLowChannel(double channel) {
+    TRACE_SCOPE("CLmnPine::Is6GHzLowChannel");
     return ClassOfChannel(ChipFamily::Pine, 2, channel) == ChannelClass::Low;
 }
 

@@ -11,10 +11,12 @@ double CLmnRowan::CalcManualGainFactor(unsigned preLNAGain, unsigned internalGai
 }
 
 bool CLmnRowan::Is5GHzLowChannel(double channel) {
+    TRACE_SCOPE("CLmnRowan::Is5GHzLowChannel");
     return ClassOfChannel(ChipFamily::Rowan, 1, channel) == ChannelClass::Low;
 }
 
 bool CLmnRowan::Is6GHzLowChannel(double channel) {
+    TRACE_SCOPE("CLmnRowan::Is6GHzLowChannel");
     return ClassOfChannel(ChipFamily::Rowan, 2, channel) == ChannelClass::Low;
 }
 
