@@ -1,5 +1,7 @@
 // From the samples of a sweep to a spectrum in dB, and what is kept from sweep to sweep.
+#include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "LumenSA.h"
 #include "LumenSABuffers.h"
@@ -28,14 +30,33 @@ void CLmnSA::UpdateFromLastSweep() {
     TRACE_SCOPE("CLmnSA::UpdateFromLastSweep");
     if (m_NumChains == 0 && !m_isInit) return;  // a sweep without chains
     RequireSamples();
+    try {
+        CheckLastSweep();
+    } catch (...) {
+        VoidSpectra();
+        throw;
+    }
+    const double noiseFloor = m_BandNoiseFloor[m_Band];
+    for (int c = 0; c < m_NumChains; ++c)
+        UpdateChain(c, noiseFloor);
+}
+
+/// Refuses a sweep that gives no spectrum, before any work.
+void CLmnSA::CheckLastSweep() {
+    static constexpr const char* traceFunctionName = "CLmnSA::UpdateFromLastSweep";  // a step of it
     if (m_NumOfSubBuffers == 0 || std::uint64_t{m_NumOfSubBuffers} * m_NumOfBins > m_NumOfSamples)
         ThrowNew(traceFunctionName,
                  Common::Format("A sweep of ${1} samples is too short for ${2} bins") % m_NumOfSamples % m_NumOfBins);
     if (m_Band >= m_BandNoiseFloor.size()) ThrowValue(traceFunctionName, "Band is not supported");
-    if (GetProperty(LmnSAProperty::MaxHold)) ChannelBuffer(m_MaxHold, 0);  // refuse a bad channel before any work
-    const double noiseFloor = m_BandNoiseFloor[m_Band];
-    for (int c = 0; c < m_NumChains; ++c)
-        UpdateChain(c, noiseFloor);
+    if (GetProperty(LmnSAProperty::MaxHold)) ChannelBuffer(m_MaxHold, 0);
+}
+
+/// No number at all instead of the sweep's before, which would stand beside the samples of this one.
+void CLmnSA::VoidSpectra() {
+    for (int c = 0; c < m_NumChains; ++c) {
+        std::fill_n(m_Spectrum[c]->val, m_NumOfBins, std::numeric_limits<double>::quiet_NaN());
+        m_ChannelPowerPerChain[c] = std::numeric_limits<double>::quiet_NaN();
+    }
 }
 
 void CLmnSA::UpdateChain(int chain, double noiseFloor) {
@@ -98,6 +119,7 @@ void CLmnSA::CompensateFrequency(double* power) {
 
 /// Corner of the frequency compensation in MHz.
 double CLmnSA::GetFrequencyCutoff() {
+    TRACE_SCOPE("CLmnSA::GetFrequencyCutoff");
     switch (m_Bandwidth) {
         case 20:
             return 9.0;

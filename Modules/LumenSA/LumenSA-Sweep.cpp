@@ -28,12 +28,8 @@ void CLmnSA::AddSweep(const double* const* i, const double* const* q, unsigned n
     if (nNumChains > MaxChains) ThrowNew(traceFunctionName, Common::Format("${1} chains are too many") % nNumChains);
     if (numOfSamples > MaxSamples)
         ThrowNew(traceFunctionName, Common::Format("${1} samples are too many") % numOfSamples);
-    m_SweepLen = 1u << Power2(numOfSamples);
-    m_NumOfSamples = numOfSamples;
-    ConvertSamples(i, q, numOfSamples);
     const int chains = static_cast<int>(nNumChains);
-    for (int c = 0; c < chains; ++c)
-        ReduceDC(static_cast<int>(numOfSamples), c);
+    TakeSamples(i, q, numOfSamples, chains);
     if (m_NumChains != chains || m_isInit || (chains > 0 && !BuffersFit()))
         RebuildBuffers(chains);
     else if (m_NumOfSamples > m_buffers->samples)
@@ -44,6 +40,23 @@ void CLmnSA::AddSweep(const double* const* i, const double* const* q, unsigned n
         CheckStatus(kelpsFanOut_16s64f(Pairs(m_Chain[c]), reinterpret_cast<Kelp64fc*>(m_CurrSweep[c]->val),
                                        m_ISweep[c]->val, m_QSweep[c]->val, static_cast<int>(m_NumOfSamples)),
                     traceFunctionName);
+}
+
+/// Fills m_Chain. When that fails, the lengths stay those of the sweep before, whose samples and results are all there.
+void CLmnSA::TakeSamples(const double* const* i, const double* const* q, unsigned numOfSamples, int chains) {
+    const std::uint32_t lastSweepLen = m_SweepLen;
+    const std::uint32_t lastNumOfSamples = m_NumOfSamples;
+    try {
+        m_SweepLen = 1u << Power2(numOfSamples);
+        m_NumOfSamples = numOfSamples;
+        ConvertSamples(i, q, numOfSamples);
+        for (int c = 0; c < chains; ++c)
+            ReduceDC(static_cast<int>(numOfSamples), c);
+    } catch (...) {
+        m_SweepLen = lastSweepLen;
+        m_NumOfSamples = lastNumOfSamples;
+        throw;
+    }
 }
 
 /// Fills m_Chain of all chains with the low 16 bits of the whole codes and with zeros behind. The storage of the sweep
@@ -84,10 +97,13 @@ void CLmnSA::ReduceDC(int numOfSamples, int chain) {
 }
 
 void CLmnSA::RebuildBuffers(int nChains) {
-    TRACE_SCOPE("CLmnSA::RebuildBuffers");
+    static constexpr const char* traceFunctionName = "CLmnSA::AddSweep";  // a step of it
     m_NumChains = nChains;
     m_isInit = true;
-    if (!Realloc(nChains) && nChains > 0)
+    m_buffers->fresh = Contents::Unset;
+    const bool made = Realloc(nChains);
+    m_buffers->fresh = Contents::Zeros;
+    if (!made && nChains > 0)
         ThrowNew(traceFunctionName,
                  Common::Format("No buffers could be made for ${1} chains at sample rate ${2} MHz and RBW ${3} kHz") %
                      nChains % m_SampleRate % m_RBW);
@@ -98,13 +114,13 @@ void CLmnSA::RebuildBuffers(int nChains) {
 
 /// Makes the sweep buffers `room` samples long. Spectra, max hold and average stay.
 void CLmnSA::GrowSweepBuffers(unsigned room) {
-    TRACE_SCOPE("CLmnSA::GrowSweepBuffers");
+    static constexpr const char* traceFunctionName = "CLmnSA::AddSweep";  // a step of it
     Buffers& own = *m_buffers;
     try {
         for (int c = 0; c < own.chainCount; ++c) {
-            own.chains[c].currSweep.Make(std::size_t{2} * room);
-            own.chains[c].iSweep.Make(room);
-            own.chains[c].qSweep.Make(room);
+            own.chains[c].currSweep.Make(std::size_t{2} * room, Contents::Unset);
+            own.chains[c].iSweep.Make(room, Contents::Unset);
+            own.chains[c].qSweep.Make(room, Contents::Unset);
         }
         own.tmp1.Fit(m_SweepLen);
         own.auxSweep.Fit(room);
@@ -118,6 +134,8 @@ void CLmnSA::GrowSweepBuffers(unsigned room) {
     own.samples = room;
 }
 
-void CLmnSA::CreateAdcSweep() {}
+void CLmnSA::CreateAdcSweep() {
+    TRACE_SCOPE("CLmnSA::CreateAdcSweep");
+}
 
 }  // namespace LumenSpectrumAnalyzer

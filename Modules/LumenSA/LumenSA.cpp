@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
 
 #include "Exceptions.h"
 #include "LumenSABuffers.h"
@@ -49,8 +50,8 @@ int WholeWithin(double value, int most) {
     return value >= most ? most : static_cast<int>(value);
 }
 
-void ChannelBuffers::Make(std::size_t channels, std::size_t bins) {
-    values.Fit(channels * bins);
+void ChannelBuffers::Make(std::size_t channels, std::size_t bins, Contents contents) {
+    values.Fit(channels * bins, contents);
     views.assign(channels, ValBuffer{});
     pointers.assign(channels, nullptr);
     for (std::size_t channel = 0; channel < channels; ++channel) {
@@ -59,10 +60,14 @@ void ChannelBuffers::Make(std::size_t channels, std::size_t bins) {
     }
 }
 
-void ChannelBuffers::Release() {
-    values.Release();
+void ChannelBuffers::Drop() {
     views.clear();
     pointers.clear();
+}
+
+void ChannelBuffers::Release() {
+    Drop();
+    values.Release();
 }
 
 CLmnSA::CLmnSA() : m_buffers(std::make_unique<Buffers>()) {
@@ -100,6 +105,7 @@ CLmnSA::~CLmnSA() {
 }
 
 void CLmnSA::InitProps() {
+    TRACE_SCOPE("CLmnSA::InitProps");
     for (const LmnSAProperty property : {LmnSAProperty::MaxHold, LmnSAProperty::Histogram, LmnSAProperty::Average,
                                          LmnSAProperty::FreqCompensation, LmnSAProperty::PowerDeembedding})
         CLmnSA::SetProperty(property, false);
@@ -125,10 +131,12 @@ void CLmnSA::SetProperty(LmnSAProperty property, bool value) {
 }
 
 int CLmnSA::NumOfRxChains() {
+    TRACE_SCOPE("CLmnSA::NumOfRxChains");
     return MaxChains;
 }
 
 unsigned CLmnSA::GetNumOfBins() {
+    TRACE_SCOPE("CLmnSA::GetNumOfBins");
     return m_NumOfBins;
 }
 
@@ -159,8 +167,9 @@ int CLmnSA::Power2(unsigned n) {
 bool CLmnSA::Realloc(int nChains) {
     TRACE_SCOPE("CLmnSA::Realloc");
     const SyncObjectsOSAL::Entered lock(*m_pThreadSync);
-    ReleaseBuffers();
+    DropBuffers();
     if (nChains == 0) {
+        ReleaseBuffers();
         TRACE(Streams::TraceDebug, "No chains were specified. Calling LeaveCriticalSection(m_pThreadSync)");
         return false;
     }
@@ -193,7 +202,8 @@ bool CLmnSA::Realloc(int nChains) {
     return false;
 }
 
-void CLmnSA::ReleaseBuffers() {
+/// Takes all views away; the storage stays for the buffers to come.
+void CLmnSA::DropBuffers() {
     Buffers& own = *m_buffers;
     own.chainCount = 0;
     own.bins = 0;
@@ -201,25 +211,36 @@ void CLmnSA::ReleaseBuffers() {
     m_LastNumOfChannels = 0;
     for (int c = 0; c < MaxChains; ++c) {
         ChainBuffers& chain = own.chains[c];
-        for (OwnedView* view : {&chain.currSweep, &chain.iSweep, &chain.qSweep, &chain.spectrum, &chain.histogram,
-                                &chain.histogramI, &chain.histogramQ, &chain.average, &chain.channelPowerAverage})
-            view->Release();
-        chain.maxHold.Release();
-        chain.channelPowerMaxHold.Release();
+        for (OwnedView* view : chain.Views())
+            view->Drop();
+        chain.maxHold.Drop();
+        chain.channelPowerMaxHold.Drop();
         chain.spectrumIsLinear = false;
         m_MaxHold[c] = nullptr;
         m_ChannelPowerMaxHold[c] = nullptr;
     }
-    own.work.reset();
-    own.spec.reset();
-    own.cplxFft.Release();
-    for (AlignedBuffer<double>* scratch : {&own.tmp1, &own.subBuffer, &own.auxSweep, &own.auxBins})
-        scratch->Release();
     m_pFFTSpec = nullptr;
     m_pFFTSpecBuffer = nullptr;
     m_pSpec = nullptr;
     m_pTmpCplxFFT = nullptr;
     m_pTmp1 = m_pSubBufferTmp = m_pAuxSweepBuffer = m_pAuxBinsBuffer = nullptr;
+}
+
+void CLmnSA::ReleaseBuffers() {
+    DropBuffers();
+    Buffers& own = *m_buffers;
+    for (ChainBuffers& chain : own.chains) {
+        for (OwnedView* view : chain.Views())
+            view->Release();
+        chain.maxHold.Release();
+        chain.channelPowerMaxHold.Release();
+    }
+    own.work.Release();
+    own.spec.Release();
+    own.transform = nullptr;
+    own.cplxFft.Release();
+    for (AlignedBuffer<double>* scratch : {&own.tmp1, &own.subBuffer, &own.auxSweep, &own.auxBins})
+        scratch->Release();
 }
 
 void CLmnSA::AllocateBuffers(int nChains) {
@@ -228,22 +249,23 @@ void CLmnSA::AllocateBuffers(int nChains) {
     const std::size_t bins = m_NumOfBins;
     for (int c = 0; c < nChains; ++c) {
         ChainBuffers& chain = own.chains[c];
-        chain.currSweep.Make(std::size_t{2} * m_NumOfSamples);
-        chain.iSweep.Make(m_NumOfSamples);
-        chain.qSweep.Make(m_NumOfSamples);
-        chain.maxHold.Make(channels, bins);
-        chain.channelPowerMaxHold.Make(channels, bins);
+        chain.currSweep.Make(std::size_t{2} * m_NumOfSamples, own.fresh);
+        chain.iSweep.Make(m_NumOfSamples, own.fresh);
+        chain.qSweep.Make(m_NumOfSamples, own.fresh);
+        chain.maxHold.Make(channels, bins, own.fresh);
+        chain.channelPowerMaxHold.Make(channels, bins, own.fresh);
         m_MaxHold[c] = chain.maxHold.pointers.data();
         m_ChannelPowerMaxHold[c] = chain.channelPowerMaxHold.pointers.data();
         for (OwnedView* histogram : {&chain.histogram, &chain.histogramI, &chain.histogramQ})
             histogram->Make(HistogramBuckets);
-        for (OwnedView* view : {&chain.spectrum, &chain.average, &chain.channelPowerAverage})
-            view->Make(bins);
+        chain.spectrum.Make(bins);
+        chain.average.Make(bins, own.fresh);
+        chain.channelPowerAverage.Make(bins, own.fresh);
     }
     own.cplxFft.Fit(bins);
-    own.tmp1.Fit(m_SweepLen);
+    own.tmp1.Fit(m_SweepLen, own.fresh);
     own.subBuffer.Fit(bins);
-    own.auxSweep.Fit(m_NumOfSamples);
+    own.auxSweep.Fit(m_NumOfSamples, own.fresh);
     own.auxBins.Fit(bins);
     m_pTmpCplxFFT = own.cplxFft.Data();
     m_pTmp1 = own.tmp1.Data();
@@ -256,9 +278,10 @@ void CLmnSA::AllocateBuffers(int nChains) {
     own.samples = m_NumOfSamples;
 }
 
-/// Sets up the forward transform that divides by its length (flag 1). The work buffer serves for the set-up as well.
+/// Sets up the forward transform that divides by its length (flag 1), unless the one at hand is the same. The work
+/// buffer serves for the set-up as well.
 bool CLmnSA::PrepareTransform() {
-    TRACE_SCOPE("CLmnSA::PrepareTransform");
+    static constexpr const char* traceFunctionName = "CLmnSA::Realloc";  // a step of it
     static constexpr int DivideForward = 1;
     const int order = Power2(m_NumOfBins);
     std::int32_t specSize = 0;
@@ -268,18 +291,22 @@ bool CLmnSA::PrepareTransform() {
         TRACE(Streams::TraceError, "KELP error occured");
         return false;
     }
-    m_buffers->spec.reset(static_cast<std::uint8_t*>(kelpMalloc(specSize)));
-    m_buffers->work.reset(static_cast<std::uint8_t*>(kelpMalloc(workSize)));
-    m_pSpec = m_buffers->spec.get();
-    m_pFFTSpecBuffer = m_buffers->work.get();
+    Buffers& own = *m_buffers;
+    m_pSpec = own.spec.Fit(specSize);
+    m_pFFTSpecBuffer = own.work.Fit(workSize);
     if (!m_pSpec || !m_pFFTSpecBuffer) {
         TRACE(Streams::TraceError, "KELP memory allocation failed");
         return false;
     }
-    if (kelpsFFTInit_C_64fc(&m_pFFTSpec, order, DivideForward, 0, m_pSpec, m_pFFTSpecBuffer) != kelpStsNoErr) {
+    const bool same = own.transform && own.transformOrder == order &&
+                      std::string_view(kelpsFFTKernelName(own.transform)) == kelpKernelName();
+    if (!same &&
+        kelpsFFTInit_C_64fc(&own.transform, order, DivideForward, 0, m_pSpec, m_pFFTSpecBuffer) != kelpStsNoErr) {
         TRACE(Streams::TraceError, "KELP error occured");
         return false;
     }
+    own.transformOrder = order;
+    m_pFFTSpec = own.transform;
     return true;
 }
 

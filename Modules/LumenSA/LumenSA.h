@@ -124,9 +124,10 @@ public:
     virtual unsigned GetNumOfBins();
     /// Searches each chain's in-band max hold, average or spectrum for peaks; fills m_Peaks, strongest first.
     virtual void FindMaxPoints();
-    /// Releases all buffers and makes new zeroed ones that fit the tuning fields. Every failure is a false.
+    /// Makes new zeroed buffers that fit the tuning fields, in the storage of the old ones where it suffices. Every
+    /// failure is a false.
     /// @return false when there are no chains, the settings give no power of two of at least two bins, or memory ran
-    ///         out. All buffers are then released, and the lock is free.
+    ///         out. All buffers and their storage are then released, and the lock is free.
     virtual bool Realloc(int nChains);
     /// Gain in dB between antenna and ADC; `chain` is "A" or "B".
     virtual double CalcManualGainFactor(unsigned preLNAGain, unsigned internalGain, unsigned band,
@@ -239,6 +240,7 @@ private:
 
     void InitProps();
     int Power2(unsigned n);
+    void TakeSamples(const double* const* i, const double* const* q, unsigned numOfSamples, int chains);
     void ConvertSamples(const double* const* i, const double* const* q, unsigned numOfSamples);
     void ReduceDC(int numOfSamples, int chain);
     double CalcChannelPower(const double* linear, double gain, double noiseFloor);
@@ -250,6 +252,7 @@ private:
                            double baseIndex, double step);
     void GetInBandBuffer(const double* src, double** dst, int length);
 
+    void DropBuffers();
     void ReleaseBuffers();
     void AllocateBuffers(int nChains);
     bool PrepareTransform();
@@ -257,6 +260,8 @@ private:
     void GrowSweepBuffers(unsigned room);
     void CompensateFrequency(double* power);
     void UpdateChannelPower(int chain, double noiseFloor);
+    void CheckLastSweep();
+    void VoidSpectra();
     void UpdateChain(int chain, double noiseFloor);
     void ShiftHalves(double* spectrum);
     void FindChainPeaks(const double* inBand, int inBandLen, int lastSlice, PeakList& peaks);

@@ -123,8 +123,12 @@ TEST(Safety, CopiesBeforeASweepOrBeyondTheBuffersThrowAndTouchNothing) {
 TEST(Safety, ASweepShorterThanOneTransformAndABadChannelIndexAreRefused) {
     CLmnSA engine;
     Tune(engine, 40, 312.5, 20);
+    ToneSweep(100, 5, 128).AddTo(engine);
+    engine.UpdateFromLastSweep();
     ToneSweep(100, 5, 127).AddTo(engine);
     EXPECT_EQ(ThrownPointer([&] { engine.UpdateFromLastSweep(); }), "A sweep of 127 samples is too short for 128 bins");
+    EXPECT_TRUE(std::isnan(engine.m_Spectrum[0]->val[64 + 5]) && std::isnan(engine.GetChannelPowerPerChain(0)))
+        << "not the sweep's before";
     ToneSweep(100, 5, 128).AddTo(engine);
     EXPECT_NO_THROW(engine.UpdateFromLastSweep());
     engine.m_ChannelIndex = 2;

@@ -70,6 +70,13 @@ TEST_F(Sweep, AnEmptyChainIsRefusedAndTheEngineStaysAsItWas) {
     EXPECT_EQ(engine.m_Spectrum[0]->val, nullptr);
     EXPECT_EQ(engine.m_Chain[0][5].I, 1);
     EXPECT_EQ(ThrownPointer([&] { Codes(0).AddTo(engine); }), "Received empty ADC Samples.");
+    ToneSweep(100, 5, 128).AddTo(engine);
+    engine.UpdateFromLastSweep();
+    codes.i[0][200] = 1;
+    EXPECT_EQ(ThrownPointer([&] { codes.AddTo(engine, 2); }), "Received empty ADC Samples.");
+    EXPECT_TRUE(engine.m_NumOfSamples == 128 && engine.m_SweepLen == 128) << "of the sweep before";
+    EXPECT_NEAR(engine.m_ISweep[0]->val[0], 100, 1);
+    EXPECT_NEAR(engine.m_Spectrum[0]->val[64 + 5], 40.0, 0.01);
     EXPECT_NE(ThrownPointer([&] { codes.AddTo(engine, 4); }), NothingThrown);
     EXPECT_NE(ThrownPointer([&] { engine.AddSweep(nullptr, nullptr, 16, 1); }), NothingThrown);
 }
