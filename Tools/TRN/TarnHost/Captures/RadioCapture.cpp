@@ -57,7 +57,7 @@ void RadioCapture::TuneTo(const PlanEntry& entry) {
     m_adc->StartStopAllPeriodicCalibrations();
 }
 
-void RadioCapture::SetLowestGain() {
+void RadioCapture::SetHighestGain() {
     GainConfig gain;
     gain.enable = 1;
     switch (RadioFacts::HardwareOf(m_abilities.hwType).gainLayout) {
@@ -102,7 +102,7 @@ Result<Samples> RadioCapture::Capture(const PlanEntry& entry) {
     const auto failure = Guarded(Failed, "the radio failed", [&] {
         m_adc->SetCaptureMode(true);
         TuneTo(entry);
-        SetLowestGain();
+        SetHighestGain();
         isRead = Read(entry, samples);
         m_adc->SetCaptureMode(false);
     });

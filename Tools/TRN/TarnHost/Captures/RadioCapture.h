@@ -29,7 +29,7 @@ public:
 private:
     explicit RadioCapture(quayCommand::IWifiCommands* wifi) : m_wifi(wifi) {}
     void TuneTo(const PlanEntry& entry);
-    void SetLowestGain();
+    void SetHighestGain();
     bool Read(const PlanEntry& entry, Samples& samples);
 
     quayCommand::IWifiCommands* m_wifi;
