@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "Environment/Context.h"
+#include "Support/Thrown.h"
 
 using Environment::Variables;
 
@@ -18,7 +19,18 @@ TEST(Variables, ExpandReferencesInnermostFirst) {
         EXPECT_EQ(variables.Expanded(c.text, false), c.kept);
         EXPECT_EQ(variables.Expanded(c.text, true), c.removed);
     }
-    EXPECT_EQ(variables.Expanded("$(self)", true), "$(self)") << "given up, not run for ever";
+    variables.Set("open", "$(b");
+    EXPECT_EQ(variables.Expanded("$(open)) $(open)", true), "c $(b") << "a value may begin what the text ends";
+    variables.Set("twice", "$(twice)$(twice)");
+    for (const char* endless : {"self", "twice"})
+        EXPECT_EQ(Support::ThrownText([&] { variables.Expanded("$(" + std::string(endless) + ")", true); }),
+                  "The references in $(" + std::string(endless) + ") have no end");
+    std::string many, expected;
+    for (int i = 0; i < 200000; ++i) {
+        many += "$(deep)";
+        expected += "<c>";
+    }
+    EXPECT_TRUE(variables.Expanded(many, true) == expected) << "only references within a value are counted";
     variables["x$(b)"] = "set";
     EXPECT_EQ(variables.GetOrEmpty("xc"), "set");
 }

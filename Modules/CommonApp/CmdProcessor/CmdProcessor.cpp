@@ -9,6 +9,13 @@ namespace CmdProcessor {
 
 namespace {
 
+std::vector<std::string> TextsOf(const XML::Node& node, const char* path) {
+    std::vector<std::string> texts;
+    for (const auto& [name, note] : node.FindAll(path))
+        texts.push_back(note->Text());
+    return texts;
+}
+
 std::string JoinLines(const std::vector<std::string>& lines) {
     std::string joined;
     for (const auto& line : lines)
@@ -30,11 +37,39 @@ private:
 
 }  // namespace
 
+ACommand::ACommand(const XML::Node& node) {
+    m_description.headNote = TextsOf(node, "HeadNote");
+    m_description.footNote = TextsOf(node, "FootNote");
+    m_description.helpNote = TextsOf(node, "Help/Note");
+    m_global.Load(node.FindChild("Global"));
+    m_local.Load(node.FindChild("Local"));
+    BindItems(node);
+    if (auto help = node.GetOrEmpty("Help"); !help.empty()) m_description.helpNote.push_back(std::move(help));
+}
+
+void ACommand::BindItems(const XML::Node& node) {
+    using enum Environment::Presence;
+    const auto bind = [this]<typename T>(const char* name, T& member, Environment::Presence presence = Optional) {
+        m_items.push_back(std::make_unique<Environment::BoundItem<T>>(name, &member, presence));
+    };
+    bind("description", m_description.description);
+    bind("device_name", m_description.deviceName);
+    bind("key", m_description.key);
+    bind("name", m_description.name, Mandatory);
+    bind("arguments", m_description.arguments);
+    bind("hint", m_description.hint);
+    bind("class", m_description.className);
+    for (const auto& item : m_items)
+        if (!item->Load(node)) throw new Environment::DataBinderException(*item);
+}
+
 void ACommand::Initialize(Environment::IContext* context) {
     m_context = context;
     if (!context) return;
     context->GetGlobal().Merge(m_global);
     context->GetLocal().Merge(m_local);
+    for (const auto& item : m_items)
+        if (!item->Bind(context->GetLocal())) throw new Environment::DataBinderException(*item);
 }
 
 int ACommand::Execute() {
@@ -44,7 +79,10 @@ int ACommand::Execute() {
 }
 
 std::string ACommand::GetHelpText() const {
-    return JoinLines(m_description.helpNote);
+    std::string text;
+    for (const auto& line : m_description.helpNote)
+        text += line + "\n";
+    return text;
 }
 
 std::string ACommand::GetArgument(int index) const {
@@ -78,11 +116,31 @@ void Processor::CmdLineKey::Parse(CmdLine::TokenList& tokens) {
 
 void Processor::Register(const CountedPtr<ICommand>& command, bool makeKey, bool atFront, Queue* queue) {
     m_commands[command->GetName()] = command;
-    if (makeKey) AddKey(MakeCounted<CmdLineKey>(command, queue), atFront);
+    if (makeKey) m_parser.AddKey(MakeCounted<CmdLineKey>(command, queue), atFront);
 }
 
 void Processor::AddCommand(const CountedPtr<ICommand>& command, bool atFront, const std::string& id) {
     Register(command, true, atFront, &GetQueue(id));
+}
+
+void Processor::AddKey(const CountedPtr<CmdLine::IKey>& key, const XML::Node* profile, bool atFront) {
+    m_parser.AddKey(key, atFront);
+    const auto* description = profile ? profile->FindAttribute("*/Command", "key", key->GetName()) : nullptr;
+    if (description) Register(MakeCounted<ACommand>(*description), false, false, nullptr);
+}
+
+void Processor::LoadProfile(const XML::Node& profile) {
+    auto* queue = &GetQueue(profile.GetOrEmpty("id"));
+    for (const auto& [path, node] : profile.FindAll("Command")) {
+        CountedPtr<ICommand> command(CommandFactory::Instance().Create(node->GetOrEmpty("class"), node.Get()));
+        if (!command) command = MakeCounted<ACommand>(*node);
+        Register(command, true, false, queue);
+    }
+}
+
+CountedPtr<ICommand> Processor::FindCommand(const std::string& name) const {
+    const auto found = m_commands.find(name);
+    return found == m_commands.end() ? nullptr : found->second;
 }
 
 int Processor::Execute(const std::string& id) {
@@ -127,14 +185,14 @@ std::string Processor::GetHelpPage() const {
 std::string Processor::GetUserGuide() const {
     std::string guide = GetHelpPage();
     for (const auto& [name, command] : m_commands)
-        if (const auto help = command->GetHelpText(); !help.empty()) guide += "\n" + name + "\n" + help + "\n";
+        if (const auto help = command->GetHelpText(); !help.empty()) guide += "\n" + name + "\n" + help;
     return guide;
 }
 
 std::string Processor::GetHelpItem(const std::string& name) const {
-    const auto found = m_commands.find(name);
-    if (found == m_commands.end()) return Common::Format("No help item for ${1}\n") % name;
-    return found->second->GetHelpText();
+    const auto command = FindCommand(name);
+    if (!command) return Common::Format("No help item for ${1}\n") % name;
+    return command->GetHelpText();
 }
 
 }  // namespace CmdProcessor

@@ -3,10 +3,13 @@
 
 #include <list>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "CmdLine/CmdLine.h"
+#include "CmdProcessor/ClassFactory.h"
+#include "Environment/BoundItem.h"
 #include "Environment/Context.h"
 
 namespace CmdProcessor {
@@ -37,22 +40,30 @@ public:
 
 /// What describes a command.
 struct CommandDescription {
-    std::vector<std::string> headNote;
-    std::vector<std::string> footNote;
-    std::vector<std::string> helpNote;
-    std::string hint;
-    std::string key;
-    std::string description;
-    std::string deviceName;
-    std::string name;
-    std::string className;
+    std::vector<std::string> headNote{};
+    std::vector<std::string> footNote{};
+    std::vector<std::string> helpNote{};
+    std::string hint{};
+    std::string key{};
+    std::string description{};
+    std::string deviceName{};
+    std::string name{};
+    std::string className{};
     unsigned arguments = 0;
 };
 
 class ACommand : public ICommand {
 public:
     explicit ACommand(CommandDescription description) : m_description(std::move(description)) {}
+    /// Reads the texts of the children "HeadNote", "FootNote" and "Help/Note", the variables of the children "Global"
+    /// and "Local", and the attributes "description", "device_name", "key", "name", "arguments", "hint", "class" and
+    /// "Help"; only the name must be there.
+    /// @throws Environment::DataBinderException* for the first attribute that is missing or no number
+    explicit ACommand(const XML::Node& node);
+    ACommand(const ACommand&) = delete;
+    ACommand& operator=(const ACommand&) = delete;
 
+    /// Puts its variables into the context, and the context's into its own attributes.
     void Initialize(Environment::IContext* context) override;
     /// @throws Common::Exception when it has the name of a class, as no class of that name took the command over
     int Execute() override;
@@ -75,9 +86,15 @@ protected:
     Environment::Variables m_local;
 
 private:
-    Environment::IContext* m_context = nullptr;  // not owned
+    void BindItems(const XML::Node& node);
+
+    Environment::IContext* m_context = nullptr;                     // not owned
+    std::vector<std::unique_ptr<Environment::ABoundItem>> m_items;  // fill the description
     CommandDescription m_description;
 };
+
+/// The classes that a command of a profile may name.
+using CommandFactory = Utilities::Singleton<Factory::ClassFactory<ICommand, std::string, const XML::Node*>>;
 
 /// A command on a queue, with its positional arguments "1", "2", ...
 struct Invocation {
@@ -108,11 +125,18 @@ public:
     void Register(const CountedPtr<ICommand>& command, bool makeKey, bool atFront, Queue* queue);
     /// Registers a command, with a key, for the queue `id`.
     void AddCommand(const CountedPtr<ICommand>& command, bool atFront, const std::string& id);
-    void AddKey(const CountedPtr<CmdLine::IKey>& key, bool atFront) { m_parser.AddKey(key, atFront); }
+    /// Adds a plain key. A command of the profile that has the key's name as its attribute "key" describes it on the
+    /// help page. @param profile  may be null
+    void AddKey(const CountedPtr<CmdLine::IKey>& key, const XML::Node* profile, bool atFront);
+    /// Registers the commands of a profile, with keys, for the queue that its attribute "id" names. A command is made
+    /// by its class; one of an unknown class fails when it is executed.
+    void LoadProfile(const XML::Node& profile);
     /// Executes the queue `id` up to the first result that isn't 0, which is the answer; the rest stays queued.
     /// @return -1 without a context, 0 for an empty queue
     int Execute(const std::string& id);
 
+    /// Null for an unknown name.
+    CountedPtr<ICommand> FindCommand(const std::string& name) const;
     CmdLine::Parser& GetParser() { return m_parser; }
     Queue& GetQueue(const std::string& id) { return m_queues[id]; }
 

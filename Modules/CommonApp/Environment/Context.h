@@ -19,6 +19,8 @@ public:
     virtual void Push() = 0;
     /// Removes the innermost scope; the outermost one stays.
     virtual void Pop() = 0;
+    /// Sets the variables of the children "Local" and "Global"; null does nothing.
+    virtual void Load(const XML::Node* node) = 0;
     /// Copies the other's global variables into this one's.
     virtual void Merge(const IContext* other) = 0;
 };
@@ -30,17 +32,10 @@ public:
     Variables& GetLocal() override { return *m_scopes.front(); }
     const Variables& GetGlobal() const override { return *m_scopes.back(); }
     Variables& GetGlobal() override { return *m_scopes.back(); }
-    void Push() override {
-        auto scope = MakeCounted<Variables>();
-        scope->SetParent(&GetLocal());
-        m_scopes.push_front(scope);
-    }
-    void Pop() override {
-        if (m_scopes.size() > 1) m_scopes.pop_front();
-    }
-    void Merge(const IContext* other) override {
-        if (other) GetGlobal().Merge(other->GetGlobal());
-    }
+    void Push() override;
+    void Pop() override;
+    void Load(const XML::Node* node) override;
+    void Merge(const IContext* other) override;
 
 private:
     std::list<CountedPtr<Variables>> m_scopes;  // innermost first

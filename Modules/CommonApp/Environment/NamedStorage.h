@@ -4,6 +4,10 @@
 #include <map>
 #include <string>
 
+namespace XML {
+class Node;
+}
+
 class NamedStorage {
 public:
     virtual bool Exists(const std::string& name) const { return Get(name) != nullptr; }
@@ -13,8 +17,10 @@ public:
     virtual void Set(const std::string& name, const std::string& value) = 0;
     virtual void CopyTo(NamedStorage& target) const = 0;
     /// Replaces each $(name) by its value, and what the value refers to in turn. Names are made of letters, digits and
-    /// "._-". Values that refer to themselves are given up after 10000 replacements.
+    /// "._-".
     /// @param removeUnknown  unknown names vanish; else they stay as they stand
+    /// @throws Common::Exception when one reference leads to 100,000 others or to 64 MiB, as values do that refer to
+    ///         themselves
     virtual void Expand(std::string& text, bool removeUnknown) const;
     virtual std::string Expanded(std::string text, bool removeUnknown) const;
     /// Expands, then computes an expression of 32-bit numbers (decimal or 0x...) with, tightest first: () % */ ! & |^
@@ -39,6 +45,8 @@ public:
     /// The value of a variable, made empty when there is none. References in the name itself are expanded first.
     std::string& operator[](const std::string& name);
     void Merge(const Variables& other) { other.CopyTo(*this); }
+    /// Sets the "name" of each child "Variable" to its "value"; null does nothing.
+    void Load(const XML::Node* node);
 
 private:
     std::map<std::string, std::string> m_values;

@@ -5,7 +5,9 @@
 
 #include "Format.h"
 #include "OSAL/OSAL.h"
+#include "OSAL/WholeFile.h"
 #include "Streams/AppStreams.h"
+#include "Xml/BinaryParser.h"
 
 namespace AnvilTool {
 
@@ -60,6 +62,13 @@ std::string Normalized(std::string path) {
 Application::Application(std::string name, std::string version, std::string date)
     : m_name(std::move(name)), m_date(std::move(date)), m_version(std::move(version)), m_processor(&m_context) {
     m_year = m_date.substr(m_date.rfind(' ') + 1);  // the whole date when it has no blank
+}
+
+Application::Application(std::string name, std::string version, std::string date, const std::string& configuration)
+    : Application(std::move(name), std::move(version), std::move(date)) {
+    std::istringstream stream(configuration);
+    if (m_configuration.Load(stream, true).fail() || m_configuration.GetRoot()->GetChildren().empty())
+        throw Exception("Configuration is corrupted.");
 }
 
 Application::~Application() {
@@ -152,8 +161,23 @@ void Application::OnTerminate(std::int32_t) {
     if (m_traceFile.is_open()) m_traceFile.close();
 }
 
-const XML::Node* Application::FindConfiguration(const std::string&) {
-    return nullptr;
+const XML::Node* Application::FindConfiguration(const std::string& path) {
+    return m_configuration.GetRoot() ? m_configuration.GetRoot()->FindChild(path) : nullptr;
+}
+
+void Application::LoadProfile(std::istream& stream) {
+    m_configuration.Abort();           // a stream that is too short for either form leaves nothing
+    const auto first = stream.peek();  // no text begins with the magic of the binary form
+    if (first == 'X')
+        XML::BinaryParser().Parse(stream, m_configuration.GetListener());
+    else
+        m_configuration.Load(stream, true);
+    const auto& root = m_configuration.GetRoot();
+    if (stream.fail() || !root || root->GetChildren().empty()) throw new Exception("Could not read profile");
+    for (const auto& [name, profile] : root->GetChildren()) {
+        m_context.Load(profile.Get());
+        m_processor.LoadProfile(*profile);
+    }
 }
 
 void Application::AddCommand(const CountedPtr<CmdProcessor::ICommand>& command) {
@@ -161,7 +185,7 @@ void Application::AddCommand(const CountedPtr<CmdProcessor::ICommand>& command) 
 }
 
 void Application::AddKey(const CountedPtr<CmdLine::IKey>& key, bool atFront) {
-    m_processor.AddKey(key, atFront);
+    m_processor.AddKey(key, m_configuration.GetRoot().Get(), atFront);
 }
 
 std::string Application::GetCopyright() {
@@ -180,22 +204,17 @@ const std::string& Application::GetDirectory() {
     return applicationDirectory;
 }
 
-void Application::FormatFile() {
-    OSAL::NormalizePath(m_formatTemplate);
-    OSAL::NormalizePath(m_formatTarget);
-    std::ifstream source(OSAL::NativePath(m_formatTemplate), std::ios_base::binary);
-    if (!source) throw new Exception(Format("File ${1} can't be read") % OSAL::FileNameOf(m_formatTemplate));
+void Application::FillTemplate(const std::string& source, const std::string& target, const NamedStorage& variables) {
+    std::ifstream file(source, std::ios_base::binary);
     std::ostringstream text;
-    text << source.rdbuf();
+    text << file.rdbuf();
+    if (!file || text.bad()) throw new Exception(Format("File ${1} can't be read") % OSAL::FileNameOf(source));
+    const auto written = OSAL::WriteWholeFile(target, variables.Expanded(text.str(), true) + "\n");
+    if (!written) throw new Exception(written.Reason());
+}
 
-    // Written beside the target, which is only replaced when all is on the disk: it may be the template itself.
-    const auto target = OSAL::NativePath(m_formatTarget);
-    const auto beside = target + ".new";
-    std::ofstream result(beside, std::ios_base::binary);
-    result << m_context.GetGlobal().Expanded(text.str(), true) << "\n";
-    result.close();
-    if (!result || OSAL::ReplaceFile(beside, target) != OSAL::Success)
-        throw new Exception(Format("File ${1} can't be written") % OSAL::FileNameOf(m_formatTarget));
+void Application::FormatFile() {
+    FillTemplate(m_formatTemplate, m_formatTarget, m_context.GetGlobal());
     throw new ErrorLevelException(Format("File ${1} created using template ${2}") % OSAL::FileNameOf(m_formatTarget) %
                                       OSAL::FileNameOf(m_formatTemplate),
                                   0);
@@ -224,16 +243,11 @@ void Application::SetTraceLevel(unsigned long level) {
 }
 
 Application::CmdHelp::CmdHelp(Application* application)
-    : ACommand({.headNote = {},
-                .footNote = {},
-                .helpNote = {"Shows detailed help on specified option"},
-                .hint = "-help <OPTION>",
-                .key = "-help",
-                .description = "",
-                .deviceName = "",
-                .name = "help",
-                .className = "",
-                .arguments = 1}),
+    : ACommand(CmdProcessor::CommandDescription{.helpNote = {"Shows detailed help on specified option"},
+                                                .hint = "-help <OPTION>",
+                                                .key = "-help",
+                                                .name = "help",
+                                                .arguments = 1}),
       m_application(application) {}
 
 int Application::CmdHelp::Execute() {

@@ -16,10 +16,7 @@
 #include "Caught.h"
 #include "CmdProcessor/CmdProcessor.h"
 #include "Exceptions.h"
-
-namespace XML {
-class Node;
-}
+#include "Xml/Base.h"
 
 namespace AnvilTool {
 
@@ -62,6 +59,9 @@ enum ExitCode : std::int32_t {
 class Application : public AnvilTool::IAnvilTool {
 public:
     Application(std::string name, std::string version, std::string date);
+    /// @param configuration  XML text of a profile
+    /// @throws Common::Exception when there is no root in it
+    Application(std::string name, std::string version, std::string date, const std::string& configuration);
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 
@@ -74,7 +74,7 @@ public:
     virtual std::int32_t Execute();
     virtual void OnInitialize() {}
     virtual void OnTerminate(std::int32_t code);
-    /// A node of the profile; null, as no tool of ours brings a profile.
+    /// A node of the profile by its path; null when there is none.
     virtual const XML::Node* FindConfiguration(const std::string& path);
 
     // Each prints the failure and answers its exit code.
@@ -124,16 +124,25 @@ public:
         return RunGuarded(std::forward<Body>(body), [](const Caught&) {});
     }
 
+    /// Writes `target`, the whole text of the file `source` with the references in it replaced and a line end behind;
+    /// both may be one file. @throws Common::Exception* when either can't be done
+    static void FillTemplate(const std::string& source, const std::string& target, const NamedStorage& variables);
+
     /// Folder of the program, with its closing separator, once `Run` has begun.
     static const std::string& GetDirectory();
 
 protected:
+    /// Reads a profile, XML text or its binary form, in the place of the one before: sets its variables and registers
+    /// its commands. @throws Common::Exception* when it can't be read
+    void LoadProfile(std::istream& stream);
+
     std::string m_name;
     std::string m_date;
     std::string m_path;
     std::string m_version;
     std::string m_year;  // of the date
     Environment::AContext m_context;
+    XML::Base m_configuration;
     std::ofstream m_traceFile;
     bool m_showUserGuide = false;
     CmdProcessor::Processor m_processor;
