@@ -1,13 +1,11 @@
-# What an installation holds: the host program, the plug-in with the two libraries it shares with a host, the interface
+# What an installation holds: the host program, the template tool, the plug-in with the two libraries it shares with a host, the interface
 # that a foreign host compiles against, and the manual page.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS tarn RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(TARGETS tarn tarn-format RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(TARGETS TarnFlows QuayCommands Singletons LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES Tools/TRN/TarnFlows/Interface/ITrellisPlugin.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarn)
-if(EXISTS ${CMAKE_SOURCE_DIR}/docs/tarn.1)
-  install(FILES docs/tarn.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-endif()
+install(FILES docs/tarn.1 docs/tarn-format.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 
 set_target_properties(TarnPluginInterface PROPERTIES EXPORT_NAME PluginInterface)
 install(TARGETS TarnPluginInterface EXPORT TarnTargets INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/tarn)
