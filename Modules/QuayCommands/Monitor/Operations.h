@@ -8,102 +8,70 @@
 
 namespace quayCommand {
 
+// Interface by interface; each name stands here and nowhere else.
+#define QUAY_RADIO_OPERATIONS(X)        \
+    /* IWifiCommands */                 \
+    X(IsConnected)                      \
+    X(GetCardType)                      \
+    X(GetHwType)                        \
+    X(GetPlatformDeviceId)              \
+    X(GetVendorId)                      \
+    X(GetSubsystemId)                   \
+    X(GetRevisionId)                    \
+    X(GetAdcObject)                     \
+    X(GetDeviceInfo)                    \
+    X(SetLmac)                          \
+    X(ResetAdapter)                     \
+    /* IDeviceInfo */                   \
+    X(Reload)                           \
+    X(GetSupportedBands)                \
+    X(GetAntennaMask)                   \
+    /* IAdcCommands */                  \
+    X(ConfigTxRx)                       \
+    X(StartStopAllPeriodicCalibrations) \
+    X(SetCaptureMode)                   \
+    X(PrepareCaptureA)                  \
+    X(PrepareCaptureB)                  \
+    X(SetManualGainA)                   \
+    X(SetManualGainB)                   \
+    X(SetManualGainC)                   \
+    X(GetCaptureLength)                 \
+    X(GetCaptureState)                  \
+    X(SetCaptureDescriptorA)            \
+    X(SetCaptureDescriptorB)            \
+    X(SetCaptureDescriptorC)            \
+    X(SetCaptureDescriptorD)            \
+    X(SetCaptureSource)                 \
+    X(ReadCapture)                      \
+    X(ReadCaptureEx)                    \
+    X(GetBoardSku)                      \
+    X(GetUcodeVersion)                  \
+    X(GetDriverVersion)                 \
+    X(GetUscVersion)                    \
+    X(GetSVDriverVersion)               \
+    /* NvmCommands */                   \
+    X(SetMetadata)                      \
+    X(GetMacAddress)                    \
+    X(IsBandEnabled)                    \
+    X(IsChannelSupported)               \
+    X(SetMcc)                           \
+    X(ApplyMcc)
+
 enum class Operation : std::size_t {
-    // IWifiCommands
-    IsConnected,
-    GetCardType,
-    GetHwType,
-    GetPlatformDeviceId,
-    GetVendorId,
-    GetSubsystemId,
-    GetRevisionId,
-    GetAdcObject,
-    GetDeviceInfo,
-    SetLmac,
-    ResetAdapter,
-    // IDeviceInfo
-    Reload,
-    GetSupportedBands,
-    GetAntennaMask,
-    // IAdcCommands
-    ConfigTxRx,
-    StartStopAllPeriodicCalibrations,
-    SetCaptureMode,
-    PrepareCaptureA,
-    PrepareCaptureB,
-    SetManualGainA,
-    SetManualGainB,
-    SetManualGainC,
-    GetCaptureLength,
-    GetCaptureState,
-    SetCaptureDescriptorA,
-    SetCaptureDescriptorB,
-    SetCaptureDescriptorC,
-    SetCaptureDescriptorD,
-    SetCaptureSource,
-    ReadCapture,
-    ReadCaptureEx,
-    GetBoardSku,
-    GetUcodeVersion,
-    GetDriverVersion,
-    GetUscVersion,
-    GetSVDriverVersion,
-    // NvmCommands
-    SetMetadata,
-    GetMacAddress,
-    IsBandEnabled,
-    IsChannelSupported,
-    SetMcc,
-    ApplyMcc,
-    Count
+#define QUAY_OPERATION_VALUE(name) name,
+    QUAY_RADIO_OPERATIONS(QUAY_OPERATION_VALUE)
+#undef QUAY_OPERATION_VALUE
 };
 
-constexpr auto OperationCount = static_cast<std::size_t>(Operation::Count);
-
 /// In the order of the enumeration.
-constexpr std::array<std::string_view, OperationCount> OperationNames{"IsConnected",
-                                                                      "GetCardType",
-                                                                      "GetHwType",
-                                                                      "GetPlatformDeviceId",
-                                                                      "GetVendorId",
-                                                                      "GetSubsystemId",
-                                                                      "GetRevisionId",
-                                                                      "GetAdcObject",
-                                                                      "GetDeviceInfo",
-                                                                      "SetLmac",
-                                                                      "ResetAdapter",
-                                                                      "Reload",
-                                                                      "GetSupportedBands",
-                                                                      "GetAntennaMask",
-                                                                      "ConfigTxRx",
-                                                                      "StartStopAllPeriodicCalibrations",
-                                                                      "SetCaptureMode",
-                                                                      "PrepareCaptureA",
-                                                                      "PrepareCaptureB",
-                                                                      "SetManualGainA",
-                                                                      "SetManualGainB",
-                                                                      "SetManualGainC",
-                                                                      "GetCaptureLength",
-                                                                      "GetCaptureState",
-                                                                      "SetCaptureDescriptorA",
-                                                                      "SetCaptureDescriptorB",
-                                                                      "SetCaptureDescriptorC",
-                                                                      "SetCaptureDescriptorD",
-                                                                      "SetCaptureSource",
-                                                                      "ReadCapture",
-                                                                      "ReadCaptureEx",
-                                                                      "GetBoardSku",
-                                                                      "GetUcodeVersion",
-                                                                      "GetDriverVersion",
-                                                                      "GetUscVersion",
-                                                                      "GetSVDriverVersion",
-                                                                      "SetMetadata",
-                                                                      "GetMacAddress",
-                                                                      "IsBandEnabled",
-                                                                      "IsChannelSupported",
-                                                                      "SetMcc",
-                                                                      "ApplyMcc"};
-static_assert(OperationNames.back() == "ApplyMcc");
+constexpr std::array OperationNames{
+#define QUAY_OPERATION_NAME(name) std::string_view(#name),
+    QUAY_RADIO_OPERATIONS(QUAY_OPERATION_NAME)
+#undef QUAY_OPERATION_NAME
+};
+#undef QUAY_RADIO_OPERATIONS
+
+constexpr auto OperationCount = OperationNames.size();
 
 constexpr std::string_view NameOf(Operation operation) {
     return OperationNames[static_cast<std::size_t>(operation)];
