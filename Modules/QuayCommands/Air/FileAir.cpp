@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
-#include <optional>
-#include <stdexcept>
+#include <span>
 
 #include "Format.h"
+#include "SampleReader.h"
 
 namespace quayCommand {
 namespace {
@@ -16,44 +15,43 @@ namespace fs = std::filesystem;
 
 // Some 256 MB of samples.
 constexpr std::size_t MaxSamples = std::size_t{64} << 20;
-constexpr std::uintmax_t MaxFileBytes = std::uintmax_t{1} << 30;
+// Samples that are read from a file at once.
+constexpr std::size_t ReadSamples = std::size_t{1} << 14;
 
-std::optional<double> NumberAtStart(const std::string& text) {
-    try {
-        return std::stod(text);
-    } catch (const std::logic_error&) {
-        return {};
+/// Takes codes of 16 bits over, up to the first sample that is none.
+/// @return whether all of them are
+bool Append(FileAir::Recording& recording, std::span<const double> i, std::span<const double> q) {
+    const auto isCode = [](double value) { return value > -32769.0 && value < 32768.0; };
+    for (std::size_t n = 0; n < i.size(); ++n) {
+        if (!isCode(i[n]) || !isCode(q[n])) return false;
+        recording.push_back({static_cast<std::int16_t>(i[n]), static_cast<std::int16_t>(q[n])});
     }
-}
-
-/// The text of Q; see ReadSampleLine.
-std::string ImaginaryText(const std::string& line) {
-    const auto blank = line.find(' ');
-    const auto dropped = line.find_first_not_of(' ', blank);
-    if (blank == std::string::npos || dropped == std::string::npos) return line;
-    return line.substr(dropped + 1, line.find(' ', dropped + 1) - dropped - 1);
+    return true;
 }
 
 OSAL::Outcome<FileAir::Recording> ReadRecording(const fs::path& path, std::size_t room) {
-    std::error_code error;
-    if (fs::file_size(path, error) > MaxFileBytes && !error)
-        return OSAL::Refusal{Common::Format("${1}: is larger than a sample file can be") % path.string()};
-    std::ifstream file(path, std::ios::binary);
-    if (error || !file) return OSAL::Refusal{Common::Format("${1}: can't be read") % path.string()};
-    FileAir::Recording samples;
-    std::string line;
-    while (std::getline(file, line)) {
-        auto sample = ReadSampleLine(line);
-        if (sample.IsRefused())
-            return OSAL::Refusal{Common::Format("${1}:${2}: ${3}") % path.string() % (samples.size() + 1) %
-                                 sample.Reason()};
-        if (samples.size() == room)
-            return OSAL::Refusal{Common::Format("${1}: more than ${2} samples in all") % path.string() % MaxSamples};
-        samples.push_back(sample.Value());
-    }
-    if (file.bad()) return OSAL::Refusal{Common::Format("${1}: can't be read to its end") % path.string()};
-    if (samples.empty()) return OSAL::Refusal{Common::Format("${1}: holds no samples") % path.string()};
-    return samples;
+    const auto refuse = [&](const std::string& reason) {
+        return OSAL::Refusal{Common::Format("${1}: ${2}") % path.string() % reason};
+    };
+    const auto refuseLine = [&](std::size_t line, const std::string& reason) {
+        return OSAL::Refusal{Common::Format("${1}:${2}: ${3}") % path.string() % line % reason};
+    };
+    auto reader = SampleFiles::SampleReader::Open(path.string());
+    if (!reader) return refuse("can't be read");
+    FileAir::Recording recording;
+    std::vector<double> i(ReadSamples), q(ReadSamples);
+    SampleFiles::SampleReader::Stretch stretch;
+    do {
+        stretch = reader->Read(i, q);
+        if (recording.size() + stretch.samples > room)
+            return refuse(Common::Format("more than ${1} samples in all") % MaxSamples);
+        if (!Append(recording, std::span(i).first(stretch.samples), std::span(q).first(stretch.samples)))
+            return refuseLine(recording.size() + 1, "I or Q isn't a code of 16 bits");
+        if (!stretch.state) return refuseLine(recording.size() + 1, FaultText(stretch.state));
+    } while (stretch.samples == i.size());
+    if (reader->HasFailed()) return refuse("can't be read to its end");
+    if (recording.empty()) return refuse("holds no samples");
+    return recording;
 }
 
 /// The files of `path` in the order in which they are heard.
@@ -73,17 +71,6 @@ OSAL::Outcome<std::vector<fs::path>> FilesOf(const fs::path& path) {
 }
 
 }  // namespace
-
-OSAL::Outcome<FileAir::Sample> ReadSampleLine(const std::string& line) {
-    const auto i = NumberAtStart(line.substr(0, line.find(' ')));
-    const auto q = NumberAtStart(ImaginaryText(line));
-    if (!i || !q) return OSAL::Refusal{Common::Format("${1} isn't a number") % (i ? "Q" : "I")};
-    const auto whole = [](double value) { return std::trunc(value); };
-    const auto fits = [](double value) { return value >= -32768.0 && value <= 32767.0; };
-    if (!fits(whole(*i)) || !fits(whole(*q)))
-        return OSAL::Refusal{Common::Format("${1} isn't a code of 16 bits") % (fits(whole(*i)) ? "Q" : "I")};
-    return FileAir::Sample{static_cast<std::int16_t>(*i), static_cast<std::int16_t>(*q)};
-}
 
 OSAL::Outcome<FileAir> FileAir::Open(const std::string& path) {
     auto files = FilesOf(path);

@@ -44,8 +44,4 @@ private:
 /// The kind's opener: `path` is a file or a folder.
 OSAL::Outcome<std::unique_ptr<IAir>> OpenFileAir(const std::string& path, const AirContext& context);
 
-/// One line of a sample file: I up to the first blank, blanks, one character that is dropped, Q. Text behind a number
-/// is ignored; a line without anything behind its first number has Q equal to I. Codes are cut to whole numbers.
-OSAL::Outcome<FileAir::Sample> ReadSampleLine(const std::string& line);
-
 }  // namespace quayCommand

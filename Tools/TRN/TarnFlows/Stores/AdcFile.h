@@ -20,9 +20,9 @@ void SetIQFromLine(double* i, double* q, const std::string& line);
 
 /// Reads up to `n` lines, sample k from line k, into two vectors of `n` doubles. What lies beyond the file's last line
 /// stays as it was.
-/// Memory: a fixed buffer; a line longer than that is held whole.
+/// Memory: a fixed buffer, and a line of at most `SampleFiles::MaxLineBytes`.
 /// @return lines read; nothing when the path is no regular file (a folder, a pipe, a device) or can't be opened
-/// @throws std::invalid_argument, std::out_of_range of a line that is no sample
+/// @throws std::invalid_argument, std::out_of_range of a line that is no sample; std::length_error of one without an end
 std::optional<std::size_t> ReadAdcFile(const std::string& path, double* i, double* q, std::size_t n);
 
 }  // namespace AdcFile

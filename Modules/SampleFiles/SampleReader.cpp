@@ -1,0 +1,158 @@
+#include "SampleReader.h"
+
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+
+#include "Numbers.h"
+
+namespace SampleFiles {
+namespace {
+
+LineFault FaultOf(std::errc status) {
+    if (status == std::errc()) return LineFault::None;
+    return status == std::errc::result_out_of_range ? LineFault::OutOfRange : LineFault::NotANumber;
+}
+
+/// A plain whole number of up to 9 digits; answers its end, or null when the text is anything else.
+const char* PlainInteger(const char* at, double& value) {
+    const bool negative = *at == '-';
+    if (negative) ++at;
+    const char* const digits = at;
+    std::uint32_t magnitude = 0;
+    for (; static_cast<unsigned char>(*at - '0') <= 9 && at - digits < 10; ++at)
+        magnitude = magnitude * 10 + static_cast<unsigned char>(*at - '0');
+    if (at == digits || at - digits > 9) return nullptr;
+    value = negative ? -static_cast<double>(magnitude) : static_cast<double>(magnitude);  // "-0" keeps its sign
+    return at;
+}
+
+/// The usual line, such as "-12 ,34", without a search for its end. No step passes the line feed, so text that ends in
+/// one is never overrun.
+/// @return behind the line feed; null, and nothing decided, for a line of another form
+const char* PlainLine(const char* at, double& i, double& q) {
+    at = PlainInteger(at, i);
+    if (!at || *at != ' ') return nullptr;
+    while (*at == ' ')
+        ++at;
+    if (*at == '\n') return nullptr;
+    at = PlainInteger(at + 1, q);
+    if (at && *at == '\r') ++at;
+    return at && *at == '\n' ? at + 1 : nullptr;
+}
+
+}  // namespace
+
+LineState ReadSampleLine(std::string_view line, double& i, double& q) {
+    if (line.size() > MaxLineBytes) return {LineFault::TooLong};
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    const std::size_t blank = line.find(' ');
+    const auto first = ParseReal(line.substr(0, blank));
+    if (!first.IsNumber()) return {FaultOf(first.status), 'I'};
+    i = first.value;
+    const std::size_t dropped = line.find_first_not_of(' ', blank);
+    if (blank == std::string_view::npos || dropped == std::string_view::npos) {
+        q = i;
+        return {};
+    }
+    const std::string_view rest = line.substr(dropped + 1);
+    const auto second = ParseReal(rest.substr(0, rest.find(' ')));
+    if (!second.IsNumber()) return {FaultOf(second.status), 'Q'};
+    q = second.value;
+    return {};
+}
+
+std::string FaultText(LineState state) {
+    switch (state.fault) {
+        case LineFault::None:
+            break;
+        case LineFault::NotANumber:
+            return std::string(1, state.field) + " isn't a number";
+        case LineFault::OutOfRange:
+            return std::string(1, state.field) + " is out of range";
+        case LineFault::TooLong:
+            return "the line has no end within " + std::to_string(MaxLineBytes) + " bytes";
+    }
+    return {};
+}
+
+std::optional<SampleReader> SampleReader::Open(const std::string& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error)) return std::nullopt;  // opening a pipe would wait for a writer
+    std::ifstream file;
+    file.rdbuf()->pubsetbuf(nullptr, 0);  // the block is the only buffer
+    file.open(path, std::ios::in | std::ios::binary);
+    if (!file) return std::nullopt;
+    return SampleReader(std::move(file));
+}
+
+bool SampleReader::Refill() {
+    m_begun.append(m_tail);
+    m_tail = {};
+    m_file.read(m_block.data(), static_cast<std::streamsize>(m_block.size()));
+    const std::string_view text(m_block.data(), static_cast<std::size_t>(m_file.gcount()));
+    const auto feed = text.rfind('\n');
+    const auto whole = feed == std::string_view::npos ? 0 : feed + 1;
+    m_lines = text.substr(0, whole);
+    m_tail = text.substr(whole);
+    return !text.empty();
+}
+
+/// Takes whole lines as long as they are of the usual form.
+/// @return how many
+std::size_t SampleReader::TakePlainLines(std::span<double> i, std::span<double> q) {
+    const char* at = m_lines.data();
+    const char* const end = at + m_lines.size();
+    std::size_t count = 0;
+    while (at != end && count < i.size()) {
+        const char* const next = PlainLine(at, i[count], q[count]);
+        if (!next) break;
+        at = next;
+        ++count;
+    }
+    m_lines = {at, end};
+    return count;
+}
+
+/// The next of the whole lines, in whatever form.
+LineState SampleReader::TakeLine(double& i, double& q) {
+    const auto feed = m_lines.find('\n');
+    const auto line = m_lines.substr(0, feed);
+    m_lines.remove_prefix(feed + 1);
+    return ReadSampleLine(line, i, q);
+}
+
+/// The line that blocks before began, up to the first line feed here or to the end of the file.
+LineState SampleReader::EndBegunLine(double& i, double& q) {
+    const auto feed = m_lines.find('\n');
+    m_begun.append(m_lines.substr(0, feed));
+    m_lines.remove_prefix(feed == std::string_view::npos ? m_lines.size() : feed + 1);
+    const auto state = ReadSampleLine(m_begun, i, q);
+    m_begun.clear();
+    return state;
+}
+
+SampleReader::Stretch SampleReader::Read(std::span<double> i, std::span<double> q) {
+    Stretch stretch;
+    auto& [samples, state] = stretch;
+    bool isMore = true;
+    while (state && samples < i.size()) {
+        if (m_lines.empty() && isMore) {
+            isMore = Refill();
+            if (m_begun.size() + m_tail.size() > MaxLineBytes) state = {LineFault::TooLong};
+        } else if (!m_begun.empty()) {
+            state = EndBegunLine(i[samples], q[samples]);
+            samples += state ? 1 : 0;
+        } else if (m_lines.empty()) {
+            break;
+        } else if (const auto plain = TakePlainLines(i.subspan(samples), q.subspan(samples)); plain > 0) {
+            samples += plain;
+        } else {
+            state = TakeLine(i[samples], q[samples]);
+            samples += state ? 1 : 0;
+        }
+    }
+    return stretch;
+}
+
+}  // namespace SampleFiles
