@@ -11,9 +11,9 @@ TEST(StoredCaptures, EachChainTakesTheNextFileInTheOrderOfNamesAndStartsOver) {
     folder.Write("c.txt", "7 ,8\n9 ,10\n11 ,12\n");
     folder.Write("result.csv", "not a sample");
     folder.Write(".hidden", "not a sample");
-    std::filesystem::create_directory(folder.Path("inner"));
-    UseRadio("samples=1024", "file:" + folder.Path());
-    EXPECT_EQ(quayCommand::DescribeAir(), "stored captures: 3 file(s) of " + folder.Path());
+    std::filesystem::create_directory((folder / "inner"));
+    UseRadio("samples=1024", "file:" + folder.Path().string());
+    EXPECT_EQ(quayCommand::DescribeAir(), "stored captures: 3 file(s) of " + folder.Path().string());
     const auto both = Capture({0, 0, 6, 3});  // a, b
     EXPECT_EQ(both[0][0], std::complex(1.0, 2.0));
     EXPECT_EQ(both[1][1], std::complex(5.0, 6.0));
@@ -46,11 +46,11 @@ TEST(StoredCaptures, ABadFileIsRefusedWithItsLine) {
         const auto path = folder.Write("bad.txt", text);
         EXPECT_EQ(ReasonOf({"", "file:" + path, "", ""}), "air: " + path + place);
     }
-    std::filesystem::remove(folder.Path("bad.txt"));
-    EXPECT_EQ(ReasonOf({"", "file:" + folder.Path(), "", ""}),
-              "air: " + folder.Path() + ": no sample file in this folder");
-    EXPECT_EQ(ReasonOf({"", "file:" + folder.Path("none.txt"), "", ""}),
-              "air: " + folder.Path("none.txt") + ": can't be read");
+    std::filesystem::remove((folder / "bad.txt"));
+    EXPECT_EQ(ReasonOf({"", "file:" + folder.Path().string(), "", ""}),
+              "air: " + folder.Path().string() + ": no sample file in this folder");
+    EXPECT_EQ(ReasonOf({"", "file:" + (folder / "none.txt"), "", ""}),
+              "air: " + (folder / "none.txt") + ": can't be read");
 }
 
 TEST(StoredCaptures, RecordedTrafficComesThroughAsItIsStored) {

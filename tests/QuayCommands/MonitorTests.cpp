@@ -2,7 +2,6 @@
 #include "TestRadio.h"
 
 #include <functional>
-#include <sstream>
 
 #include "Exceptions.h"
 #include "QuayExceptions.h"
@@ -11,13 +10,6 @@ using namespace radiotest;
 using namespace quayCommand;
 
 namespace {
-
-std::string TextOf(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 /// A call of each operation with arguments that a journal can tell apart, and the line it must leave.
 struct Call {
@@ -137,7 +129,7 @@ TEST(Journal, EachOperationLeavesItsNameAndItsWordsAtOnce) {
     for (const auto& call : EveryCall()) {
         call.make();
         expected += call.line + "\n";
-        ASSERT_EQ(TextOf(folder.Path("calls.txt")), expected) << "each line is on disk when the call returns";
+        ASSERT_EQ(folder.Read("calls.txt"), expected) << "each line is on disk when the call returns";
         names.push_back(call.Name());
     }
     EXPECT_EQ(names, RadioOperationNames()) << "every operation is covered here";
@@ -147,11 +139,11 @@ TEST(Journal, EachOperationLeavesItsNameAndItsWordsAtOnce) {
 TEST(Journal, OneThatCannotBeWrittenIsRefusedOrReportedLater) {
     const Folder folder;
     UseRadio("seed=4", "sim:quiet");
-    const auto path = folder.Path("none/calls.txt");
+    const auto path = (folder / "none/calls.txt");
     EXPECT_EQ(ReasonOf({"", "", path, ""}), "journal: " + path + ": can't be opened for writing");
     EXPECT_NE(DescribeAdapter().find("seed=4"), std::string::npos) << "the adapter before stays";
     EXPECT_NE(ReasonOf({"hw=x", "", folder.Write("kept.txt", "kept"), ""}), "accepted");
-    EXPECT_EQ(TextOf(folder.Path("kept.txt")), "kept") << "a refused set-up empties no journal";
+    EXPECT_EQ(folder.Read("kept.txt"), "kept") << "a refused set-up empties no journal";
     if (std::filesystem::exists("/dev/full")) {
         ASSERT_EQ(ReasonOf({"", "sim:quiet", "/dev/full", ""}), "accepted");
         EXPECT_FALSE(RadioTrouble());
@@ -164,13 +156,13 @@ TEST(Faults, TheChosenCallOfAnyOperationFailsAndIsInTheJournalAndNoOtherFails) {
     const Folder folder;
     for (std::size_t k = 0; k < RadioOperationNames().size(); ++k) {
         const auto name = RadioOperationNames()[k];
-        ASSERT_EQ(ReasonOf({"samples=1024", "sim:quiet", folder.Path("calls.txt"), name + ":2"}), "accepted");
+        ASSERT_EQ(ReasonOf({"samples=1024", "sim:quiet", (folder / "calls.txt"), name + ":2"}), "accepted");
         const auto calls = EveryCall();
         for (const auto& call : calls)
             EXPECT_NO_THROW(call.make()) << name;
         EXPECT_THROW(calls[k].make(), Common::Exception) << name;
         EXPECT_NO_THROW(calls[k].make()) << name << ", third call";
-        const auto text = TextOf(folder.Path("calls.txt"));
+        const auto text = folder.Read("calls.txt");
         const auto line = calls[k].line + "\n";
         EXPECT_TRUE(text.ends_with(line + line)) << name;
     }

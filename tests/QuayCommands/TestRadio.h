@@ -5,44 +5,23 @@
 
 #include <cmath>
 #include <complex>
-#include <filesystem>
-#include <fstream>
 #include <numbers>
 #include <string>
 #include <vector>
 
 #include "GainModel.h"
 #include "RadioSetup.h"
+#include "Support/TempFolder.h"
 
 namespace radiotest {
 
+using Folder = Support::TempFolder;
 using Samples = std::vector<std::complex<double>>;
 
 struct Tuning {
     std::uint32_t band = 0, bandwidth = 0, channel = 6;
     std::uint32_t selector = 1;  // 1 A, 2 B, 3 both
     std::uint32_t preLna = 0, internalGain = 0;
-};
-
-/// A folder of the test's own, removed at its end.
-class Folder {
-public:
-    Folder() {
-        const auto* info = testing::UnitTest::GetInstance()->current_test_info();
-        m_path = std::filesystem::path(testing::TempDir()) /
-                 (std::string("radio_") + info->test_suite_name() + "_" + info->name());
-        std::filesystem::remove_all(m_path);
-        std::filesystem::create_directories(m_path);
-    }
-    ~Folder() { std::filesystem::remove_all(m_path); }
-    std::string Path(const std::string& name = "") const { return (m_path / name).string(); }
-    std::string Write(const std::string& name, const std::string& text) const {
-        std::ofstream(Path(name), std::ios::binary) << text;
-        return Path(name);
-    }
-
-private:
-    std::filesystem::path m_path;
 };
 
 inline void UseRadio(const std::string& adapter, const std::string& air) {
