@@ -140,7 +140,11 @@ TEST(Journal, OneThatCannotBeWrittenIsRefusedOrReportedLater) {
     const Folder folder;
     UseRadio("seed=4", "sim:quiet");
     const auto path = (folder / "none/calls.txt");
-    EXPECT_EQ(ReasonOf({"", "", path, ""}), "journal: " + path + ": can't be opened for writing");
+    const std::string why = ": can't be opened for writing; a link or a pipe can be no journal";
+    EXPECT_EQ(ReasonOf({"", "", path, ""}), "journal: " + path + why);
+    std::filesystem::create_symlink(folder.Write("target.txt", "kept"), (folder / "link"));
+    EXPECT_EQ(ReasonOf({"", "", (folder / "link"), ""}), "journal: " + (folder / "link") + why);
+    EXPECT_EQ(folder.Read("target.txt"), "kept");
     EXPECT_NE(DescribeAdapter().find("seed=4"), std::string::npos) << "the adapter before stays";
     EXPECT_NE(ReasonOf({"hw=x", "", folder.Write("kept.txt", "kept"), ""}), "accepted");
     EXPECT_EQ(folder.Read("kept.txt"), "kept") << "a refused set-up empties no journal";

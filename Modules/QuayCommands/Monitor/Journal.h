@@ -2,18 +2,24 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
+
+#include "OSAL/Files.h"
 
 namespace quayCommand {
 
 /// A text file that is complete up to the last call whatever happens to the process.
 class Journal {
 public:
-    /// Empties the file. An empty path gives a journal that writes nothing.
+    Journal() = default;
+    ~Journal() { OSAL::CloseFile(m_file); }
+    Journal(const Journal&) = delete;
+    Journal& operator=(const Journal&) = delete;
+
+    /// Empties the file; a link, a pipe or a folder is refused. An empty path gives a journal that writes nothing.
     /// @return the reason when the file can't be written; this object then writes nothing
     std::optional<std::string> Open(const std::string& path);
 
@@ -24,7 +30,7 @@ public:
     const std::optional<std::string>& Trouble() const { return m_trouble; }
 
 private:
-    std::ofstream m_file;
+    OSAL::FileHandle m_file = OSAL::InvalidFile;
     std::string m_path;
     std::string m_line;
     std::optional<std::string> m_trouble;
