@@ -36,7 +36,7 @@ private:
     std::unique_ptr<IAir> m_air;
     Journal m_journal;
     FaultPlan m_faults;
-    CallMonitor m_monitor{m_journal, m_faults};
+    CallMonitor m_monitor{m_journal, m_faults, [this] { m_bareWifi.GetAdcObject()->LoseTuning(); }};
     SimulatedWifi m_bareWifi;
     SimulatedNvm m_bareNvm;
     MonitoredWifi m_wifi;

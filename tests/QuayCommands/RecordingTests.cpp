@@ -51,6 +51,24 @@ TEST(Recordings, SayWhyThereIsNone) {
     EXPECT_FALSE(quayCommand::ReceivesChannel({1, 0, 36}).Value());
 }
 
+TEST(Recordings, AFailedSetUpLeavesNoSamplesOfTheOldTuning) {
+    for (const std::string step : {"SetLmac", "ConfigTxRx", "StartStopAllPeriodicCalibrations", "ResetAdapter"}) {
+        ASSERT_EQ(ReasonOf({"samples=1024", "sim:quiet", "", step + (step == "ResetAdapter" ? ":1" : ":2")}),
+                  "accepted");
+        ASSERT_TRUE(quayCommand::RecordCapture({{0, 0, 6}, 1}));
+        auto& wifi = *CommandFactory::GetInstance().getWifiInstance();
+        if (step == "ResetAdapter")
+            EXPECT_ANY_THROW(wifi.ResetAdapter());
+        else
+            EXPECT_TRUE(quayCommand::RecordCapture({{0, 0, 11}, 1}).IsRefused());
+        std::vector<double> v(1024);
+        double* p[1] = {v.data()};
+        EXPECT_FALSE(wifi.GetAdcObject()->ReadCapture({}, p, p)) << step;
+        EXPECT_EQ(quayCommand::CaptureTrouble(), "the receiver isn't tuned, or its set-up failed");
+        EXPECT_TRUE(quayCommand::RecordCapture({{0, 0, 11}, 1})) << step;
+    }
+}
+
 /// An air that gives other samples than it is asked for.
 class WrongAir : public quayCommand::IAir {
 public:

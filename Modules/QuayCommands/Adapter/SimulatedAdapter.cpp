@@ -32,6 +32,7 @@ void SimulatedAdc::Reset() {
 }
 
 void SimulatedAdc::ConfigTxRx(const RxConfig* config) {
+    m_tuned = false;
     if (!config) throw CQuayMsgException("no receiver record", "ConfigTxRx", SourceName, __LINE__);
     if (config->m_band >= RadioFacts::BandCount || config->m_Bandwidth >= RadioFacts::BandwidthCount)
         throw CQuayMsgException("no such band or bandwidth", "ConfigTxRx", SourceName, __LINE__);
@@ -64,7 +65,7 @@ double SimulatedAdc::GainDb(unsigned chain) const {
 
 OSAL::Outcome<CaptureFacts> SimulatedAdc::Capture(double** i, double** q) {
     const auto selected = m_selector ? m_selector : m_tuning.m_currChain;
-    if (!m_tuned) return OSAL::Refusal{"the receiver isn't tuned to a channel"};
+    if (!m_tuned) return OSAL::Refusal{"the receiver isn't tuned, or its set-up failed"};
     if (selected == 0 || (selected & ~m_adapter.antennaMask) != 0)
         return OSAL::Refusal{"a selected chain has no antenna"};
     std::array<ChainCapture, MaxChains> chains;
@@ -123,7 +124,9 @@ std::uint32_t SimulatedWifi::GetRevisionId() {
 }
 
 void SimulatedWifi::SetLmac(std::uint32_t band) {
-    if (band >= RadioFacts::BandCount) throw CQuayMsgException("no MAC for this band", "SetLmac", SourceName, __LINE__);
+    if (band < RadioFacts::BandCount) return;
+    m_adc.LoseTuning();
+    throw CQuayMsgException("no MAC for this band", "SetLmac", SourceName, __LINE__);
 }
 
 bool SimulatedNvm::IsChannelSupported(std::uint32_t channel, std::uint32_t bandwidth, std::uint32_t band) {

@@ -16,6 +16,9 @@ public:
     /// Forgets tuning, gain and capture selection, as a reset adapter does.
     void Reset();
 
+    /// A failed set-up: captures give nothing until the receiver is tuned again.
+    void LoseTuning() { m_tuned = false; }
+
     /// Takes any channel number: one that its band lacks lies where the band's 5 MHz grid puts it.
     void ConfigTxRx(const RxConfig* config) override;
     void StartStopAllPeriodicCalibrations() override {}

@@ -20,7 +20,23 @@ std::array<std::uint32_t, sizeof...(T)> Numbers(T... values) {
     return {static_cast<std::uint32_t>(values)...};
 }
 
+/// The steps of a receiver set-up: where one fails, nobody knows what the receiver is tuned to.
+bool IsSetUpStep(Operation operation) {
+    return operation == Operation::SetLmac || operation == Operation::ConfigTxRx ||
+           operation == Operation::StartStopAllPeriodicCalibrations || operation == Operation::ResetAdapter;
+}
+
 }  // namespace
+
+void CallMonitor::Call(Operation operation, std::span<const std::uint32_t> words) {
+    m_journal.Write(NameOf(operation), words);
+    try {
+        m_faults.Count(operation);
+    } catch (...) {
+        if (IsSetUpStep(operation)) m_onLostSetUp();
+        throw;
+    }
+}
 
 void MonitoredAdc::ConfigTxRx(const RxConfig* config) {
     if (config)

@@ -1,6 +1,9 @@
 // The journal and the fault plan as one wrapper round any adapter, so that each kind of radio gets both.
 #pragma once
 
+#include <functional>
+#include <utility>
+
 #include "Monitor/FaultPlan.h"
 #include "Monitor/Journal.h"
 #include "QuayCommands.h"
@@ -10,15 +13,15 @@ namespace quayCommand {
 /// What happens to each call before the adapter gets it: the journal's line, then the planned fault.
 class CallMonitor {
 public:
-    CallMonitor(Journal& journal, FaultPlan& faults) : m_journal(journal), m_faults(faults) {}
-    void Call(Operation operation, std::span<const std::uint32_t> words = {}) {
-        m_journal.Write(NameOf(operation), words);
-        m_faults.Count(operation);
-    }
+    /// @param onLostSetUp  called when a planned fault leaves the receiver in an unknown state
+    CallMonitor(Journal& journal, FaultPlan& faults, std::function<void()> onLostSetUp)
+        : m_journal(journal), m_faults(faults), m_onLostSetUp(std::move(onLostSetUp)) {}
+    void Call(Operation operation, std::span<const std::uint32_t> words = {});
 
 private:
     Journal& m_journal;
     FaultPlan& m_faults;
+    std::function<void()> m_onLostSetUp;
 };
 
 class MonitoredAdc : public IAdcCommands {
