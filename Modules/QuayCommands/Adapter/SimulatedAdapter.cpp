@@ -68,6 +68,8 @@ OSAL::Outcome<CaptureFacts> SimulatedAdc::Capture(double** i, double** q) {
     if (!m_tuned) return OSAL::Refusal{"the receiver isn't tuned, or its set-up failed"};
     if (selected == 0 || (selected & ~m_adapter.antennaMask) != 0)
         return OSAL::Refusal{"a selected chain has no antenna"};
+    if ((selected & ~m_tuning.antennaMask) != 0)
+        return OSAL::Refusal{"a selected chain isn't among the antennas that the receiver was set up with"};
     std::array<ChainCapture, MaxChains> chains;
     std::size_t used = 0;
     for (unsigned chain = 0; chain < MaxChains; ++chain) {
