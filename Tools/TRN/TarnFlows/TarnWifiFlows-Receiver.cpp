@@ -1,4 +1,6 @@
 // Bringing the radio into receive state, and the default configuration.
+#include <exception>
+
 #include "Caught.h"
 #include "OSAL/OSAL.h"
 #include "Streams/Trace.h"
@@ -15,6 +17,22 @@ SyncObjectsOSAL::MutexOSAL& RadioMutex() {
     static SyncObjectsOSAL::MutexOSAL mutex;
     return mutex;
 }
+
+/// A reset that an exception ends has written some settings and not told the receiver: it forgets them all, so that no
+/// setter behind it takes a setting for applied.
+class HalfDoneReset {
+public:
+    explicit HalfDoneReset(bool& isFirstRun) : m_isFirstRun(isFirstRun) {}
+    ~HalfDoneReset() {
+        if (std::uncaught_exceptions() > m_exceptions) m_isFirstRun = true;
+    }
+    HalfDoneReset(const HalfDoneReset&) = delete;
+    HalfDoneReset& operator=(const HalfDoneReset&) = delete;
+
+private:
+    bool& m_isFirstRun;
+    const int m_exceptions = std::uncaught_exceptions();
+};
 
 constexpr const char* DefaultGainFile = "GainCSV.csv";
 
@@ -87,6 +105,7 @@ bool TarnWifiFlows::ConfigTxRxAdcConditioned() {
 
 bool TarnWifiFlows::SetDefaultConfigParamsAndGain() {
     TRACE_SCOPE("TarnWifiFlows::SetDefaultConfigParamsAndGain");
+    const HalfDoneReset halfDone(m_isFirstRun);
     m_rxConfig.m_band = 0;
     m_rxConfig.mode = 13;
     m_rxConfig.m_currChain = 1;
