@@ -22,7 +22,8 @@ void SetIQFromLine(double* i, double* q, const std::string& line);
 /// stays as it was.
 /// Memory: a fixed buffer, and a line of at most `SampleFiles::MaxLineBytes`.
 /// @return lines read; nothing when the path is no regular file (a folder, a pipe, a device) or can't be opened
-/// @throws std::invalid_argument, std::out_of_range of a line that is no sample; std::length_error of one without an end
+/// @throws std::invalid_argument, std::out_of_range of a line that is no sample; std::length_error of one without an
+/// end
 std::optional<std::size_t> ReadAdcFile(const std::string& path, double* i, double* q, std::size_t n);
 
 }  // namespace AdcFile
