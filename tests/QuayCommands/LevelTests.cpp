@@ -138,6 +138,25 @@ TEST(Levels, WhatLiesBeyondTheSpanIsNotFoldedIn) {
     EXPECT_NEAR(ChannelPowerDb(Capture(tuning).at(0), 40.0, 40.0) - GainDb(tuning, "A"), -91.0, 0.5);
 }
 
+TEST(Levels, ANetworksSkirtsAreNotFoldedToTheFarSideOfTheSpan) {
+    const Folder folder;
+    // Channel 9 reaches over the lower end of what channel 13's receiver spans: its skirts lie below, not above.
+    UseRadio("", "sim:" + folder.Write("t.json", R"({"noise_figure_db": 0, "accessPoints": [
+        {"band": "2.4", "channel": 9, "width_mhz": 20, "level_dbm": -40}]})"));
+    const Tuning tuning{0, 0, 13};
+    const auto x = Capture(tuning).at(0);
+    const auto densityDbm = [&](double lowMhz, double highMhz) {
+        constexpr int Places = 25;
+        double power = 0.0;
+        for (int k = 0; k < Places; ++k)
+            power += std::norm(ToneOf(x, (lowMhz + (highMhz - lowMhz) * k / Places) / 40.0, 0, x.size())) / Places;
+        return Db(power * static_cast<double>(x.size()) / 40.0) - GainDb(tuning, "A");  // in a MHz
+    };
+    EXPECT_GT(densityDbm(-18.0, -13.0), -55.0);
+    EXPECT_LT(densityDbm(-3.0, 3.0), -90.0);
+    EXPECT_LT(densityDbm(16.0, 20.0), -80.0);
+}
+
 TEST(Levels, AnAccessPointInPartOfTheSpanKeepsOnlyThatPart) {
     const Folder folder;
     UseRadio("", "sim:" + folder.Write("t.json", R"({"accessPoints": [

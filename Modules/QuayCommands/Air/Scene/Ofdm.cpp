@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numbers>
 
 #include "Air/Scene/Random.h"
 
@@ -39,6 +40,26 @@ std::vector<Subcarrier> Repeated(unsigned widthMhz, const std::vector<Subcarrier
             out.push_back({centre + carrier.number, Complex{scale * factor.re, scale * factor.im} * carrier.value});
     }
     return out;
+}
+
+constexpr double FadeUs = 0.1;
+constexpr double EdgeFadeUs = 0.8;
+/// What counts as next to the end of the span; the receiver's filter takes the outermost part of it. A network that is
+/// as wide as the span leaves 1.9 MHz free there.
+constexpr double EdgeMhz = 4.0;
+constexpr double FilteredMhz = 1.5;
+
+/// Weights of a rising fade, an even number of samples. Together with the falling one it keeps the power of symbols
+/// that know nothing of each other: the squares add up to 1.
+std::vector<double> Fade(double lengthUs, double sampleRateMhz) {
+    std::vector<double> weights(2 *
+                                static_cast<std::size_t>(std::max(1l, std::lround(lengthUs * sampleRateMhz / 2.0))));
+    for (std::size_t n = 0; n < weights.size(); ++n) {
+        const double place = (static_cast<double>(n) + 0.5) / static_cast<double>(weights.size());
+        const double rise = std::sin(std::numbers::pi / 2.0 * place);
+        weights[n] = std::sin(std::numbers::pi / 2.0 * rise * rise);
+    }
+    return weights;
 }
 
 /// Numbers from -last to -first and from first to last, round `centre`.
@@ -87,103 +108,123 @@ OfdmTransmitter::OfdmTransmitter(unsigned widthMhz, bool legacy, double offsetMh
       m_data(DataSubcarriers(widthMhz, legacy)) {
     for (const auto& carrier : m_long)
         m_signalData.push_back(carrier.number);
-    m_heard = std::any_of(m_data.begin(), m_data.end(), [&](int k) { return BinOf(k) < m_fft.Size(); });
+    const auto size = m_fft.Size();
+    const auto edge = static_cast<std::size_t>(std::lround(EdgeMhz / SubcarrierMhz));
+    m_groups[0].fade = Fade(FadeUs, sampleRateMhz);
+    m_groups[1].fade = Fade(EdgeFadeUs, sampleRateMhz);
+    for (std::size_t g = 0; g < m_groups.size(); ++g) {
+        auto& bins = m_groups[g].bins;
+        bins.resize(size + 1);  // one more, for what lies beyond the span
+        for (std::size_t bin = 0; bin < size; ++bin)
+            bins[bin] = (bin >= size / 2 - edge && bin <= size / 2 + edge) == (g == 1);
+        m_groups[g].isHeard = std::any_of(m_data.begin(), m_data.end(), [&](int k) { return bins[BinOf(k)]; });
+    }
 }
 
 std::size_t OfdmTransmitter::BinOf(int number) const {
     const auto half = static_cast<int>(m_fft.Size() / 2);
     const int bin = number + m_shift;
-    if (bin <= -half || bin >= half) return m_fft.Size();
+    if (std::abs(bin) > half - static_cast<int>(FilteredMhz / SubcarrierMhz)) return m_fft.Size();
     return static_cast<std::size_t>(bin < 0 ? bin + 2 * half : bin);
 }
 
-void OfdmTransmitter::Load(const std::vector<Subcarrier>& subcarriers) {
+void OfdmTransmitter::Clear() {
     std::fill(m_fft.re.begin(), m_fft.re.end(), 0.0);
     std::fill(m_fft.im.begin(), m_fft.im.end(), 0.0);
-    for (const auto& carrier : subcarriers) {
-        const auto bin = BinOf(carrier.number);
-        if (bin == m_fft.Size()) continue;
-        m_fft.re[bin] = carrier.value.re;
-        m_fft.im[bin] = carrier.value.im;
-    }
+}
+
+void OfdmTransmitter::Put(const Group& group, const Subcarrier& carrier) {
+    const auto bin = BinOf(carrier.number);
+    if (!group.bins[bin]) return;
+    m_fft.re[bin] = carrier.value.re;
+    m_fft.im[bin] = carrier.value.im;
+}
+
+void OfdmTransmitter::Load(const Group& group, const std::vector<Subcarrier>& subcarriers) {
+    Clear();
+    for (const auto& carrier : subcarriers)
+        Put(group, carrier);
     m_fft.Run();
 }
 
-void OfdmTransmitter::LoadData(std::uint64_t seed, bool signalSymbol) {
-    std::fill(m_fft.re.begin(), m_fft.re.end(), 0.0);
-    std::fill(m_fft.im.begin(), m_fft.im.end(), 0.0);
+void OfdmTransmitter::LoadData(const Group& group, std::uint64_t seed, bool signalSymbol) {
+    Clear();
     const auto& carriers = signalSymbol ? m_signalData : m_data;
     // 64-QAM has the levels -7, -5 ... 7, whose mean square is 21; the signal symbol is BPSK.
     const double scale = 1.0 / std::sqrt(static_cast<double>(carriers.size()) * (signalSymbol ? 1.0 : 42.0));
     Random random(seed);
     for (const auto number : carriers) {
         const auto bits = random.Next();
-        const auto bin = BinOf(number);
-        if (bin == m_fft.Size()) continue;
         const auto level = [&](unsigned shift) { return scale * (2.0 * static_cast<double>(bits >> shift & 7) - 7.0); };
-        m_fft.re[bin] = signalSymbol ? (bits & 1 ? scale : -scale) : level(8);
-        m_fft.im[bin] = signalSymbol ? 0.0 : level(16);
+        Put(group, {number, signalSymbol ? Complex{bits & 1 ? scale : -scale, 0.0} : Complex{level(8), level(16)}});
     }
     m_fft.Run();
 }
 
-void OfdmTransmitter::AddField(SceneSignal& signal, const Field& field, std::ptrdiff_t frameStart, double amplitude,
-                               const SourceLevel& level) {
+// Sample n of the field counts from the begin of its fade-in; the field itself begins half a fade later.
+void OfdmTransmitter::AddField(SceneSignal& signal, const Group& group, const Field& field, std::ptrdiff_t frameStart,
+                               double amplitude, const SourceLevel& level) {
     const auto size = m_fft.Size();
-    const auto start = frameStart + field.first;
+    const auto fade = group.fade.size();
+    const auto samples = field.samples + fade;
+    const auto first = field.first - static_cast<std::ptrdiff_t>(fade / 2);
+    const auto lead = field.lead + fade / 2;
+    const auto start = frameStart + first;
     const auto from = static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, -start));
     const auto room = static_cast<std::ptrdiff_t>(signal.samples) - start;
-    const auto to = std::min(field.samples, static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, room)));
+    const auto to = std::min(samples, static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, room)));
     for (auto& antenna : signal.antennas) {
         const auto& factor = level.chainFactors[antenna.chain];
         Complex turn = Complex{amplitude * factor.re, amplitude * factor.im};
         // The channel's carrier runs on from field to field: bring it from the frame's start to this sample.
-        const double origin = static_cast<double>(field.first) + static_cast<double>(field.lead);
+        const double origin = static_cast<double>(first) + static_cast<double>(lead);
         turn = turn * UnitAt(origin * m_shift / static_cast<double>(size));
-        turn = turn * UnitAt(m_turnsPerSample * static_cast<double>(field.first + static_cast<std::ptrdiff_t>(from)));
-        const auto add = [&](std::size_t n, std::size_t at, std::size_t count) {
-            const auto out = start + static_cast<std::ptrdiff_t>(n);
-            AddScaled(&m_fft.re[at], &m_fft.im[at], count, turn, antenna.re.data() + out, antenna.im.data() + out);
-        };
-        if (m_turnsPerSample == 0.0) {
-            // The period over and over: from its phase at the field's start up to its end, then from its begin.
-            for (std::size_t n = from; n < to;) {
-                const auto at = (n + size - field.lead) % size;
-                const auto count = std::min(to - n, size - at);
-                add(n, at, count);
-                n += count;
-            }
-            continue;
-        }
+        turn = turn * UnitAt(m_turnsPerSample * static_cast<double>(first + static_cast<std::ptrdiff_t>(from)));
         const auto step = UnitAt(m_turnsPerSample);
-        for (std::size_t n = from; n < to; ++n) {
-            add(n, (n + size - field.lead) % size, 1);
+        // As many samples as share a weight and lie together in the period, which repeats.
+        for (std::size_t n = from; n < to;) {
+            const bool isFading = n < fade || n >= field.samples;
+            const double weight = n < fade ? group.fade[n] : n >= field.samples ? group.fade[samples - 1 - n] : 1.0;
+            const auto at = (n + size - lead % size) % size;
+            auto count = std::min({to - n, size - at, field.samples - std::min(n, field.samples)});
+            if (isFading || m_turnsPerSample != 0.0) count = 1;
+            const auto out = start + static_cast<std::ptrdiff_t>(n);
+            AddScaled(&m_fft.re[at], &m_fft.im[at], count, {turn.re * weight, turn.im * weight},
+                      antenna.re.data() + out, antenna.im.data() + out);
             turn = turn * step;
+            n += count;
         }
     }
 }
 
 void OfdmTransmitter::AddFrame(SceneSignal& signal, const OfdmFrame& frame, std::ptrdiff_t first, double amplitude,
                                const SourceLevel& level) {
+    for (const auto& group : m_groups)
+        if (group.isHeard) AddGroup(signal, group, frame, first, amplitude, level);
+}
+
+void OfdmTransmitter::AddGroup(SceneSignal& signal, const Group& group, const OfdmFrame& frame, std::ptrdiff_t first,
+                               double amplitude, const SourceLevel& level) {
     const auto symbol = static_cast<std::ptrdiff_t>(m_symbolSamples);
+    const auto half = static_cast<std::ptrdiff_t>(group.fade.size() / 2);
     const auto inCapture = [&](std::ptrdiff_t from, std::ptrdiff_t length) {
-        return first + from + length > 0 && first + from < static_cast<std::ptrdiff_t>(signal.samples);
+        return first + from + length + half > 0 && first + from - half < static_cast<std::ptrdiff_t>(signal.samples);
     };
     const auto symbols = static_cast<std::ptrdiff_t>(frame.lengthUs / 4);
     if (!inCapture(0, symbols * symbol)) return;
     const auto prefix = m_symbolSamples / 5;  // 0.8 us of 4
     if (inCapture(0, 2 * symbol)) {
-        Load(m_short);
-        AddField(signal, {0, 2 * m_symbolSamples, 0}, first, amplitude, level);
+        Load(group, m_short);
+        AddField(signal, group, {0, 2 * m_symbolSamples, 0}, first, amplitude, level);
     }
     if (inCapture(2 * symbol, 2 * symbol)) {
-        Load(m_long);
-        AddField(signal, {2 * symbol, 2 * m_symbolSamples, 2 * prefix}, first, amplitude, level);
+        Load(group, m_long);
+        AddField(signal, group, {2 * symbol, 2 * m_symbolSamples, 2 * prefix}, first, amplitude, level);
     }
     for (std::ptrdiff_t k = 4; k < symbols; ++k) {
         if (!inCapture(k * symbol, symbol)) continue;
-        LoadData(MixSeed({frame.seed, static_cast<std::uint64_t>(k)}), k == 4);
-        AddField(signal, {k * symbol, m_symbolSamples, prefix}, first, amplitude, level);
+        LoadData(group, MixSeed({frame.seed, static_cast<std::uint64_t>(k)}), k == 4);
+        AddField(signal, group, {k * symbol, m_symbolSamples, prefix}, first, amplitude, level);
     }
 }
 
