@@ -1,4 +1,6 @@
 // The order of the calls that bring the radio into receive state, and what a failing radio does to them.
+#include <iterator>
+
 #include "FlowsTest.h"
 
 namespace {
@@ -89,12 +91,9 @@ TEST_F(FlowsReceiverTest, AResetGivesTheDefaultsAndALookAtTheDefaultGainFile) {
     Start();
     const Answer answer = Run("-band 6-7 -channel 37 -chain B -trigger_now -rbw 312.5");
     ASSERT_EQ(answer.exitCode, 0);
+    ForgetCalls();
     EXPECT_EQ(Output("-reset_config"), MissingGainFile());
-    EXPECT_EQ(m_flows->m_rxConfig.m_band, 0u);
-    EXPECT_EQ(m_flows->m_rxConfig.m_channel, 1u);
-    EXPECT_EQ(m_flows->m_rxConfig.m_currChain, 1u);
-    EXPECT_EQ(m_flows->m_adcConfig.chainMode, 2u);
-    EXPECT_EQ(m_flows->m_adcConfig.last, ~std::uint64_t{0});
+    EXPECT_EQ(Calls().at(1).substr(0, 23), "ConfigTxRx 1 0 13 3 1 0");  // channel, band, mode, antennas, chain
     EXPECT_EQ(Engine().m_CenterFreq, 2412.0);
     EXPECT_EQ(Engine().m_Bandwidth, 20);
     EXPECT_EQ(Engine().m_SampleRate, 40.0);
@@ -112,9 +111,9 @@ TEST_F(FlowsReceiverTest, AResetListensAndMeasuresOnTheSameChainOnACardWithoutAn
 
 TEST_F(FlowsReceiverTest, ARepeatedResetKeepsTheChannelListsAsLongAsTheyWere) {
     Start();
-    const ChannelTables once = m_flows->m_channelTables;
+    const std::string once = Output("-get_supported_config");
     Run("-reset_config");
-    EXPECT_EQ(m_flows->m_channelTables, once);
+    EXPECT_EQ(Output("-get_supported_config"), once);
     EXPECT_EQ(Engine().m_NumOfChannels, 15);  // 14 channels and the placeholder
 }
 
@@ -131,10 +130,18 @@ TEST_F(FlowsReceiverTest, CardsAndHardwareDecideTablesAndAntennas) {
           Row{"hw=5,card=0", 4, 2, 2, 2}, Row{"hw=12,card=3", 2, 1, 1, 0}}) {
         SCOPED_TRACE(row.adapter);
         Start(row.adapter);
-        EXPECT_EQ(m_flows->m_channelTables.size(), row.tables);
-        EXPECT_EQ(m_flows->m_rxConfig.antennaMask, row.antennas);
-        EXPECT_EQ(m_flows->m_rxConfig.m_currChain, row.chain);
-        EXPECT_EQ(m_flows->m_rxConfig.antennaSelection, row.selection);
+        std::set<std::pair<std::string, std::size_t>> tables;  // a line is "(36,HB),1,1,1,0,0"
+        for (const std::string& line : Lines(Output("-get_supported_config")))
+            for (std::size_t width = 0, flags = line.find(')'); flags != line.npos && width < 5; ++width)
+                if (line[flags + 2 + 2 * width] == '1') tables.emplace(line.substr(line.find(',') + 1, 2), width);
+        EXPECT_EQ(tables.size(), row.tables);
+        ForgetCalls();
+        Run("-reset_config");
+        std::istringstream tuning(Calls().at(1));
+        std::vector<std::string> words{std::istream_iterator<std::string>(tuning), {}};
+        EXPECT_EQ(words.at(4), std::to_string(row.antennas));
+        EXPECT_EQ(words.at(5), std::to_string(row.chain));
+        EXPECT_EQ(words.at(11), std::to_string(row.selection));
     }
 }
 
@@ -145,44 +152,52 @@ TEST_F(FlowsReceiverTest, AChainWithoutAnAntennaIsRefused) {
     EXPECT_EQ(Run("-chain A").exitCode, 0);
 }
 
-// Marks: receiver set-up, clear max hold, clear average; and whether the engine rebuilds.
+// What the next trigger clears, by its log: max hold, average; and whether the engine rebuilds.
 TEST_F(FlowsReceiverTest, ASettingMarksWhatChangesAndNothingWhenItDoesNot) {
     struct Row {
         const char* line;
-        const char* marks;  ///< letters: s set-up, m max hold, a average, r rebuild
+        const char* marks;  ///< letters: m max hold, a average, r rebuild
     };
     const Row rows[] = {
         {"-band 2.4 -bandwidth 20 -channel 1 -chain A -rbw 39.0625", ""},
-        {"-channel 6", "sm"},
-        {"-band 5.2", "sma"},
+        {"-channel 6", "m"},
+        {"-band 5.2 -channel 36", "mar"},
         {"-band 5", ""},
-        {"-channel 36", "smr"},
-        {"-bandwidth 40", "smar"},
-        {"-chain B", "s"},
+        {"-channel 40", "m"},
+        {"-bandwidth 40 -channel 38", "mar"},
+        {"-chain B", ""},
         {"-rbw 156.25", "mar"},
         {"-rbw 156.25", ""},
-        {"-maxhold true", "sm"},
+        {"-maxhold true", "m"},
         {"-maxhold true", ""},
         {"-maxhold false", ""},
         {"-channel_average true", "a"},
         {"-channel_average true", ""},
         {"-channel_average false", ""},
     };
-    Start();
+    Start("samples=2048");
     ASSERT_EQ(Run("-trigger_now").exitCode, 0);
+    const auto clears = [&](const std::string& operation) {
+        const auto log = Lines(Read("log.txt"));
+        return std::ranges::count_if(log, [&](const std::string& line) {
+            return line.find(operation) != line.npos && line.ends_with(">Enter");
+        });
+    };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.line);
-        m_flows->m_initFlags[0] = 0;
-        m_flows->m_clearMaxHoldPending = m_flows->m_clearAveragePending = Engine().m_isInit = false;
+        const auto maxHold = clears("::ClearMaxHold"), average = clears("::ClearAverage");
         ASSERT_EQ(Run(row.line).exitCode, 0);
-        const std::string marks = std::string(m_flows->m_initFlags[0] ? "s" : "") +
-                                  (m_flows->m_clearMaxHoldPending ? "m" : "") +
-                                  (m_flows->m_clearAveragePending ? "a" : "") + (Engine().m_isInit ? "r" : "");
+        const bool rebuilds = Engine().m_isInit;
+        Run("-trigger_now");
+        const std::string marks = std::string(clears("::ClearMaxHold") > maxHold ? "m" : "") +
+                                  (clears("::ClearAverage") > average ? "a" : "") + (rebuilds ? "r" : "");
         EXPECT_EQ(marks, row.marks);
     }
+    const auto average = clears("::ClearAverage");
     Run("-reset_first_run_flags");
-    Run("-band 5");
-    EXPECT_TRUE(m_flows->m_clearAveragePending);  // equal values count again
+    Run("-band 5");  // equal values count again
+    Run("-trigger_now");
+    EXPECT_GT(clears("::ClearAverage"), average);
 }
 
 TEST_F(FlowsReceiverTest, TheSampleRateFollowsHardwareAndBandwidth) {
@@ -193,9 +208,9 @@ TEST_F(FlowsReceiverTest, TheSampleRateFollowsHardwareAndBandwidth) {
     for (const Row& row : {Row{"hw=7", {80, 80, 80, 0, 0}}, Row{"hw=11", {40, 40, 80, 160, 320}},
                            Row{"hw=30", {40, 40, 80, 160, 320}}, Row{"hw=8", {0, 0, 0, 0, 0}}}) {
         Start(row.adapter);
-        m_flows->m_rxConfig.m_band = 2;
         for (int k = 0; k < 5; ++k) {
-            Run("-bandwidth " + std::to_string(20 << k));
+            const std::string band = k < 2 ? "2.4" : k < 4 ? "5" : "6-7";
+            Run("-bandwidth " + std::to_string(20 << k) + " -band " + band);
             EXPECT_EQ(Engine().m_SampleRate, row.rates[k]) << row.adapter << " " << (20 << k);
         }
     }

@@ -18,32 +18,6 @@
 #include "Streams/AppStreams.h"
 #include "Web/TarnWifiFlowsWeb.h"
 
-/// The variant of a test, with its state in reach.
-template <typename Flows>
-class Open : public Flows {
-public:
-    using Flows::Flows;
-    using Flows::m_adcConfig;
-    using Flows::m_channelFlags;
-    using Flows::m_channelTables;
-    using Flows::m_clearAveragePending;
-    using Flows::m_clearMaxHoldPending;
-    using Flows::m_consecutiveRuns;
-    using Flows::m_freqPowerStore;
-    using Flows::m_gainConfig;
-    using Flows::m_gainList;
-    using Flows::m_initFlags;
-    using Flows::m_isFirstRun;
-    using Flows::m_isGLN;
-    using Flows::m_mcc;
-    using Flows::m_response;
-    using Flows::m_rxConfig;
-    using Flows::m_sampleLock;
-    using Flows::m_useGainFile;
-    using Flows::m_vesperTestInProgress;
-    using Flows::m_workloadFile;
-};
-
 /// What a line gave.
 struct Answer {
     std::int32_t exitCode = 0;
@@ -86,14 +60,14 @@ protected:
         const auto refusal = quayCommand::SetUpRadio({adapter, m_air, (m_folder / "journal").string(), faults});
         ASSERT_EQ(refusal.value_or(""), "");
         m_seenCalls = 0;
-        m_flows = std::make_unique<Open<TarnWifiFlows>>(&m_host);
+        m_flows = std::make_unique<TarnWifiFlows>(&m_host);
     }
 
     /// The same with Init; the message on the missing default gain file is taken.
     void Start(const std::string& adapter = "", const std::string& faults = "") {
         Place(adapter, faults);
         m_flows->Init();
-        m_flows->m_response.clear();
+        Run("");  // takes the answer that Init left
         ForgetCalls();
     }
 
@@ -159,7 +133,7 @@ protected:
     std::string m_air = "sim";
     std::ostringstream m_errorStream;
     Host m_host;
-    std::unique_ptr<Open<TarnWifiFlows>> m_flows;
+    std::unique_ptr<TarnWifiFlows> m_flows;
 
 private:
     std::size_t m_seenCalls = 0;

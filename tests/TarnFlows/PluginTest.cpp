@@ -86,9 +86,6 @@ TEST_F(PluginTest, AfterDeInitAnotherInitMeasuresAgain) {
     Run("-channel_average true -channel_average_sweep_val 10");
     m_flows->DeInit();
     EXPECT_EQ(m_flows->GetLmnSA(), nullptr);
-    for (const auto& [table, rows] : m_flows->m_channelTables)
-        EXPECT_TRUE(rows.empty()) << table;
-    EXPECT_FALSE(m_flows->m_channelTables.empty());
     m_flows->Init();
     EXPECT_EQ(Run("-trigger_now -export_freq_power powers.csv").exitCode, 0);
     EXPECT_EQ(Lines(Read("powers.csv")).size(), 3u);  // no average holds the trigger back
@@ -192,32 +189,28 @@ TEST_F(PluginTest, HardwareWithoutASampleRateFailsATriggerWithATextAndMeasuresNo
     }
 }
 
-TEST_F(PluginTest, ThePlatformDecidesTheTestDefaultsAndTheWorkloadFile) {
+TEST_F(PluginTest, ThePlatformDecidesTheEnginesVariantAndTheWorkloadFile) {
     struct Row {
         const char* device;
-        bool gln;
-        const char* workload;
+        bool isGln, isCrk;
     };
-    for (const Row& row : {Row{"0x7AF0", true, "Workload.bitcfg"}, Row{"0x51F0", true, "Workload.bitcfg"},
-                           Row{"0x54F0", true, "Workload.bitcfg"}, Row{"0x7F70", false, "Workload_CRK.bitcfg"},
-                           Row{"0x7E40", false, "Workload_CRK.bitcfg"}, Row{"0x1234", false, "Workload.bitcfg"}}) {
+    for (const Row& row : {Row{"0x7AF0", true, false}, Row{"0x51F0", true, false}, Row{"0x54F0", true, false},
+                           Row{"0x7F70", false, true}, Row{"0x7E40", false, true}, Row{"0x1234", false, false}}) {
         Start(std::string("device=") + row.device);
-        EXPECT_EQ(m_flows->m_isGLN, row.gln) << row.device;
-        EXPECT_EQ(Engine().m_IsBRK, !row.gln) << row.device;
-        EXPECT_EQ(m_flows->m_workloadFile, row.workload) << row.device;
+        EXPECT_EQ(Engine().m_IsBRK, !row.isGln) << row.device;
+        const bool isReplaced = Read("log.txt").find("CRK Detected, Changing bitconfig file") != std::string::npos;
+        EXPECT_EQ(isReplaced, row.isCrk) << row.device;
+        Streams::AppStreams::OpenLogFile(Path("log.txt"));
     }
 }
 
-TEST_F(PluginTest, OnlyTheFrontEndVariantSendsObjectsAndItsAnswerIsEmptyAfterwards) {
+TEST_F(PluginTest, OnlyTheFrontEndVariantSendsObjects) {
     TarnWifiFlows plain(&m_host);
     plain.OutputObject("Type", "{}");
     EXPECT_TRUE(m_host.texts.empty());
     plain.Output("a");
     plain.OutputError("b");
-    Open<TarnWifiFlowsWeb> web(&m_host);
-    web.m_response = "half a body";
-    web.OutputObject("Clear Vesper Test Messages", "{}");
-    EXPECT_EQ(web.m_response, "");
+    TarnWifiFlowsWeb(&m_host).OutputObject("Clear Vesper Test Messages", "{}");
     EXPECT_EQ(m_host.texts, (std::vector<std::string>{"output a", "error b",
                                                       R"(object {"type": "Clear Vesper Test Messages", "data": {}})"}));
     TarnWifiFlowsWeb(nullptr).OutputObject("Type", "{}");  // a host may bring no object
@@ -291,7 +284,7 @@ TEST_F(PluginTest, ABadLineGivesItsExitCodeAndItsTextTwice) {
     EXPECT_EQ(Engine().m_ChannelAverageCounter[0], 7u);
     EXPECT_EQ(Engine().m_BandNoiseFloor[0], -91);
     Run("-band 6-7 -rbw abc");
-    EXPECT_EQ(m_flows->m_rxConfig.m_band, 2u);
+    EXPECT_EQ(Engine().m_Band, 2u);
 }
 
 TEST_F(PluginTest, ALineTakesEffectInTheOrderOfTheTableWhateverItsOwn) {

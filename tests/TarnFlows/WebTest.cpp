@@ -45,7 +45,7 @@ protected:
         m_air = "file:" + Path("air.txt");
         m_web.reset();
         Place(adapter);
-        m_web = std::make_unique<Open<TarnWifiFlowsWeb>>(&m_host);
+        m_web = std::make_unique<TarnWifiFlowsWeb>(&m_host);
         m_web->Init();
         m_host.texts.clear();
     }
@@ -61,7 +61,7 @@ protected:
     }
     static std::string Status(const std::string& text) { return R"({"status": ")" + text + R"("})"; }
 
-    std::unique_ptr<Open<TarnWifiFlowsWeb>> m_web;
+    std::unique_ptr<TarnWifiFlowsWeb> m_web;
     std::string m_output;  ///< text answer of the last line
 };
 
@@ -127,8 +127,9 @@ TEST_F(WebTest, ATriggerSendsEveryNumberOfItsChains) {
     EXPECT_EQ(sent[3], Object("Spectrum Data", "[" + spectrum + "]")[0]);
     EXPECT_EQ(sent[4], Object("IQ Amplitude Data", "[" + codes + "]")[0]);
     EXPECT_EQ(sent[5], Object("Histogram Data", "[" + histogram + "]")[0]);
-    EXPECT_EQ(Send("-update_channel_average"), Object("Spectrum Data Average", R"({"chain": "AB")" + average + "}"));
-    EXPECT_EQ(m_output, "");
+    EXPECT_EQ(Send("-get_channel_average -update_channel_average"),
+              Object("Spectrum Data Average", R"({"chain": "AB")" + average + "}"));
+    EXPECT_EQ(m_output, "");  // a message takes the text answer's place
 }
 
 TEST_F(WebTest, WithPlainOutputEveryLineAnswersAsThePlainVariantAndSendsNothing) {
@@ -154,9 +155,6 @@ TEST_F(WebTest, AnUpdateThatFailsGoesToTheErrorLine) {
     const Texts sent = Send("-update_spectrum");  // the power goes out first
     ASSERT_EQ(sent.size(), 2u);
     EXPECT_EQ(sent[1], "error Failed updating spectrum");
-    m_web->m_vesperTestInProgress = true;
-    EXPECT_EQ(Send("-update_spectrum").size(), 1u);
-    EXPECT_EQ(m_output, "ERROR:Failed updating spectrum\n");
 }
 
 TEST_F(WebTest, OnlyTheStatusOfTheGainIsEscaped) {
@@ -195,9 +193,11 @@ TEST_F(WebTest, ThePowerTableHoldsTheLastPowersOfEachChannelVisited) {
     m_web->SendPowerTableData();
     EXPECT_EQ(m_host.texts, Object("Power Table Data", "[]"));
     Send("-trigger_now");
+    Send("-get_power_per_chain A", true);
+    const std::string a = m_output;
     Send("-chain B -band 5.2 -channel 36 -trigger_now");
-    const auto& entries = m_web->m_freqPowerStore.GetEntries();
-    const std::string a = entries.begin()->second.chainA[0], b = entries.rbegin()->second.chainB[0];
+    Send("-get_power_per_chain B", true);
+    const std::string b = m_output;
     m_host.texts.clear();
     m_web->SendPowerTableData();
     EXPECT_EQ(
