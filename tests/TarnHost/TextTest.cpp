@@ -1,14 +1,10 @@
 // Texts in and out: command lines, scripts, records, tables.
 #include <gtest/gtest.h>
 
-#include <nlohmann/json.hpp>
-
 #include "Commands/CommandLine.h"
 #include "Console/Progress.h"
 #include "Console/ResultTable.h"
 #include "Console/TextWidth.h"
-#include "Exchange.h"
-#include "Lines/ConfigText.h"
 #include "Lines/KeyLine.h"
 
 using namespace TarnHost;
@@ -35,29 +31,6 @@ TEST(Script, APathIsQuotedUnlessNoQuotingCanSayIt) {
     EXPECT_EQ(QuotePath("-band"), "\"./-band\"");  // would be taken for the key
     EXPECT_FALSE(QuotePath("a\"b"));
     EXPECT_FALSE(QuotePath(""));
-}
-
-TEST(Record, HoldsEveryFieldAndReplacesWhatIsNoUtf8) {
-    Exchange exchange{"-a \"b\"", 256, "ERROR:\n\t\x01", "bad \xFF byte", "-a", ""};
-    KeepingReceiver received;
-    received.OutputObject("{\"x\":1}");
-    received.OutputError("trouble");
-    const auto record = nlohmann::json::parse(RecordText(exchange, received));
-    EXPECT_EQ(record["line"], "-a \"b\"");
-    EXPECT_EQ(record["exitCode"], 256);
-    EXPECT_EQ(record["output"], "ERROR:\n\t\x01");
-    EXPECT_EQ(record["error"], "bad \xEF\xBF\xBD byte");
-    EXPECT_EQ(record["left"], "-a");
-    EXPECT_EQ(record["messages"], nlohmann::json::array({"{\"x\":1}"}));
-    EXPECT_EQ(record["printed"], nlohmann::json::array());
-    EXPECT_EQ(record["printedErrors"], nlohmann::json::array({"trouble"}));
-    EXPECT_EQ(record.size(), 8U);
-}
-
-TEST(Record, AFailedLineAlwaysHasASentence) {
-    EXPECT_EQ(ErrorSentence({"x", 256, "ERROR:no\n", "no\r\n", "", "Error: no\n"}), "no");
-    EXPECT_EQ(ErrorSentence({"x", 256, "", "", "", "Error: pointer\n"}), "Error: pointer");
-    EXPECT_EQ(ErrorSentence({"x", 259, "", "", "", ""}), "failed with exit code 259");
 }
 
 constexpr const char* threeResults =
@@ -118,19 +91,6 @@ TEST(Progress, TellsRateAndRestOnceSomethingIsDone) {
     EXPECT_EQ(ProgressText(5, 10, Seconds(2)), "5 of 10 files, 2.5 files/s, 2 s left");
     EXPECT_EQ(ProgressText(10, 10010, Seconds(1)), "10 of 10010 files, 10.0 files/s, 17 min left");
     EXPECT_EQ(ProgressText(12, 10, Seconds(1)), "12 of 10 files, 12.0 files/s, 0 s left");
-}
-
-TEST(Config, CountsChannelsByBandAndWidth) {
-    const std::string head = "1\n2\n3\n4\n98304\n2\n02:00\n1.2\ndriver\n1.2.3.4\n5.6.7.8\n";
-    const auto config = ParseConfig(head + "(36,HB),1,1,1,0,0\n(37,UHB),1,0,0,0,0\n(40,HB),1,0,0,0,1\n");
-    ASSERT_TRUE(config);
-    EXPECT_EQ(config->macAddress, "02:00");
-    EXPECT_EQ(config->packetDriver, "5.6.7.8");
-    EXPECT_EQ(config->channels[1], (std::array<unsigned, 5>{2, 1, 1, 0, 1}));
-    EXPECT_EQ(config->channels[2][0], 1U);
-    for (const char* bad : {"(36,HB),1,1", "(36,XB),1,1,1,0,0", "no channel"})
-        EXPECT_FALSE(ParseConfig(head + bad)) << bad;
-    EXPECT_FALSE(ParseConfig("1\n2\n"));
 }
 
 TEST(Arguments, LinesBehindTheMarkArriveByteForByte) {

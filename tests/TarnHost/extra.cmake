@@ -1,7 +1,5 @@
 # The black-box tests run the built program, with the real plug-in or with one that behaves as a test wants.
 find_package(nlohmann_json 3.11 REQUIRED)
-add_library(fake_plugin MODULE ${folder}/fake/FakePlugin.cpp)
-target_link_libraries(fake_plugin PRIVATE TarnPluginInterface tarn_options)
 target_compile_definitions(test_TarnHost PRIVATE
   TARN_PROGRAM="$<TARGET_FILE:tarn>" FAKE_PLUGIN="$<TARGET_FILE:fake_plugin>")
 target_link_libraries(test_TarnHost PRIVATE nlohmann_json::nlohmann_json OSAL)

@@ -1,23 +1,47 @@
 #include "HostMain.h"
 
+#include <cstdlib>
 #include <exception>
 
 #include "Commands/CommandLine.h"
+#include "Console/Supervisor.h"
 
 namespace TarnHost {
 namespace {
 
-ExitStatus RunRequest(const Request& request, Console& console) {
-    if (request.command) {
-        InterruptWatch watch;
-        Context context{console, watch, request.host};
-        return std::visit([&](const auto& options) { return Execute(options, context); }, *request.command);
+ExitStatus FinishOutput(ExitStatus status, Console& console);
+
+/// Runs the command, and ends the process itself where a thread of it can't be ended.
+ExitStatus RunCommand(const Request& request, Console& console) {
+    InterruptWatch watch;
+    Context context{console, watch, request.host};
+    const auto status = RunWatched(watch, [&]() -> ExitStatus {
+        try {
+            return FinishOutput(
+                std::visit([&](const auto& options) { return Execute(options, context); }, *request.command), console);
+        } catch (const std::bad_alloc&) {
+            console.Say("out of memory");
+        } catch (const std::exception& error) {
+            console.Say(std::string("internal error: ") + error.what());
+        }
+        return Failed;
+    });
+    if (!status) {
+        Console own;  // the command's may be in use
+        own.Say("interrupted");
+        std::_Exit(watch.Status());
     }
+    if (context.hasAbandoned) std::_Exit(*status);
+    return *status;
+}
+
+ExitStatus RunRequest(const Request& request, Console& console) {
+    if (request.command) return RunCommand(request, console);
     if (request.status == Success)
         console.out.Write(request.text);
     else
         console.Say(request.text);
-    return request.status;
+    return FinishOutput(request.status, console);
 }
 
 /// What became of standard output decides last: data that didn't arrive is a failure, a reader that left isn't one to
@@ -34,9 +58,9 @@ ExitStatus FinishOutput(ExitStatus status, Console& console) {
 
 }  // namespace
 
-ExitStatus Refuse(const Failure& failure, Context& context) {
-    context.console.Say(failure.message);
-    return failure.status;
+ExitStatus Refuse(const std::string& reason, Context& context, ExitStatus status) {
+    context.console.Say(reason);
+    return status;
 }
 
 ExitStatus CheckRadio(ExitStatus status, Context& context) {
@@ -49,13 +73,7 @@ ExitStatus CheckRadio(ExitStatus status, Context& context) {
 int Main(std::vector<std::string> arguments) {
     OccupyStandardDescriptors();
     Console console;
-    ExitStatus status = Failed;
-    try {
-        status = RunRequest(ParseArguments(std::move(arguments)), console);
-    } catch (const std::exception& error) {
-        console.Say(std::string("internal error: ") + error.what());
-    }
-    return FinishOutput(status, console);
+    return RunRequest(ParseArguments(std::move(arguments)), console);
 }
 
 }  // namespace TarnHost

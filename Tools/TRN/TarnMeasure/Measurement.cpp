@@ -107,12 +107,15 @@ public:
 
     ChannelResult& Result() { return m_result; }
     const std::string& Trouble() const { return m_trouble; }
+    bool IsInterrupted() const { return m_isInterrupted; }
 
 private:
     bool Run(const std::string& line) {
+        if (m_isInterrupted) return false;
         Answer answer = m_run(line);
+        m_isInterrupted = answer.interrupted;
         m_text = std::move(answer.text);
-        return answer.ok || Fail(m_text);
+        return answer.ok || (!m_isInterrupted && Fail(m_text));
     }
 
     bool Fail(const std::string& why) {
@@ -172,6 +175,7 @@ private:
     std::vector<double> m_linearSum;
     std::string m_text;
     std::string m_trouble;
+    bool m_isInterrupted = false;
 };
 
 std::vector<std::string> SetupLines(const Request& request) {
@@ -290,6 +294,7 @@ Result Measure(const Request& request, const RunLine& run, const Progress& progr
         std::string trouble = channelRun.Trouble();
         if (!channelRun.Finish() && trouble.empty()) trouble = channelRun.Trouble();
         if (channelRun.Result().sweeps > 0) result.channels.push_back(std::move(channelRun.Result()));
+        result.interrupted = result.interrupted || channelRun.IsInterrupted();
         if (!trouble.empty()) return refuse(trouble);
         if (result.interrupted) return result;
     }

@@ -62,6 +62,7 @@ struct Result {
 struct Answer {
     bool ok = false;
     std::string text;
+    bool interrupted = false;  ///< given up before it answered: no further line may follow
 };
 using RunLine = std::function<Answer(const std::string& line)>;
 

@@ -43,13 +43,13 @@ std::string MissingParameter(std::string_view name) {
     return {};
 }
 
-Result<std::vector<FolderEntry>> ListCaptures(const fs::path& folder) {
+OSAL::Outcome<std::vector<FolderEntry>> ListCaptures(const fs::path& folder) {
     std::error_code error;
     const std::string quoted = "'" + folder.string() + "'";
-    if (!fs::exists(folder, error)) return Failure{"there is no folder " + quoted};
-    if (!fs::is_directory(folder, error)) return Failure{quoted + " is no folder"};
+    if (!fs::exists(folder, error)) return OSAL::Refusal{"there is no folder " + quoted};
+    if (!fs::is_directory(folder, error)) return OSAL::Refusal{quoted + " is no folder"};
     if (::access(folder.c_str(), R_OK | X_OK) != 0)
-        return Failure{"can't read the folder " + quoted + ": " + SystemText(errno)};
+        return OSAL::Refusal{"can't read the folder " + quoted + ": " + SystemText(errno)};
     std::vector<FolderEntry> entries;
     for (const std::string& name : OSAL::ListDirectory(folder.string()))
         entries.push_back({name, SkipReason(folder, name)});

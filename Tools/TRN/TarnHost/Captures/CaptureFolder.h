@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Outcome.h"
+#include "OSAL/Outcome.h"
 
 namespace TarnHost {
 
@@ -20,7 +20,7 @@ struct FolderEntry {
 std::string MissingParameter(std::string_view name);
 
 /// The folder's entries in the order in which the analysis meets them, without `result.csv`.
-Result<std::vector<FolderEntry>> ListCaptures(const std::filesystem::path& folder);
+OSAL::Outcome<std::vector<FolderEntry>> ListCaptures(const std::filesystem::path& folder);
 
 /// Why the analysis couldn't write its results into the folder; empty when it can.
 std::string WhyNotWritable(const std::filesystem::path& folder);

@@ -22,23 +22,23 @@ CaptureDescriptorB OldDescriptor(std::uint32_t selector) {
 
 }  // namespace
 
-Result<RadioCapture> RadioCapture::Open() {
+OSAL::Outcome<RadioCapture> RadioCapture::Open() {
     RadioCapture radio(CommandFactory::GetInstance().getWifiInstance());
-    const auto failure = Guarded(NoAdapter, "can't open the adapter", [&] {
+    const auto step = TarnSession::Guarded("can't open the adapter", [&] {
         radio.m_adc = radio.m_wifi->GetAdcObject();
         radio.m_abilities = {radio.m_wifi->GetHwType(), radio.m_wifi->GetCardType(),
                              radio.m_wifi->GetDeviceInfo()->GetAntennaMask(),
                              CommandFactory::GetInstance().getNvmInstance()};
     });
-    if (failure) return *failure;
+    if (!step) return step.Why();
     return radio;
 }
 
-Result<std::vector<PlanEntry>> RadioCapture::Plan() {
+OSAL::Outcome<std::vector<PlanEntry>> RadioCapture::Plan() {
     std::vector<PlanEntry> plan;
-    const auto failure =
-        Guarded(Failed, "can't ask the adapter for its channels", [&] { plan = MakeCapturePlan(m_abilities); });
-    if (failure) return *failure;
+    const auto step =
+        TarnSession::Guarded("can't ask the adapter for its channels", [&] { plan = MakeCapturePlan(m_abilities); });
+    if (!step) return step.Why();
     return plan;
 }
 
@@ -96,18 +96,18 @@ bool RadioCapture::Read(const PlanEntry& entry, Samples& samples) {
     return m_adc->ReadCaptureEx(request, i.data(), q.data(), metadata.data());
 }
 
-Result<Samples> RadioCapture::Capture(const PlanEntry& entry) {
+OSAL::Outcome<Samples> RadioCapture::Capture(const PlanEntry& entry) {
     Samples samples;
     bool isRead = false;
-    const auto failure = Guarded(Failed, "the radio failed", [&] {
+    const auto step = TarnSession::Guarded("the radio failed", [&] {
         m_adc->SetCaptureMode(true);
         TuneTo(entry);
         SetHighestGain();
         isRead = Read(entry, samples);
         m_adc->SetCaptureMode(false);
     });
-    if (failure) return *failure;
-    if (!isRead) return Failure{"the radio captured nothing"};
+    if (!step) return step.Why();
+    if (!isRead) return OSAL::Refusal{"the radio captured nothing"};
     return samples;
 }
 

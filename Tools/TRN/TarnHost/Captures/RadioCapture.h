@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "Captures/CapturePlan.h"
-#include "Outcome.h"
+#include "OSAL/Outcome.h"
 #include "QuayCommands.h"
 
 namespace TarnHost {
@@ -19,12 +19,12 @@ struct Samples {
 /// Thread: one at a time.
 class RadioCapture {
 public:
-    static Result<RadioCapture> Open();
+    static OSAL::Outcome<RadioCapture> Open();
 
     const AdapterAbilities& Abilities() const { return m_abilities; }
-    Result<std::vector<PlanEntry>> Plan();
+    OSAL::Outcome<std::vector<PlanEntry>> Plan();
     /// One capture with gain index 0 and without pre-LNA resistor, which is what an analysis of files assumes.
-    Result<Samples> Capture(const PlanEntry& entry);
+    OSAL::Outcome<Samples> Capture(const PlanEntry& entry);
 
 private:
     explicit RadioCapture(quayCommand::IWifiCommands* wifi) : m_wifi(wifi) {}

@@ -4,8 +4,6 @@
 #include <charconv>
 #include <cmath>
 
-#include "OSAL/WholeFile.h"
-
 namespace TarnHost {
 namespace {
 
@@ -27,11 +25,6 @@ std::string SampleText(const Samples& samples) {
         text += '\n';
     }
     return text;
-}
-
-std::optional<Failure> WriteWhole(const std::filesystem::path& path, const std::string& text) {
-    if (const auto written = OSAL::WriteWholeFile(path, text); !written) return Failure{written.Reason()};
-    return std::nullopt;
 }
 
 }  // namespace TarnHost

@@ -4,16 +4,19 @@
 #include <set>
 
 #include "Captures/CaptureFolder.h"
-#include "Commands/Commands.h"
+#include "Commands/HostSession.h"
 #include "Console/Progress.h"
 #include "Console/ResultTable.h"
 #include "Console/TextWidth.h"
 #include "Lines/KeyLine.h"
+#include "Record.h"
 
 namespace TarnHost {
 namespace {
 
 namespace fs = std::filesystem;
+using TarnSession::Exchange;
+using TarnSession::Session;
 
 std::string Quoted(const std::string& name) {
     return "'" + Printable(name) + "'";
@@ -35,8 +38,9 @@ public:
     ExitStatus Run();
 
 private:
-    std::optional<Failure> Check();
-    Exchange Scan(Session& session);
+    OSAL::Outcome<> Check();
+    /// Nothing when a signal ended it.
+    std::optional<Exchange> Scan(Session& session);
     ExitStatus Report(const Exchange& exchange);
     ExitStatus PrintRows();
     void SaySkipped();
@@ -53,20 +57,17 @@ private:
     std::vector<ResultRow> m_rows;
 };
 
-std::optional<Failure> FolderAnalysis::Check() {
+OSAL::Outcome<> FolderAnalysis::Check() {
     const auto token = QuotePath(m_folder);
-    if (!token) {
-        if (m_folder.empty()) return Failure{"the folder's name is empty", WrongUsage};
-        return Failure{"a path with a double quote can't be passed to the plug-in: " + Quoted(m_folder)};
-    }
+    if (!token) return OSAL::Refusal{"a path with a double quote can't be passed to the plug-in: " + Quoted(m_folder)};
     m_line = "-read_adc_samples_from_file " + *token;
     auto entries = ListCaptures(m_folder);
     if (!entries) return entries.Why();
     m_entries = std::move(*entries);
-    if (m_entries.empty()) return std::nullopt;
+    if (m_entries.empty()) return {};
     if (const std::string reason = WhyNotWritable(m_folder); !reason.empty())
-        return Failure{"can't write " + Quoted(m_resultFile.string()) + ": " + reason};
-    return std::nullopt;
+        return OSAL::Refusal{"can't write " + Quoted(m_resultFile.string()) + ": " + reason};
+    return {};
 }
 
 std::size_t FolderAnalysis::Analysable() const {
@@ -74,17 +75,18 @@ std::size_t FolderAnalysis::Analysable() const {
         std::ranges::count_if(m_entries, [](const FolderEntry& entry) { return entry.skipReason.empty(); }));
 }
 
-Exchange FolderAnalysis::Scan(Session& session) {
+std::optional<Exchange> FolderAnalysis::Scan(Session& session) {
     AnalysisProgress progress(m_context.console.err, m_resultFile, Analysable());
     // The scan can't be stopped from outside, and each file's line is on the disk once the file is done: a signal may
     // end the process at any time.
-    const InterruptWatch::Blocking blocking(m_context.watch, std::chrono::milliseconds(0), [&] {
-        progress.Stop();
-        PrintRows();
-        m_context.console.Say("interrupted: " + Files(m_rows.size()) + " of " + std::to_string(Analysable()) +
-                              " analysed, kept in " + Quoted(m_resultFile.string()));
-    });
-    return session.Run(m_line);
+    auto exchange = PendingLine(session, m_line).Wait(m_context.watch);
+    progress.Stop();
+    if (exchange) return exchange;
+    AbandonLine(session, m_context);
+    PrintRows();
+    m_context.console.Say("interrupted: " + Files(m_rows.size()) + " of " + std::to_string(Analysable()) +
+                          " analysed, kept in " + Quoted(m_resultFile.string()));
+    return std::nullopt;
 }
 
 ExitStatus FolderAnalysis::PrintRows() {
@@ -135,18 +137,18 @@ ExitStatus FolderAnalysis::Report(const Exchange& exchange) {
 }
 
 ExitStatus FolderAnalysis::Run() {
-    if (const auto failure = Check()) return Refuse(*failure, m_context);
-    KeepingReceiver receiver;
-    auto session = Session::Open(m_context.options, {}, receiver);
-    if (!session) return Refuse(session.Why(), m_context);
+    if (const auto check = Check(); !check) return Refuse(check.Reason(), m_context);
+    TarnSession::KeepingSink sink;
+    const auto [session, status] = OpenSession({}, sink, m_context);
+    if (!session) return status;
     if (m_entries.empty()) {
         m_context.console.Say("there are no files in " + Quoted(m_folder));
         return Success;
     }
-    (*session)->Run("");  // takes away what the start left to say
+    session->Run("");  // takes away what the start left to say
     if (m_context.watch.IsRequested()) return m_context.watch.Status();
-    const Exchange exchange = Scan(**session);
-    return CheckRadio(Report(exchange), m_context);
+    const auto exchange = Scan(*session);
+    return exchange ? CheckRadio(Report(*exchange), m_context) : m_context.watch.Status();
 }
 
 }  // namespace

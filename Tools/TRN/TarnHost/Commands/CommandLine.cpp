@@ -2,10 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <filesystem>
 
 #include "ChannelPlan.h"
 #include "CmdLine/CmdLine.h"
 #include "KeyTable.h"
+#include "Picture.h"
 
 namespace TarnHost {
 namespace {
@@ -178,6 +180,17 @@ std::optional<std::string> ForbiddenKey(const std::string& line) {
     return std::nullopt;
 }
 
+std::optional<std::string> WrongFiles(const MeasureOptions& options) {
+    namespace fs = std::filesystem;
+    if (!options.picture.empty() && !TarnMeasure::IsPicturePath(options.picture))
+        return "'" + options.picture + "': a picture's ending is .png, .svg or .pdf";
+    std::error_code ignored;
+    const auto place = [&](const std::string& path) { return fs::weakly_canonical(fs::absolute(path), ignored); };
+    if (!options.picture.empty() && !options.csv.empty() && place(options.picture) == place(options.csv))
+        return "--picture and --csv name the same file";
+    return std::nullopt;
+}
+
 std::string UsageError(const CLI::App& app, const std::string& reason) {
     const auto chosen = app.get_subcommands();
     const std::string command = chosen.empty() ? "" : " " + chosen.front()->get_name();
@@ -231,7 +244,9 @@ Request ParseArguments(std::vector<std::string> arguments) {
         request.text = UsageError(app, reason);
         request.status = WrongUsage;
     };
-    if (*analyseCommand) {
+    if (*analyseCommand && analyse.folder.empty()) {
+        refuse("the folder's name is empty");
+    } else if (*analyseCommand) {
         request.command = analyse;
     } else if (*runCommand && run.lines.empty() && run.script.empty()) {
         refuse("run needs command lines behind --, or a --script");
@@ -245,6 +260,8 @@ Request ParseArguments(std::vector<std::string> arguments) {
         request.command = info;
     } else if (const auto key = ForbiddenKey(measure.request.setup); *measureCommand && key) {
         refuse("--keys: " + *key + " isn't for this line: the measurement itself sets what it sets");
+    } else if (const auto reason = WrongFiles(measure); *measureCommand && reason) {
+        refuse(*reason);
     } else if (*measureCommand) {
         request.command = measure;
     } else if (*shellCommand) {

@@ -8,15 +8,22 @@
 #include "Console/InterruptWatch.h"
 #include "Console/Terminal.h"
 #include "Measurement.h"
-#include "Session.h"
+#include "RadioSetup.h"
 
 namespace TarnHost {
+
+/// The options that every command takes.
+struct HostOptions {
+    quayCommand::RadioSetup radio;
+    std::string logPath;  ///< empty: no log
+};
 
 /// What every command works with.
 struct Context {
     Console& console;
     InterruptWatch& watch;
     HostOptions options;
+    bool hasAbandoned = false;  ///< a line runs on in the plug-in: the process ends without looking back
 };
 
 struct AnalyseOptions {
@@ -87,8 +94,8 @@ inline ExitStatus Execute(const ShellOptions& options, Context& context) {
     return RunShell(options, context);
 }
 
-/// Says why a command ends early.
-ExitStatus Refuse(const Failure& failure, Context& context);
+/// Says why a command ends early. @return `status`
+ExitStatus Refuse(const std::string& reason, Context& context, ExitStatus status = Failed);
 
 /// Looks once more at the radio when a command is done: a radio in trouble turns success into failure.
 ExitStatus CheckRadio(ExitStatus status, Context& context);

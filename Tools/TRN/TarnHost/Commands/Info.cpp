@@ -1,9 +1,9 @@
 #include <filesystem>
 
 #include "Captures/CapturePlan.h"
-#include "Commands/Commands.h"
-#include "Commands/Kernel.h"
-#include "Lines/ConfigText.h"
+#include "Commands/HostSession.h"
+#include "Kernel.h"
+#include "Record.h"
 
 namespace TarnHost {
 namespace {
@@ -29,24 +29,21 @@ void InfoPrinter::Line(std::string_view label, const std::string& text) {
 
 /// What only the plug-in can tell.
 ExitStatus InfoPrinter::PrintDevice() {
-    KeepingReceiver receiver;
-    auto session = Session::Open(m_context.options, {}, receiver);
-    if (!session) return Refuse(session.Why(), m_context);
-    Line("plug-in", (*session)->PluginPath());
+    TarnSession::KeepingSink sink;
+    const auto [session, status] = OpenSession({}, sink, m_context);
+    if (!session) return status;
+    Line("plug-in", session->PluginPath());
     Line("adapter", quayCommand::DescribeAdapter());
-    Line("air", quayCommand::DescribeAir());
-    (*session)->Run("");  // takes away what the start left to say
-    const Exchange exchange = (*session)->Run("-get_supported_config");
-    const auto config = ParseConfig(exchange.output);
-    if (exchange.exitCode != 0 || !config)
-        return Refuse({"the plug-in doesn't tell its configuration: " + ErrorSentence(exchange)}, m_context);
-    Line("MAC", config->macAddress);
-    Line("versions", "microcode " + config->ucode + ", driver " + config->driver + ", USC " + config->usc +
-                         ", packet driver " + config->packetDriver);
-    for (std::uint32_t band = 0; band < config->channels.size(); ++band) {
+    Line("air", session->AirText());
+    const auto facts = session->Adapter();
+    if (!facts) return Refuse(facts.Reason(), m_context);
+    Line("MAC", facts->macAddress);
+    Line("versions", "microcode " + facts->ucode + ", driver " + facts->driver + ", USC " + facts->usc +
+                         ", packet driver " + facts->packetDriver);
+    for (std::uint32_t band = 0; band < facts->channels.size(); ++band) {
         std::string text;
-        for (std::uint32_t width = 0; width < config->channels[band].size(); ++width) {
-            if (const unsigned count = config->channels[band][width])
+        for (std::uint32_t width = 0; width < facts->channels[band].size(); ++width) {
+            if (const std::size_t count = facts->channels[band][width].size())
                 text += (text.empty() ? "" : ", ") + std::to_string(count) + " at " +
                         std::to_string(RadioFacts::WidthMhz(width)) + " MHz";
         }
@@ -60,7 +57,7 @@ ExitStatus InfoPrinter::Print() {
     Line("tarn", TARN_VERSION);
     const std::string& log = m_context.options.logPath;
     Line("log", log.empty() ? "none (--log FILE opens one)" : std::filesystem::absolute(log).string());
-    if (!CheckKernel()) Line("kernel", DescribeKernel());
+    if (TarnSession::CheckKernel()) Line("kernel", TarnSession::DescribeKernel());
     return CheckRadio(PrintDevice(), m_context);
 }
 
@@ -68,7 +65,7 @@ ExitStatus InfoPrinter::Print() {
 
 ExitStatus Info(const InfoOptions& options, Context& context) {
     if (!options.kernelsOnly) return InfoPrinter(context).Print();
-    context.console.out.Write(KernelNames("\n") + "\n");
+    context.console.out.Write(TarnSession::KernelNames("\n") + "\n");
     return Success;
 }
 

@@ -1,52 +1,51 @@
-#include <fstream>
+#include <filesystem>
 
-#include "Captures/SampleFile.h"
-#include "Commands/Commands.h"
+#include "Commands/HostSession.h"
 #include "Console/Progress.h"
+#include "OSAL/WholeFile.h"
 #include "Picture.h"
+#include "Record.h"
 #include "Report.h"
 
 namespace TarnHost {
 namespace {
 
 namespace fs = std::filesystem;
+using TarnSession::Session;
+
+/// How long a line may take to end after Ctrl-C before it is given up.
+constexpr auto lineGrace = std::chrono::milliseconds(300);
 
 /// Why a file can't be written there, as far as it shows before the measurement.
-std::optional<Failure> CheckPlace(const std::string& path) {
-    if (path.empty()) return std::nullopt;
+OSAL::Outcome<> CheckPlace(const std::string& path) {
+    if (path.empty()) return {};
     std::error_code ignored;
-    if (fs::is_directory(path, ignored)) return Failure{"can't write '" + path + "': it is a folder"};
+    if (fs::is_directory(path, ignored)) return OSAL::Refusal{"can't write '" + path + "': it is a folder"};
     const fs::path folder = fs::absolute(path, ignored).parent_path();
     if (!fs::is_directory(folder, ignored))
-        return Failure{"can't write '" + path + "': there is no folder '" + folder.string() + "'"};
-    return std::nullopt;
+        return OSAL::Refusal{"can't write '" + path + "': there is no folder '" + folder.string() + "'"};
+    return {};
 }
 
 /// Wrong files cost nobody a measurement.
-std::optional<Failure> CheckFiles(const MeasureOptions& options) {
-    if (!options.picture.empty() && !TarnMeasure::IsPicturePath(options.picture))
-        return Failure{"'" + options.picture + "': a picture's ending is .png, .svg or .pdf", WrongUsage};
-    std::error_code ignored;
-    if (!options.picture.empty() && !options.csv.empty() &&
-        fs::weakly_canonical(fs::absolute(options.picture), ignored) ==
-            fs::weakly_canonical(fs::absolute(options.csv), ignored))
-        return Failure{"--picture and --csv name the same file", WrongUsage};
-    if (auto failure = CheckPlace(options.picture)) return failure;
-    return CheckPlace(options.csv);
+OSAL::Outcome<> CheckFiles(const MeasureOptions& options) {
+    auto picture = CheckPlace(options.picture);
+    return picture ? CheckPlace(options.csv) : picture;
 }
 
 /// One line of keys for the measurement; the error as a sentence.
-TarnMeasure::Answer RunKeys(Session& session, const std::string& line) {
-    const Exchange exchange = session.Run(line);
-    if (exchange.exitCode != 0) return {false, ErrorSentence(exchange)};
-    return {true, exchange.output};
+TarnMeasure::Answer RunKeys(Session& session, const std::string& line, Context& context) {
+    const auto exchange = PendingLine(session, line).Wait(context.watch, lineGrace);
+    if (!exchange) return {false, {}, true};
+    if (exchange->exitCode != 0) return {false, ErrorSentence(*exchange)};
+    return {true, exchange->output};
 }
 
 TarnMeasure::Result MeasureWithProgress(const TarnMeasure::Request& request, Session& session, Context& context) {
     StatusLine status(context.console.err);
     const auto start = std::chrono::steady_clock::now();
     return TarnMeasure::Measure(
-        request, [&](const std::string& line) { return RunKeys(session, line); },
+        request, [&](const std::string& line) { return RunKeys(session, line, context); },
         [&](std::size_t done, std::size_t total, const std::string& what) {
             const auto elapsed = std::chrono::steady_clock::now() - start;
             status.Show(what + (what.empty() ? "" : ": ") + ProgressText(done, total, elapsed, "sweeps"));
@@ -56,6 +55,7 @@ TarnMeasure::Result MeasureWithProgress(const TarnMeasure::Request& request, Ses
 
 /// Files first: a closed reader of standard output must not cost the person the files asked for.
 bool WriteFiles(const TarnMeasure::Result& result, const MeasureOptions& options, Context& context) {
+    const InterruptWatch::Finishing finishing(context.watch);
     bool isFine = true;
     const auto report = [&](const std::string& path, const std::optional<std::string>& failure) {
         isFine = isFine && !failure;
@@ -63,8 +63,8 @@ bool WriteFiles(const TarnMeasure::Result& result, const MeasureOptions& options
     };
     if (!options.picture.empty()) report(options.picture, TarnMeasure::WritePicture(result, options.picture));
     if (!options.csv.empty()) {
-        const auto failure = WriteWhole(options.csv, TarnMeasure::CsvText(result));
-        report(options.csv, failure ? std::optional(failure->message) : std::nullopt);
+        const auto written = OSAL::WriteWholeFile(options.csv, TarnMeasure::CsvText(result));
+        report(options.csv, written ? std::nullopt : std::optional(written.Reason()));
     }
     return isFine;
 }
@@ -72,11 +72,12 @@ bool WriteFiles(const TarnMeasure::Result& result, const MeasureOptions& options
 }  // namespace
 
 ExitStatus Measure(const MeasureOptions& options, Context& context) {
-    if (const auto failure = CheckFiles(options)) return Refuse(*failure, context);
-    KeepingReceiver receiver;
-    auto session = Session::Open(context.options, {}, receiver);
-    if (!session) return Refuse(session.Why(), context);
-    const TarnMeasure::Result result = MeasureWithProgress(options.request, **session, context);
+    if (const auto check = CheckFiles(options); !check) return Refuse(check.Reason(), context);
+    TarnSession::KeepingSink sink;
+    const auto [session, status] = OpenSession({}, sink, context);
+    if (!session) return status;
+    const TarnMeasure::Result result = MeasureWithProgress(options.request, *session, context);
+    if (session->Busy()) AbandonLine(*session, context);
     if (result.trouble) context.console.Say(*result.trouble);
     const bool isEmpty = result.channels.empty();
     if (result.interrupted)

@@ -1,13 +1,17 @@
 #include <memory>
 
-#include "Commands/Commands.h"
+#include "Commands/HostSession.h"
 #include "Lines/ScriptReader.h"
+#include "Record.h"
 
 namespace TarnHost {
 namespace {
 
-/// How long a running command line may take to end after Ctrl-C before the process ends without it.
-constexpr auto interruptGrace = std::chrono::seconds(1);
+using TarnSession::Exchange;
+using TarnSession::Session;
+
+/// How long a running command line may take to end after Ctrl-C before it is given up.
+constexpr auto interruptGrace = std::chrono::milliseconds(500);
 
 /// Runs one line after the other until one fails, the reader of the answers is gone, or a signal comes.
 class LineRunner {
@@ -18,7 +22,10 @@ public:
     ExitStatus Run();
 
 private:
-    Receiver& TheReceiver() { return m_options.record ? static_cast<Receiver&>(m_keeping) : m_passing; }
+    TarnSession::ISink& Sink() {
+        if (m_options.record) return m_keeping;
+        return m_passing;
+    }
     std::optional<ExitStatus> RunAll(Session& session);
     std::optional<ExitStatus> RunScript(Session& session, ScriptReader& reader);
     /// False when no further line shall run.
@@ -27,8 +34,8 @@ private:
 
     const RunOptions& m_options;
     Context& m_context;
-    PassingReceiver m_passing;
-    KeepingReceiver m_keeping;
+    PassingSink m_passing;
+    TarnSession::KeepingSink m_keeping;
     bool m_hasFailed = false;
 };
 
@@ -45,24 +52,22 @@ void LineRunner::Show(const Exchange& exchange, const std::string& place) {
     // A failed line's output is the error once more behind "ERROR:"; a person reads it once, here.
     if (exchange.exitCode != 0) {
         console.Say(place + ": " + ErrorSentence(exchange));
-    } else if (!exchange.warning.empty()) {
-        console.Say(place + ": " + exchange.warning.substr(0, exchange.warning.find_last_not_of("\r\n") + 1));
+    } else {
+        SayWarnings(exchange, place, m_context);
     }
 }
 
 bool LineRunner::RunOne(Session& session, const std::string& line, const std::string& place) {
     if (m_context.watch.IsRequested() || !m_context.console.out.Ok()) return false;
-    Exchange exchange;
-    {
-        const InterruptWatch::Blocking blocking(m_context.watch, interruptGrace, [&] {
-            Console own;  // the context's may be in use by the call
-            own.Say("interrupted while " + place + " ran");
-        });
-        exchange = session.Run(line, {m_options.plainOutput});
+    const auto exchange = PendingLine(session, line, {m_options.plainOutput}).Wait(m_context.watch, interruptGrace);
+    if (!exchange) {
+        AbandonLine(session, m_context);
+        m_context.console.Say("interrupted while " + place + " ran");
+        return false;
     }
-    Show(exchange, place);
-    if (exchange.exitCode != 0) m_hasFailed = true;
-    return exchange.exitCode == 0 || m_options.keepGoing;
+    Show(*exchange, place);
+    if (exchange->exitCode != 0) m_hasFailed = true;
+    return exchange->exitCode == 0 || m_options.keepGoing;
 }
 
 std::optional<ExitStatus> LineRunner::RunScript(Session& session, ScriptReader& reader) {
@@ -84,14 +89,16 @@ ExitStatus LineRunner::Run() {
     std::optional<ScriptReader> reader;
     if (!m_options.script.empty()) {
         auto opened = ScriptReader::Open(m_options.script, m_context.watch);
-        if (!opened) return Refuse(opened.Why(), m_context);
+        if (!opened) return Refuse(opened.Reason(), m_context);
         reader.emplace(std::move(*opened));
     }
-    auto session = Session::Open(m_context.options, {m_options.isFrontEnd}, TheReceiver());
-    if (!session) return Refuse(session.Why(), m_context);
-    const auto trouble = reader ? RunScript(**session, *reader) : RunAll(**session);
+    TarnSession::Options options;
+    options.isFrontEnd = m_options.isFrontEnd;
+    const auto [session, status] = OpenSession(options, Sink(), m_context);
+    if (!session) return status;
+    const auto trouble = reader ? RunScript(*session, *reader) : RunAll(*session);
     if (m_context.watch.IsRequested()) {
-        m_context.console.Say("interrupted");
+        if (!m_context.hasAbandoned) m_context.console.Say("interrupted");
         return m_context.watch.Status();
     }
     return CheckRadio(trouble.value_or(m_hasFailed ? Failed : Success), m_context);

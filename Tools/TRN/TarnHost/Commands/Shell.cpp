@@ -3,15 +3,17 @@
 #include <memory>
 #include <thread>
 
-#include "Commands/Commands.h"
+#include "Commands/HostSession.h"
 #include "Console/LineEditor.h"
 #include "Console/Present.h"
 #include "Lines/SettingsMemory.h"
 #include "Lines/ShellHelp.h"
-#include "PluginWorker.h"
 
 namespace TarnHost {
 namespace {
+
+using TarnSession::Session;
+using TarnSession::Step;
 
 /// Splits the first word off.
 std::pair<std::string, std::string> FirstWord(const std::string& text) {
@@ -24,12 +26,12 @@ std::pair<std::string, std::string> FirstWord(const std::string& text) {
 
 class Shell {
 public:
-    explicit Shell(Context& context) : m_context(context), m_receiver(context.console) {}
+    explicit Shell(Context& context) : m_context(context), m_sink(context.console) {}
 
     ExitStatus Run();
 
 private:
-    std::optional<Failure> Open(const HostOptions& options);
+    OSAL::Outcome<> Open(const HostOptions& options);
     bool RunLine(const std::string& line);
     void RunOwn(const std::string& command, const std::string& rest);
     bool RunKeys(const std::string& line);
@@ -50,58 +52,62 @@ private:
     bool TakeInterrupt();
 
     Context& m_context;
-    PassingReceiver m_receiver;
+    PassingSink m_sink;
     HostOptions m_options;
-    std::unique_ptr<PluginWorker> m_worker;
-    std::string m_running;      ///< line whose answer is waited for
-    SettingsMemory m_settings;  ///< of the lines that succeeded since the adapter was opened
+    std::unique_ptr<Session> m_session;
+    std::optional<PendingLine> m_running;  ///< line whose answer wasn't taken
+    Step m_step = Step::Kernel;            ///< how far the last opening came
+    SettingsMemory m_settings;             ///< of the lines that succeeded since the adapter was opened
     bool m_isRaw = false;
     bool m_isEditing = false;
     bool m_isQuitting = false;
     bool m_hasFailed = false;
 };
 
-std::optional<Failure> Shell::Open(const HostOptions& options) {
-    m_worker.reset();  // one adapter at a time
-    auto worker = PluginWorker::Open(options, {}, m_receiver);
-    if (!worker) return worker.Why();
-    m_worker = std::move(*worker);
+OSAL::Outcome<> Shell::Open(const HostOptions& options) {
+    m_session.reset();  // one adapter at a time
+    TarnSession::Options opening;
+    opening.radio = options.radio;
+    opening.logPath = options.logPath;
+    auto session = Session::Open(opening, m_sink, [this](Step step) { m_step = step; });
+    if (!session) return session.Why();
+    m_session = std::move(*session);
     m_options = options;
     m_settings = {};
-    return std::nullopt;
+    return {};
 }
 
 bool Shell::TakeInterrupt() {
-    if (!m_context.watch.IsRequested() || m_context.watch.Status() == Terminated) return false;
+    if (!m_context.watch.IsRequested() || m_context.watch.Status() != Interrupted) return false;
     m_context.watch.Forget();
     return true;
 }
 
 /// Waits for the running line and shows what came of it. False after Ctrl-C or a failed line.
 bool Shell::TakeAnswer() {
-    const auto answer = m_worker->Wait(m_context.watch);
+    const std::string line = m_running->Line();
+    const auto answer = m_running->Wait(m_context.watch);
     if (!answer) {
-        TakeInterrupt();
-        Say("'" + m_running + "' goes on in the background; the next line waits for it");
+        if (TakeInterrupt()) Say("'" + line + "' goes on in the background; the next line waits for it");
         return false;
     }
+    m_running.reset();
     if (answer->exitCode != 0) {
         m_hasFailed = true;
         Say(ErrorSentence(*answer));
         return false;
     }
-    m_settings.Take(m_running);
+    m_settings.Take(line);
     Print(m_isRaw || !m_isEditing
               ? answer->output + (answer->output.empty() || answer->output.ends_with('\n') ? "" : "\n")
-              : Readable(m_running, answer->output));
-    if (!answer->warning.empty()) Say(answer->warning.substr(0, answer->warning.find_last_not_of("\r\n") + 1));
+              : Readable(line, answer->output));
+    SayWarnings(*answer, "", m_context);
     return true;
 }
 
 bool Shell::RunKeys(const std::string& line) {
-    if (m_worker->IsBusy() && !TakeAnswer() && m_worker->IsBusy()) return false;
-    m_running = line;
-    m_worker->Start(line);
+    if (m_running && !TakeAnswer() && m_running) return false;
+    m_running.emplace(*m_session, line);
     return TakeAnswer();
 }
 
@@ -125,10 +131,10 @@ void Shell::Reopen(const std::string& what) {
     const bool isAir = what.starts_with("sim") || what.starts_with("file:");
     (isAir ? options.radio.air : options.radio.adapter) = what;
     const HostOptions before = m_options;
-    if (const auto failure = Open(options)) {
-        Say(failure->message);
-        if (const auto again = Open(before))
-            Say("and the adapter before can't be opened again: " + again->message);
+    if (const auto opened = Open(options); !opened) {
+        Say(opened.Reason());
+        if (const auto again = Open(before); !again)
+            Say("and the adapter before can't be opened again: " + again.Reason());
         else
             Say("the adapter before is open again, with its default settings");
         return;
@@ -177,7 +183,8 @@ bool Shell::RunLine(const std::string& line) {
 ExitStatus Shell::Run() {
     LineEditor editor(m_context.watch, LineEditor::DefaultHistoryFile());
     m_isEditing = editor.IsEditing();
-    if (const auto failure = Open(m_context.options)) return Refuse(*failure, m_context);
+    if (const auto opened = Open(m_context.options); !opened)
+        return Refuse(opened.Reason(), m_context, m_step == Step::Radio || m_step == Step::Start ? NoAdapter : Failed);
     if (m_isEditing) Print("Tarn on " + quayCommand::DescribeAir() + ". help tells how to begin, !quit ends.\n");
     while (!m_isQuitting && m_context.console.out.Ok()) {
         const LineEditor::Line line = editor.Read("tarn> ");
@@ -185,7 +192,10 @@ ExitStatus Shell::Run() {
         if (line.end == LineEditor::End::None) RunLine(line.text);
     }
     if (m_isEditing && !m_isQuitting) Print("\n");
-    if (m_context.watch.IsRequested()) return m_context.watch.Status();
+    if (m_context.watch.IsRequested()) {
+        if (m_session && m_session->Busy()) AbandonLine(*m_session, m_context);
+        return m_context.watch.Status();
+    }
     // A person saw the errors; a program that pipes lines in asks for the status.
     return CheckRadio(m_hasFailed && !m_isEditing ? Failed : Success, m_context);
 }

@@ -5,6 +5,8 @@
 #include "Captures/SampleFile.h"
 #include "Commands/Commands.h"
 #include "Console/Progress.h"
+#include "OSAL/WholeFile.h"
+#include "Session.h"
 
 namespace TarnHost {
 namespace {
@@ -25,15 +27,15 @@ std::vector<PlannedFile> PlanFiles(const std::vector<PlanEntry>& plan, const Sim
     return files;
 }
 
-std::optional<Failure> PrepareFolder(const SimulateOptions& options, const std::vector<PlannedFile>& files) {
+OSAL::Outcome<> PrepareFolder(const SimulateOptions& options, const std::vector<PlannedFile>& files) {
     std::error_code error;
     fs::create_directories(options.folder, error);
-    if (error) return Failure{"can't make the folder '" + options.folder + "': " + error.message()};
-    if (options.overwrite) return std::nullopt;
+    if (error) return OSAL::Refusal{"can't make the folder '" + options.folder + "': " + error.message()};
+    if (options.overwrite) return {};
     const auto existing =
         std::ranges::find_if(files, [&](const PlannedFile& file) { return fs::exists(file.path, error); });
-    if (existing == files.end()) return std::nullopt;
-    return Failure{"'" + existing->path.string() + "' exists already; --force overwrites"};
+    if (existing == files.end()) return {};
+    return OSAL::Refusal{"'" + existing->path.string() + "' exists already; --force overwrites"};
 }
 
 ExitStatus WriteAll(RadioCapture& radio, const std::vector<PlannedFile>& files, Context& context) {
@@ -44,11 +46,12 @@ ExitStatus WriteAll(RadioCapture& radio, const std::vector<PlannedFile>& files, 
         if (context.watch.IsRequested()) break;
         status.Show(ProgressText(done, files.size(), std::chrono::steady_clock::now() - start));
         auto samples = radio.Capture(file.entry);
-        auto failure = samples ? WriteWhole(file.path, SampleText(*samples)) : std::optional(samples.Why());
-        if (failure) {
+        const auto written =
+            samples ? OSAL::WriteWholeFile(file.path, SampleText(*samples)) : OSAL::Outcome<>(samples.Why());
+        if (!written) {
             status.Clear();
             context.console.Say(std::to_string(done) + " of " + std::to_string(files.size()) + " captures are written");
-            return Refuse(*failure, context);
+            return Refuse(written.Reason(), context);
         }
         ++done;
     }
@@ -64,15 +67,15 @@ ExitStatus WriteAll(RadioCapture& radio, const std::vector<PlannedFile>& files, 
 ExitStatus Simulate(const SimulateOptions& options, Context& context) {
     auto setup = context.options.radio;
     if (!options.scene.empty()) setup.air = "sim:" + options.scene;
-    if (const auto failure = OpenLog(context.options.logPath)) return Refuse(*failure, context);
-    if (const auto failure = OpenRadio(setup)) return Refuse(*failure, context);
+    if (const auto log = TarnSession::OpenLog(context.options.logPath); !log) return Refuse(log.Reason(), context);
+    if (const auto open = TarnSession::OpenRadio(setup); !open) return Refuse(open.Reason(), context, NoAdapter);
     auto radio = RadioCapture::Open();
-    if (!radio) return Refuse(radio.Why(), context);
+    if (!radio) return Refuse(radio.Reason(), context, NoAdapter);
     const auto plan = radio->Plan();
-    if (!plan) return Refuse(plan.Why(), context);
-    if (plan->empty()) return Refuse({"the adapter supports no channel"}, context);
+    if (!plan) return Refuse(plan.Reason(), context);
+    if (plan->empty()) return Refuse("the adapter supports no channel", context);
     const auto files = PlanFiles(*plan, options);
-    if (const auto failure = PrepareFolder(options, files)) return Refuse(*failure, context);
+    if (const auto folder = PrepareFolder(options, files); !folder) return Refuse(folder.Reason(), context);
     return CheckRadio(WriteAll(*radio, files, context), context);
 }
 

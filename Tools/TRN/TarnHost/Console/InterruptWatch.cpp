@@ -1,7 +1,6 @@
 #include "Console/InterruptWatch.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -14,7 +13,8 @@ namespace {
 // What the signal handler may touch.
 std::atomic<int> signalCount{0};
 std::atomic<int> firstSignal{0};
-std::atomic<int> signalDescriptor{-1};
+std::atomic<int> latchedDescriptor{-1};
+std::atomic<int> eachDescriptor{-1};
 static_assert(std::atomic<int>::is_always_lock_free);
 
 extern "C" void TarnHostOnSignal(int number) {
@@ -22,7 +22,8 @@ extern "C" void TarnHostOnSignal(int number) {
     int none = 0;
     firstSignal.compare_exchange_strong(none, number);
     ++signalCount;
-    [[maybe_unused]] const auto written = ::write(signalDescriptor, "!", 1);
+    for (const int descriptor : {latchedDescriptor.load(), eachDescriptor.load()})
+        [[maybe_unused]] const auto written = ::write(descriptor, "!", 1);
     errno = savedErrno;
 }
 
@@ -36,18 +37,31 @@ void Install(int number, void (*handler)(int)) {
     ::sigaction(number, &action, nullptr);
 }
 
+bool IsIgnored(int number) {
+    struct sigaction action {};
+    return ::sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
+}
+
+void Drain(int descriptor) {
+    char drained[16];
+    while (::read(descriptor, drained, sizeof drained) > 0) {
+    }
+}
+
 }  // namespace
 
 InterruptWatch::InterruptWatch() {
-    if (::pipe2(m_signalPipe, O_CLOEXEC | O_NONBLOCK) != 0 || ::pipe2(m_stopPipe, O_CLOEXEC) != 0)
+    if (::pipe2(m_latched, O_CLOEXEC | O_NONBLOCK) != 0 || ::pipe2(m_each, O_CLOEXEC | O_NONBLOCK) != 0)
         throw std::system_error(errno, std::generic_category(), "pipe");
     signalCount = 0;
     firstSignal = 0;
-    signalDescriptor = m_signalPipe[1];
-    m_thread = std::thread([this] { Watch(); });
-    // An inherited "ignore" (a script's background job) is replaced: who sends the signal means this program.
+    latchedDescriptor = m_latched[1];
+    eachDescriptor = m_each[1];
+    // An inherited "ignore" (a script's background job) is replaced: who sends the signal means this program. But who
+    // starts it to outlive the terminal means that.
     Install(SIGINT, TarnHostOnSignal);
     Install(SIGTERM, TarnHostOnSignal);
+    if (!IsIgnored(SIGHUP)) Install(SIGHUP, TarnHostOnSignal);
     // A handler and not SIG_IGN, which programs started from here would inherit.
     Install(SIGPIPE, TarnHostOnBrokenPipe);
 }
@@ -55,82 +69,27 @@ InterruptWatch::InterruptWatch() {
 InterruptWatch::~InterruptWatch() {
     for (const int number : {SIGINT, SIGTERM, SIGPIPE})
         Install(number, SIG_DFL);
-    {
-        const std::lock_guard lock(m_mutex);
-        m_isStopping = true;
-    }
-    m_changed.notify_all();
-    [[maybe_unused]] const auto written = ::write(m_stopPipe[1], "!", 1);
-    m_thread.join();
-    for (const int descriptor : {m_signalPipe[0], m_signalPipe[1], m_stopPipe[0], m_stopPipe[1]})
+    if (!IsIgnored(SIGHUP)) Install(SIGHUP, SIG_DFL);
+    for (const int descriptor : {m_latched[0], m_latched[1], m_each[0], m_each[1]})
         ::close(descriptor);
 }
 
-bool InterruptWatch::IsRequested() const {
-    return signalCount > 0;
+int InterruptWatch::Count() const {
+    return signalCount;
 }
 
 ExitStatus InterruptWatch::Status() const {
-    return firstSignal == SIGTERM ? Terminated : Interrupted;
+    return firstSignal == SIGTERM ? Terminated : firstSignal == SIGHUP ? HungUp : Interrupted;
 }
 
 void InterruptWatch::Forget() {
-    char drained[16];
-    while (::read(m_signalPipe[0], drained, sizeof drained) > 0) {
-    }
+    Drain(m_latched[0]);
     firstSignal = 0;
     signalCount = 0;
 }
 
-bool InterruptWatch::WaitForSignal() {
-    pollfd watched[] = {{m_signalPipe[0], POLLIN, 0}, {m_stopPipe[0], POLLIN, 0}};
-    while (::poll(watched, 2, -1) < 0 && errno == EINTR) {
-    }
-    return (watched[1].revents & POLLIN) == 0;
-}
-
-/// True when the running call ended within its grace.
-bool InterruptWatch::IsCallOver(std::unique_lock<std::mutex>& lock) {
-    const auto deadline = std::chrono::steady_clock::now() + m_grace;
-    const auto isOver = [this] { return !m_isBlocking || m_isStopping; };
-    while (std::chrono::steady_clock::now() < deadline && signalCount < 2) {
-        if (m_changed.wait_for(lock, std::chrono::milliseconds(20), isOver)) return true;
-    }
-    return isOver();
-}
-
-void InterruptWatch::Watch() {
-    if (!WaitForSignal()) return;
-    std::unique_lock lock(m_mutex);
-    while (true) {
-        m_changed.wait(lock, [this] { return m_isBlocking || m_isStopping; });
-        if (m_isStopping) return;
-        if (IsCallOver(lock)) continue;
-        // The lock stays held: the main thread can't leave its block any more.
-        if (m_lastRites) m_lastRites();
-        ::_exit(Status());
-    }
-}
-
-InterruptWatch::Blocking::Blocking(InterruptWatch& watch, std::chrono::milliseconds grace,
-                                   std::function<void()> lastRites)
-    : m_watch(watch) {
-    {
-        const std::lock_guard lock(m_watch.m_mutex);
-        m_watch.m_grace = grace;
-        m_watch.m_lastRites = std::move(lastRites);
-        m_watch.m_isBlocking = true;
-    }
-    m_watch.m_changed.notify_all();
-}
-
-InterruptWatch::Blocking::~Blocking() {
-    {
-        const std::lock_guard lock(m_watch.m_mutex);
-        m_watch.m_isBlocking = false;
-        m_watch.m_lastRites = nullptr;
-    }
-    m_watch.m_changed.notify_all();
+void InterruptWatch::DrainEach() {
+    Drain(m_each[0]);
 }
 
 }  // namespace TarnHost

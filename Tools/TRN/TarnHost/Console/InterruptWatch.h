@@ -1,19 +1,14 @@
-// Ctrl-C and a request to terminate, turned into a flag that commands look at between two steps.
+// Ctrl-C, a request to terminate and a closed terminal, turned into a flag that commands look at between two steps.
 #pragma once
 
 #include <atomic>
-#include <chrono>
-#include <condition_variable>
-#include <functional>
-#include <mutex>
-#include <thread>
 
-#include "Outcome.h"
+#include "ExitStatus.h"
 
 namespace TarnHost {
 
 /// Catches the signals for as long as it lives; one at a time in a process.
-/// Thread: made and destroyed by the main thread; it runs a thread of its own.
+/// Thread: made and destroyed by the main thread; questions from any.
 class InterruptWatch {
 public:
     InterruptWatch();
@@ -21,42 +16,36 @@ public:
     InterruptWatch(const InterruptWatch&) = delete;
     InterruptWatch& operator=(const InterruptWatch&) = delete;
 
-    bool IsRequested() const;
-    /// `Interrupted` or `Terminated`.
+    bool IsRequested() const { return Count() > 0; }
+    /// Signals since the start, or since Forget().
+    int Count() const;
+    /// `Interrupted`, `Terminated` or `HungUp`, by the first signal.
     ExitStatus Status() const;
-    /// Makes the signals so far undone, for a program that answers Ctrl-C and goes on. Not with Blocking.
+    /// Makes the signals so far undone, for a program that answers Ctrl-C and goes on.
     void Forget();
-    /// Becomes readable with the first signal and stays so, for a poll beside another descriptor.
-    int Descriptor() const { return m_signalPipe[0]; }
+    /// Becomes readable with the first signal and stays so until Forget(), for a poll beside another descriptor.
+    int Descriptor() const { return m_latched[0]; }
+    /// Becomes readable with each signal, for the one thread that calls DrainEach().
+    int EachDescriptor() const { return m_each[0]; }
+    void DrainEach();
 
-    /// Stands around a call that can't be stopped from outside. When a signal comes, the call has `grace` to end (a
-    /// second signal cuts it short); then `lastRites` runs on the watch's thread and the process ends with Status().
-    /// From the end of the block on, the main thread has the word again.
-    class Blocking {
+    /// Stands around the writing of files that keep what was measured: an end by force waits for it.
+    class Finishing {
     public:
-        Blocking(InterruptWatch& watch, std::chrono::milliseconds grace, std::function<void()> lastRites);
-        ~Blocking();
-        Blocking(const Blocking&) = delete;
-        Blocking& operator=(const Blocking&) = delete;
+        explicit Finishing(InterruptWatch& watch) : m_watch(watch) { ++m_watch.m_finishing; }
+        ~Finishing() { --m_watch.m_finishing; }
+        Finishing(const Finishing&) = delete;
+        Finishing& operator=(const Finishing&) = delete;
 
     private:
         InterruptWatch& m_watch;
     };
+    bool IsFinishing() const { return m_finishing > 0; }
 
 private:
-    void Watch();
-    bool WaitForSignal();
-    bool IsCallOver(std::unique_lock<std::mutex>& lock);
-
-    int m_signalPipe[2] = {-1, -1};
-    int m_stopPipe[2] = {-1, -1};
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_isBlocking = false;
-    bool m_isStopping = false;
-    std::chrono::milliseconds m_grace{0};
-    std::function<void()> m_lastRites;
-    std::thread m_thread;
+    int m_latched[2] = {-1, -1};
+    int m_each[2] = {-1, -1};
+    std::atomic<int> m_finishing{0};
 };
 
 }  // namespace TarnHost

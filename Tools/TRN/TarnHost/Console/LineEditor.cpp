@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cwchar>
 #include <filesystem>
+#include <utility>
 
 #include "Lines/ShellHelp.h"
 
@@ -153,7 +154,7 @@ LineEditor::Line LineEditor::Read(const std::string& prompt) {
         int count = 0;
         const char* text = ::el_gets(m_terminal->editor, &count);
         if (!text || count <= 0) {
-            if (!m_watch.IsRequested() || m_watch.Status() == Terminated) return {{}, End::EndOfInput};
+            if (!m_watch.IsRequested() || m_watch.Status() != Interrupted) return {{}, End::EndOfInput};
             m_watch.Forget();
             std::fputs("^C\n", stdout);
             std::fflush(stdout);

@@ -13,12 +13,18 @@ namespace TarnHost {
 constexpr std::size_t bufferBytes = 1 << 16;
 
 void Output::Write(std::string_view text) {
+    const std::lock_guard lock(m_mutex);
     if (!Ok()) return;
     m_pending += text;
-    if (m_pending.size() >= bufferBytes) Flush();
+    if (m_pending.size() >= bufferBytes) FlushLocked();
 }
 
 void Output::Flush() {
+    const std::lock_guard lock(m_mutex);
+    FlushLocked();
+}
+
+void Output::FlushLocked() {
     std::string_view rest = m_pending;
     while (Ok() && !rest.empty()) {
         const ssize_t written = ::write(m_descriptor, rest.data(), rest.size());

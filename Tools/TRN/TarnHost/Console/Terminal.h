@@ -2,13 +2,14 @@
 #pragma once
 
 #include <cstddef>
+#include <mutex>
 #include <string>
 #include <string_view>
 
 namespace TarnHost {
 
 /// Buffered output to a file descriptor. After a failure everything further is dropped.
-/// Thread: one at a time.
+/// Thread: writing from any.
 class Output {
 public:
     explicit Output(int descriptor) : m_descriptor(descriptor) {}
@@ -28,7 +29,10 @@ public:
     std::size_t Columns() const;
 
 private:
+    void FlushLocked();
+
     int m_descriptor;
+    std::mutex m_mutex;
     std::string m_pending;
     std::string m_error;
     bool m_readerGone = false;

@@ -17,16 +17,16 @@ namespace {
 constexpr std::size_t longestLine = 1 << 20;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-Failure ReadFailure(const std::string& name) {
-    return {"can't read " + name + ": " + std::generic_category().message(errno)};
+std::string ReadFailure(const std::string& name) {
+    return "can't read " + name + ": " + std::generic_category().message(errno);
 }
 
 }  // namespace
 
-Result<ScriptReader> ScriptReader::Open(const std::string& path, const InterruptWatch& watch) {
+OSAL::Outcome<ScriptReader> ScriptReader::Open(const std::string& path, const InterruptWatch& watch) {
     if (path == "-") return ScriptReader(0, "standard input", watch);
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) return ReadFailure("script '" + path + "'");
+    if (descriptor < 0) return OSAL::Refusal{ReadFailure("script '" + path + "'")};
     return ScriptReader(descriptor, "script '" + path + "'", watch);
 }
 
@@ -65,7 +65,7 @@ std::optional<std::string> ScriptReader::RawLine() {
         }
         searched = m_buffer.size();
         if (searched > longestLine) {
-            m_trouble = Failure{"line " + std::to_string(m_number + 1) + " of " + m_name + " is longer than 1 MiB"};
+            m_trouble = "line " + std::to_string(m_number + 1) + " of " + m_name + " is longer than 1 MiB";
         } else if (m_isAtEnd) {
             if (m_buffer.empty()) return std::nullopt;
             return std::exchange(m_buffer, {});

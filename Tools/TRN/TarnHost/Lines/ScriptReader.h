@@ -6,7 +6,7 @@
 #include <string>
 
 #include "Console/InterruptWatch.h"
-#include "Outcome.h"
+#include "OSAL/Outcome.h"
 
 namespace TarnHost {
 
@@ -20,7 +20,7 @@ struct ScriptLine {
 class ScriptReader {
 public:
     /// @param path  a file, or "-" for standard input
-    static Result<ScriptReader> Open(const std::string& path, const InterruptWatch& watch);
+    static OSAL::Outcome<ScriptReader> Open(const std::string& path, const InterruptWatch& watch);
     ~ScriptReader();
     ScriptReader(ScriptReader&& other) noexcept;
     ScriptReader& operator=(ScriptReader&&) = delete;
@@ -28,7 +28,7 @@ public:
     /// The next line that holds more than a comment. Nothing at the end, after a signal, or after a failure.
     std::optional<ScriptLine> Next();
     /// Why reading ended early.
-    const std::optional<Failure>& Trouble() const { return m_trouble; }
+    const std::optional<std::string>& Trouble() const { return m_trouble; }
 
 private:
     ScriptReader(int descriptor, std::string name, const InterruptWatch& watch)
@@ -42,7 +42,7 @@ private:
     std::string m_buffer;
     std::size_t m_number = 0;
     bool m_isAtEnd = false;
-    std::optional<Failure> m_trouble;
+    std::optional<std::string> m_trouble;
 };
 
 }  // namespace TarnHost

@@ -1,10 +1,10 @@
-#include "Commands/Kernel.h"
+#include "Kernel.h"
 
 #include <cstdlib>
 
 #include "Kelp.h"
 
-namespace TarnHost {
+namespace TarnSession {
 namespace {
 
 std::string ForcedName() {
@@ -21,9 +21,10 @@ std::string KernelNames(const std::string& separator) {
     return names;
 }
 
-std::optional<Failure> CheckKernel() {
-    if (kelpInit() >= 0) return std::nullopt;
-    return Failure{"TARN_KERNEL names '" + ForcedName() + "', and this machine can run " + KernelNames(", ") + " only"};
+OSAL::Outcome<> CheckKernel() {
+    if (kelpInit() >= 0) return {};
+    return OSAL::Refusal{"TARN_KERNEL names '" + ForcedName() + "', and this machine can run " + KernelNames(", ") +
+                         " only"};
 }
 
 std::string DescribeKernel() {
@@ -31,4 +32,4 @@ std::string DescribeKernel() {
            "; this machine can run " + KernelNames(", ") + ")";
 }
 
-}  // namespace TarnHost
+}  // namespace TarnSession

@@ -4,15 +4,15 @@
 #include <string>
 
 #include "ITrellisPlugin.h"
-#include "Outcome.h"
+#include "OSAL/Outcome.h"
 
-namespace TarnHost {
+namespace TarnSession {
 
 /// The library stays loaded to the end of the process.
 class PluginLibrary {
 public:
     /// Looks beside the executable, then in the library folder of an installation; TARN_PLUGIN names another file.
-    static Result<PluginLibrary> Load();
+    static OSAL::Outcome<PluginLibrary> Load();
 
     /// Owned by the library until Destroy(); null when there is no memory.
     ITrellisPlugin* Create(IHostOutput* host, bool web) const { return m_create(host, web); }
@@ -27,4 +27,4 @@ private:
     DestroyInstanceFunction* m_destroy = nullptr;
 };
 
-}  // namespace TarnHost
+}  // namespace TarnSession

@@ -1,30 +1,19 @@
-#include "Exchange.h"
+#include "Record.h"
 
 #include <nlohmann/json.hpp>
 
-namespace TarnHost {
+namespace TarnSession {
 
 std::string ErrorSentence(const Exchange& exchange) {
-    for (const std::string* text : {&exchange.error, &exchange.warning, &exchange.output}) {
+    const std::string warning = exchange.warnings.empty() ? std::string() : exchange.warnings.front();
+    for (const std::string* text : {&exchange.error, &warning, &exchange.output}) {
         const auto last = text->find_last_not_of(" \t\r\n");
         if (last != std::string::npos) return text->substr(0, last + 1);
     }
     return "failed with exit code " + std::to_string(exchange.exitCode);
 }
 
-void PassingReceiver::OutputObject(std::string text) {
-    if (!text.ends_with('\n')) text += '\n';
-    m_console.out.Write(text);
-    m_console.out.Flush();
-}
-
-void PassingReceiver::OutputError(std::string text) {
-    while (text.ends_with('\n') || text.ends_with('\r'))
-        text.pop_back();
-    m_console.Say(text);
-}
-
-std::string RecordText(const Exchange& exchange, const KeepingReceiver& received) {
+std::string RecordText(const Exchange& exchange, const KeepingSink& received) {
     using Json = nlohmann::ordered_json;
     const Json record = {
         {"line", exchange.line},       {"exitCode", exchange.exitCode},
@@ -35,4 +24,4 @@ std::string RecordText(const Exchange& exchange, const KeepingReceiver& received
     return record.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-}  // namespace TarnHost
+}  // namespace TarnSession

@@ -1,14 +1,13 @@
 #include "PluginLibrary.h"
 
-#include <dlfcn.h>
-
 #include <cstdlib>
 #include <filesystem>
 #include <vector>
 
+#include "OSAL/Libraries.h"
 #include "OSAL/OSAL.h"
 
-namespace TarnHost {
+namespace TarnSession {
 namespace {
 
 namespace fs = std::filesystem;
@@ -22,14 +21,9 @@ std::vector<fs::path> Candidates() {
     return {fs::path(folder) / libraryName, fs::path(folder) / ".." / TARN_LIBRARY_FOLDER / libraryName};
 }
 
-template <typename Function>
-Function* Symbol(void* library, const char* name) {
-    return reinterpret_cast<Function*>(::dlsym(library, name));
-}
-
 }  // namespace
 
-Result<PluginLibrary> PluginLibrary::Load() {
+OSAL::Outcome<PluginLibrary> PluginLibrary::Load() {
     std::string tried;
     for (const fs::path& path : Candidates()) {
         std::error_code error;
@@ -39,15 +33,16 @@ Result<PluginLibrary> PluginLibrary::Load() {
         }
         PluginLibrary library;
         library.m_path = path.lexically_normal().string();
-        void* handle = ::dlopen(library.m_path.c_str(), RTLD_NOW | RTLD_LOCAL);
-        if (!handle) return Failure{std::string("can't load the plug-in: ") + ::dlerror()};
-        library.m_create = Symbol<CreateInstanceFunction>(handle, "CreateInstance");
-        library.m_destroy = Symbol<DestroyInstanceFunction>(handle, "DestroyInstance");
+        OSAL::Library loaded(library.m_path);
+        if (!loaded.Load()) return OSAL::Refusal{"can't load the plug-in: " + loaded.Reason()};
+        library.m_create = reinterpret_cast<CreateInstanceFunction*>(loaded.GetProcAddress("CreateInstance"));
+        library.m_destroy = reinterpret_cast<DestroyInstanceFunction*>(loaded.GetProcAddress("DestroyInstance"));
+        loaded.Keep();
         if (!library.m_create || !library.m_destroy)
-            return Failure{"'" + library.m_path + "' is no plug-in: it lacks CreateInstance or DestroyInstance"};
+            return OSAL::Refusal{"'" + library.m_path + "' is no plug-in: it lacks CreateInstance or DestroyInstance"};
         return library;
     }
-    return Failure{"can't find the plug-in (looked for " + tried + "; TARN_PLUGIN names another file)"};
+    return OSAL::Refusal{"can't find the plug-in (looked for " + tried + "; TARN_PLUGIN names another file)"};
 }
 
-}  // namespace TarnHost
+}  // namespace TarnSession

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "ITrellisPlugin.h"
+#include "Streams/AppStreams.h"
 
 namespace {
 
@@ -31,6 +32,11 @@ public:
         } else if (line == "sleep") {
             hostOutput->Output("asleep");
             std::this_thread::sleep_for(std::chrono::minutes(5));
+        } else if (line == "nap") {
+            std::this_thread::sleep_for(std::chrono::milliseconds(200));
+            hostOutput->Output("awake");
+        } else if (line == "warn") {
+            Streams::AppStreams::GetError() << "first\nsecond\n";
         } else if (line == "fail") {
             return 259;
         } else if (line == "bytes") {
