@@ -52,7 +52,7 @@ TEST(Measure, AClippedConverterIsReportedUntilTheGainIsLower) {
     std::ofstream(scene) << R"({"accessPoints":[{"band":"2.4","channel":6,"width_mhz":20,"level_dbm":-35}]})";
     const std::vector<std::string> command = {"measure", "--air", "sim:" + scene, "--channel", "6", "--chain", "AB"};
     const auto loud = Tarn(command);
-    EXPECT_TRUE(Has(loud.out, "channel 6 chain B: the converter is overloaded; levels read low")) << loud.out;
+    EXPECT_TRUE(Has(loud.out, "channel 6 chain B: the converter was overloaded in 10 of 10 sweeps")) << loud.out;
     auto lowered = command;
     lowered.insert(lowered.end(), {"--keys", "-internal_gain 5"});
     EXPECT_FALSE(Has(Tarn(lowered).out, "overloaded"));
@@ -63,16 +63,22 @@ TEST(Measure, WrongOptionsAreRefusedWithTheirValues) {
         std::vector<std::string> options;
         std::string reason;
     };
-    const Case cases[] = {{{"--band", "3"}, "2.4,5.2,6-7"},
-                          {{"--bandwidth", "60"}, "20,40,80,160,320"},
-                          {{"--chain", "C"}, "A,B,AB"},
-                          {{"--rbw", "40"}, "39.0625,78.125"},
+    const Case cases[] = {{{"--band", "3"}, "2.4, 5.2, 6-7"},
+                          {{"--bandwidth", "60"}, "20, 40, 80, 160, 320"},
+                          {{"--chain", "C"}, "A, B, AB"},
+                          {{"--rbw", "40"}, "39.0625, 78.125"},
                           {{"--channel", ""}, "--channel"},
                           {{"--csv", ""}, "--csv"},
                           {{"--picture", ""}, "--picture"},
                           {{"--keys", "-internal_gain 2 -BAND 5.2"}, "-BAND"},
                           {{"--keys", "-internal_gain 2 \"-ch\"annel 3"}, "-channel"},
-                          {{"--keys", "-set_mcc"}, "-set_mcc"}};
+                          {{"--keys", "-set_mcc"}, "-set_mcc"},
+                          {{"--keys", "-noise_floor -90,-90,-90"}, "not what a measurement reports"},
+                          {{"--keys", "-set_gain_from_file"}, "needs -gain_file_name"},
+                          {{"--keys", "-gain_file_name x -internal_gain 1"}, "give one of the two"},
+                          {{"--csv", "-", "--json"}, "standard output"},
+                          {{"--margin", "-1"}, "--margin"},
+                          {{"--bandwith", "20"}, "did you mean '--bandwidth'?"}};
     for (const char* key : {"-bandwidth 40", "-chain B", "-rbw 312.5", "-maxhold true", "-channel_average true",
                             "-reset_config", "-trigger_now"})
         EXPECT_EQ(TarnHost::ParseArguments({"measure", "--keys", key}).status, TarnHost::WrongUsage) << key;

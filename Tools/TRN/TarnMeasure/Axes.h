@@ -18,6 +18,7 @@ constexpr Colour Spectrum{0.62, 0.65, 0.70};
 constexpr Colour MaxHold{0.80, 0.22, 0.18};
 constexpr Colour Average{0.06, 0.38, 0.72};
 constexpr Colour Power{0.10, 0.52, 0.30};
+constexpr Colour Limit{0.75, 0.10, 0.45};
 }  // namespace Ink
 
 struct Range {

@@ -4,6 +4,7 @@
 #include <cairo-svg.h>
 
 #include "OSAL/WholeFile.h"
+#include "PlainText.h"
 
 namespace TarnMeasure {
 namespace {
@@ -76,7 +77,7 @@ void Canvas::Text(const Point& at, const std::string& text, double size, const C
     cairo_translate(m_cairo, at.x, at.y);
     if (upright) cairo_rotate(m_cairo, -3.14159265358979 / 2);
     cairo_move_to(m_cairo, -back, 0);
-    cairo_show_text(m_cairo, text.c_str());
+    cairo_show_text(m_cairo, Printable(text).c_str());
     cairo_restore(m_cairo);
     cairo_new_path(m_cairo);
 }
@@ -86,7 +87,7 @@ double Canvas::TextWidth(const std::string& text, double size, bool bold) {
                            bold ? CAIRO_FONT_WEIGHT_BOLD : CAIRO_FONT_WEIGHT_NORMAL);
     cairo_set_font_size(m_cairo, size);
     cairo_text_extents_t extents;
-    cairo_text_extents(m_cairo, text.c_str(), &extents);
+    cairo_text_extents(m_cairo, Printable(text).c_str(), &extents);
     return extents.x_advance;
 }
 
@@ -100,7 +101,7 @@ void Canvas::Unclip() {
     cairo_restore(m_cairo);
 }
 
-std::optional<std::string> Canvas::Finish() {
+OSAL::Outcome<> Canvas::Finish() {
     cairo_status_t status = cairo_status(m_cairo);
     cairo_destroy(m_cairo);
     m_cairo = nullptr;
@@ -108,9 +109,9 @@ std::optional<std::string> Canvas::Finish() {
         status = cairo_surface_write_to_png_stream(m_surface, &Collect, &m_bytes);
     cairo_surface_finish(m_surface);
     if (status == CAIRO_STATUS_SUCCESS) status = cairo_surface_status(m_surface);
-    if (status != CAIRO_STATUS_SUCCESS) return m_path + ": " + cairo_status_to_string(status);
-    const auto written = OSAL::WriteWholeFile(m_path, m_bytes);
-    return written ? std::nullopt : std::optional(written.Reason());
+    if (status != CAIRO_STATUS_SUCCESS)
+        return OSAL::Refusal{"can't draw '" + m_path + "': " + cairo_status_to_string(status)};
+    return OSAL::WriteWholeFile(m_path, m_bytes);
 }
 
 }  // namespace TarnMeasure

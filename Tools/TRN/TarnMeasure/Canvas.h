@@ -4,9 +4,10 @@
 #include <cairo.h>
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
+
+#include "OSAL/Outcome.h"
 
 namespace TarnMeasure {
 
@@ -46,8 +47,8 @@ public:
     void Clip(const Box& box);
     void Unclip();
 
-    /// Puts the picture at its path. @return the reason when it can't
-    std::optional<std::string> Finish();
+    /// Puts the picture at its path.
+    OSAL::Outcome<> Finish();
 
 private:
     std::string m_path;

@@ -10,7 +10,7 @@
 namespace TarnMeasure {
 namespace {
 
-constexpr double pageWidth = 900, margin = 60, panelHeight = 330, headHeight = 84;
+constexpr double pageWidth = 900, margin = 60, panelHeight = 330, headHeight = 84, footLine = 11;
 
 /// Levels to show: all graphs with some room, in whole tens.
 Range LevelRange(const Result& result) {
@@ -25,6 +25,7 @@ Range LevelRange(const Result& result) {
                 for (const double value : *graph)
                     widen(value);
             widen(chain.power_dbm);
+            if (chain.judgement) widen(chain.judgement->limit_dbm);
         }
     if (range.low > range.high) return {-120, -20};
     range.low = std::max(range.low, range.high - 110);  // a lone empty bin must not squeeze everything else
@@ -38,8 +39,8 @@ std::string BinTitle(const Result& result) {
 void DrawHead(Canvas& canvas, const Result& result, const std::string& title) {
     canvas.Text({margin, 30}, title, 15, Ink::Text, Align::Left, true);
     canvas.Text({margin, 47}, SettingsText(result), 10, Ink::Faint);
-    if (const auto notes = OverloadNotes(result); !notes.empty()) {
-        std::string text = notes[0].substr(0, notes[0].find("; raise"));
+    if (const auto notes = Warnings(result); !notes.empty()) {
+        std::string text = notes[0].substr(0, notes[0].find("; levels"));
         if (notes.size() > 1) text += "; " + std::to_string(notes.size() - 1) + " more";
         canvas.Text({pageWidth - 20, 30}, text, 10, Ink::MaxHold, Align::Right, true);
     }
@@ -50,8 +51,9 @@ void DrawHead(Canvas& canvas, const Result& result, const std::string& title) {
     };
     const Entry entries[] = {{"last sweep", Ink::Spectrum, true},
                              {"max hold", Ink::MaxHold, result.request.maxHold},
-                             {"average", Ink::Average, result.request.average},
-                             {"channel power (mean of sweeps)", Ink::Power, true}};
+                             {"average (mean of power)", Ink::Average, result.request.average},
+                             {"channel power (mean of sweeps)", Ink::Power, true},
+                             {"limit", Ink::Limit, result.request.limits.has_value()}};
     double x = margin;
     for (const Entry& entry : entries) {
         if (!entry.shown) continue;
@@ -65,6 +67,39 @@ void DrawGraphs(Canvas& canvas, const Axes& axes, const ChainResult& chain, doub
     axes.DrawGraph(canvas, chain.spectrum, first_mhz, step_mhz, Ink::Spectrum, 0.8);
     axes.DrawGraph(canvas, chain.maxHold, first_mhz, step_mhz, Ink::MaxHold, 0.9);
     axes.DrawGraph(canvas, chain.average, first_mhz, step_mhz, Ink::Average, 1.1);
+}
+
+/// The limit over one channel: its level, or the line's part inside.
+void DrawLimit(Canvas& canvas, const Axes& axes, const Result& result, const ChannelResult& channel) {
+    if (!result.request.limits) return;
+    const Limits& limits = *result.request.limits;
+    const double width = WidthMhz(result.request.bandwidth);
+    const double low = channel.centre_mhz - width / 2, high = channel.centre_mhz + width / 2;
+    std::vector<Point> points;
+    const auto add = [&](double mhz, std::optional<double> dbm) {
+        if (dbm) points.push_back({axes.X(mhz), axes.Y(*dbm)});
+    };
+    const auto level = limits.ChannelDbm(result.request.band, channel.channel, width);
+    for (const double edge : {low, high})
+        add(edge, limits.IsLine() ? limits.LineDbm(edge) : level);
+    for (const Limits::Point& point : limits.Line())
+        if (point.frequency_mhz > low && point.frequency_mhz < high) add(point.frequency_mhz, point.level_dbm);
+    std::ranges::sort(points, {}, &Point::x);
+    canvas.Line(points, Ink::Limit, 1.4, true);
+}
+
+/// "Chain A:  -61.2 dBm in 20 MHz, FAIL".
+std::string ChainLabel(const ChainResult& chain, const Request& request) {
+    std::string text =
+        "Chain " + chain.chain + ":  " + FixedText(chain.power_dbm, 1) + " dBm in " + request.bandwidth + " MHz";
+    if (chain.judgement) text += std::string(", ") + VerdictText(chain.judgement->verdict);
+    return text;
+}
+
+/// How the picture came about, below everything.
+void DrawFoot(Canvas& canvas, const std::vector<std::string>& lines, double top) {
+    for (std::size_t k = 0; k < lines.size(); ++k)
+        canvas.Text({margin, top + footLine * static_cast<double>(k)}, lines[k], 8, Ink::Faint);
 }
 
 void DrawPeaks(Canvas& canvas, const Axes& axes, const std::vector<Peak>& peaks) {
@@ -104,11 +139,10 @@ void DrawChannelPanel(Canvas& canvas, const Result& result, const ChannelResult&
     const std::size_t bins = chain.spectrum.size();
     DrawGraphs(canvas, axes, chain, BinMhz(channel, 0, bins), result.request.rbw_khz / 1000.0);
     canvas.Line({{axes.X(low), axes.Y(chain.power_dbm)}, {axes.X(high), axes.Y(chain.power_dbm)}}, Ink::Power, 1.6);
+    DrawLimit(canvas, axes, result, channel);
     DrawPeaks(canvas, axes, chain.peaks);
     axes.DrawFrame(canvas, last ? "MHz" : "");
-    const std::string label =
-        "Chain " + chain.chain + ":  " + FixedText(chain.power_dbm, 1) + " dBm in " + result.request.bandwidth + " MHz";
-    canvas.Text({box.right - 8, box.top + 15}, label, 10.5, Ink::Text, Align::Right, true);
+    canvas.Text({box.right - 8, box.top + 15}, ChainLabel(chain, result.request), 10.5, Ink::Text, Align::Right, true);
 }
 
 void DrawScanPanel(Canvas& canvas, const Result& result, std::size_t chainIndex, const Box& box, bool last) {
@@ -140,7 +174,10 @@ void DrawScanPanel(Canvas& canvas, const Result& result, std::size_t chainIndex,
         const double left = axes.X(channel.centre_mhz - width / 2), right = axes.X(channel.centre_mhz + width / 2);
         const double y = axes.Y(chain.power_dbm);
         canvas.Line({{left, y}, {right, y}}, Ink::Power, 2.2);
-        const std::string number = std::to_string(channel.channel);
+        DrawLimit(canvas, axes, result, channel);
+        std::string number = std::to_string(channel.channel);
+        if (chain.judgement && chain.judgement->verdict != Verdict::Pass)
+            number += std::string(" ") + VerdictText(chain.judgement->verdict);
         const double middle = (left + right) / 2, size = canvas.TextWidth(number, 8.5);
         if (middle - size / 2 < labelEnd + 3) continue;
         canvas.Text({middle, y - 4}, number, 8.5, Ink::Text, Align::Centre);
@@ -159,24 +196,29 @@ bool IsPicturePath(const std::string& path) {
     return path.ends_with(".png") || path.ends_with(".svg") || path.ends_with(".pdf");
 }
 
-std::optional<std::string> WritePicture(const Result& result, const std::string& path) {
-    if (!IsPicturePath(path)) return path + ": the ending must be .png, .svg or .pdf";
-    if (result.channels.empty()) return "nothing was measured, so there is nothing to draw";
+OSAL::Outcome<> WritePicture(const Result& result, const std::string& path) {
+    if (!IsPicturePath(path)) return OSAL::Refusal{"'" + path + "': a picture's ending is .png, .svg or .pdf"};
+    Result shown = result;
+    std::erase_if(shown.channels, [](const ChannelResult& channel) { return !IsMeasured(channel); });
+    if (shown.channels.empty()) return OSAL::Refusal{"nothing was measured, so there is nothing to draw"};
 
-    const std::size_t panels = result.channels[0].chains.size();
-    const double height = headHeight + static_cast<double>(panels) * panelHeight + 40;
+    const std::size_t panels = shown.channels[0].chains.size();
+    const std::vector<std::string> foot = ProvenanceLines(result);
+    const double bottom = headHeight + static_cast<double>(panels) * panelHeight + 14;
+    const double height = bottom + footLine * static_cast<double>(foot.size()) + 12;
     Canvas canvas(path, pageWidth, height);
-    const bool isScan = result.channels.size() > 1;
-    const ChannelResult& channel = result.channels[0];
+    const bool isScan = shown.channels.size() > 1;
+    const ChannelResult& channel = shown.channels[0];
     DrawHead(canvas, result, isScan ? "Channel scan" : "Spectrum around " + ShortText(channel.centre_mhz) + " MHz");
     for (std::size_t c = 0; c < panels; ++c) {
         const double top = headHeight + static_cast<double>(c) * panelHeight;
         const Box box{margin, top, pageWidth - 20, top + panelHeight - 30};
         if (isScan)
-            DrawScanPanel(canvas, result, c, box, c + 1 == panels);
+            DrawScanPanel(canvas, shown, c, box, c + 1 == panels);
         else
-            DrawChannelPanel(canvas, result, channel, channel.chains[c], box, c + 1 == panels);
+            DrawChannelPanel(canvas, shown, channel, channel.chains[c], box, c + 1 == panels);
     }
+    DrawFoot(canvas, foot, bottom);
     return canvas.Finish();
 }
 

@@ -1,7 +1,6 @@
 // A measurement as a picture: PNG, SVG or PDF by the file's ending.
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "Measurement.h"
@@ -9,9 +8,8 @@
 namespace TarnMeasure {
 
 /// Draws one channel (spectrum, max hold, average, peak marks, a panel a chain) or a scan (all channels on one axis,
-/// with a bar at each channel's power). Written beside and renamed, so that an old picture is never half replaced.
-/// @return the reason when it can't be written
-std::optional<std::string> WritePicture(const Result& result, const std::string& path);
+/// with a bar at each channel's power), with limits and how it came about.
+OSAL::Outcome<> WritePicture(const Result& result, const std::string& path);
 
 /// True for an ending that WritePicture knows.
 bool IsPicturePath(const std::string& path);

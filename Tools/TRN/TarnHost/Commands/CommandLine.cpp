@@ -4,21 +4,17 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "ChannelPlan.h"
-#include "CmdLine/CmdLine.h"
-#include "KeyTable.h"
+#include "Inputs.h"
+#include "Lines/AirName.h"
+#include "Lines/MeasureKeys.h"
+#include "Lines/ShellQuote.h"
+#include "Lines/Suggest.h"
 #include "Picture.h"
+#include "PlainText.h"
+#include "Report.h"
 
 namespace TarnHost {
 namespace {
-
-template <typename Table>
-std::vector<std::string> NamesOf(const Table& table) {
-    std::vector<std::string> names;
-    for (const auto& row : table)
-        names.emplace_back(row.name);
-    return names;
-}
 
 /// Stands before each argument behind "--" while CLI11 parses: it would take such arguments for commands, or split
 /// those in brackets.
@@ -35,13 +31,21 @@ void Unmark(std::string& argument) {
     if (argument.starts_with(verbatimMark)) argument.erase(0, 1);
 }
 
+std::string SceneNames() {
+    std::string names;
+    for (const std::string& name : quayCommand::ShippedSceneNames())
+        names += (names.empty() ? "" : ", ") + name;
+    return names;
+}
+
 void AddHostOptions(CLI::App& app, HostOptions& host) {
     app.add_option("--adapter", host.radio.adapter,
                    "The adapter: keys hw, card, device, antennas, sku, mac, bands, samples, seed, connected")
         ->type_name("KEY=VALUE,...");
     app.add_option("--air", host.radio.air,
                    "What the adapter hears: sim, sim:SCENE (a scene's file or name) or file:PATH (a sample file, or a "
-                   "folder of them)")
+                   "folder of them); scenes are " +
+                       SceneNames())
         ->type_name("AIR");
     app.add_option("--journal", host.radio.journalPath, "Write a line for each call on the radio")->type_name("FILE");
     app.add_option("--fault", host.radio.faults, "Make the n-th call of a radio operation fail")
@@ -49,7 +53,7 @@ void AddHostOptions(CLI::App& app, HostOptions& host) {
     app.add_option("--log", host.logPath, "Append the trace of host and plug-in to a file")->type_name("FILE");
 }
 
-CLI::App* AddAnalyse(CLI::App& app, AnalyseOptions& options) {
+void AddAnalyse(CLI::App& app, AnalyseOptions& options) {
     auto* command = app.add_subcommand("analyse", "Channel power of each sample file in a folder");
     command->add_option("FOLDER", options.folder, "Folder with sample files; it gets result.csv")->required();
     command->footer(
@@ -59,10 +63,9 @@ CLI::App* AddAnalyse(CLI::App& app, AnalyseOptions& options) {
         "  tarn analyse captures\n"
         "  tarn analyse \"My captures\" | sort -k2\n"
         "  tarn --log trace.txt analyse captures");
-    return command;
 }
 
-CLI::App* AddRun(CLI::App& app, RunOptions& options) {
+void AddRun(CLI::App& app, RunOptions& options) {
     auto* command = app.add_subcommand("run", "Run command lines of the plug-in");
     command->add_flag("--web", options.isFrontEnd, "Front-end variant: answers are JSON messages");
     command->add_flag("--plain", options.plainOutput, "Text answers, also from the front-end variant");
@@ -78,13 +81,12 @@ CLI::App* AddRun(CLI::App& app, RunOptions& options) {
         "  tarn run -- \"-band 5.2 -bandwidth 80 -channel 42 -trigger_now\" \"-get_power_per_chain A\"\n"
         "  tarn run --record --keep-going --script lines.txt\n"
         "  echo \"-get_platform_info\" | tarn run --script -");
-    return command;
 }
 
-CLI::App* AddSimulate(CLI::App& app, SimulateOptions& options) {
+void AddSimulate(CLI::App& app, SimulateOptions& options) {
     auto* command = app.add_subcommand("simulate", "Write captures of the adapter's air as sample files");
     command->add_option("FOLDER", options.folder, "Where the files go; made when it is missing")->required();
-    command->add_option("--scene", options.scene, "The simulated air: a scene's file, or the name of a shipped scene")
+    command->add_option("--scene", options.scene, "The simulated air: a scene's file, or one of " + SceneNames())
         ->type_name("FILE");
     command->add_option("--count", options.count, "Captures of each channel, width and chain")
         ->type_name("N")
@@ -95,10 +97,9 @@ CLI::App* AddSimulate(CLI::App& app, SimulateOptions& options) {
         "Examples:\n"
         "  tarn simulate captures --scene office\n"
         "  tarn simulate captures --count 3 --adapter bands=0+1,antennas=1");
-    return command;
 }
 
-CLI::App* AddInfo(CLI::App& app, InfoOptions& options) {
+void AddInfo(CLI::App& app, InfoOptions& options) {
     auto* command = app.add_subcommand("info", "Versions, adapter, air, kernel and paths");
     command->add_flag("--kernels", options.kernelsOnly, "Only the names of the kernels that this machine can run");
     command->footer(
@@ -106,39 +107,73 @@ CLI::App* AddInfo(CLI::App& app, InfoOptions& options) {
         "  tarn info\n"
         "  tarn info --adapter hw=16,bands=0+1\n"
         "  TARN_KERNEL=portable tarn info");
-    return command;
 }
 
-CLI::App* AddMeasure(CLI::App& app, MeasureOptions& options) {
+/// Makes what a person typed into a key's own text, or says what it can be.
+CLI::Validator Reader(OSAL::Outcome<std::string> (*read)(const std::string&)) {
+    return CLI::Validator(
+        [read](std::string& text) {
+            const auto value = read(text);
+            if (value) text = *value;
+            return value ? std::string() : value.Reason();
+        },
+        "");
+}
+
+CLI::Validator RbwReader() {
+    return CLI::Validator(
+        [](std::string& text) {
+            const auto value = TarnMeasure::ReadRbw(text);
+            if (value) text = TarnMeasure::ShortText(*value);
+            return value ? std::string() : value.Reason();
+        },
+        "");
+}
+
+void AddMeasure(CLI::App& app, MeasureOptions& options) {
     auto* command = app.add_subcommand("measure", "Measure channels: power, graphs, peaks, a picture");
     TarnMeasure::Request& request = options.request;
     const auto notEmpty =
         CLI::Validator([](std::string& text) { return std::string(text.empty() ? "needs a value" : ""); }, "");
-    command->add_option("--band", request.band, "Band in GHz")
-        ->check(CLI::IsMember(NamesOf(RadioFacts::Bands)))
-        ->capture_default_str();
-    command->add_option("--channel,--channels", request.channels, "Channel numbers split by commas, or all")
+    command
+        ->add_option("--band", request.band, "Band in GHz: 2.4, 5.2 or 6-7; without it the first that has the channels")
+        ->type_name("GHZ")
+        ->transform(Reader(TarnMeasure::ReadBand));
+    command->add_option("--channel,--channels", request.channels, "Channel numbers such as 1,6,36-48, or all")
         ->type_name("LIST")
         ->check(notEmpty);
-    command->add_option("--bandwidth", request.bandwidth, "Channel width in MHz")
-        ->check(CLI::IsMember(NamesOf(RadioFacts::Bandwidths)))
+    command->add_option("--bandwidth", request.bandwidth, "Channel width in MHz: 20, 40, 80, 160 or 320")
+        ->type_name("MHZ")
+        ->transform(Reader(TarnMeasure::ReadBandwidth))
         ->capture_default_str();
-    command->add_option("--chain", request.chain, "Receive chain")
-        ->check(CLI::IsMember({"A", "B", "AB"}))
+    command->add_option("--chain", request.chain, "Receive chain: A, B or AB")
+        ->type_name("CHAIN")
+        ->transform(Reader(TarnMeasure::ReadChain))
         ->capture_default_str();
-    command->add_option("--rbw", request.rbw_khz, "Resolution bandwidth in kHz")
-        ->check(CLI::IsMember({39.0625, 78.125, 156.25, 312.5}))
+    command->add_option("--rbw", request.rbw_khz, "Resolution bandwidth in kHz: 39.0625, 78.125, 156.25 or 312.5")
+        ->type_name("KHZ")
+        ->transform(RbwReader())
         ->capture_default_str();
     command->add_option("--sweeps", request.sweeps, "Sweeps of each channel")
         ->check(CLI::Range(1, 1000000))
         ->capture_default_str();
     command->add_flag("--max-hold", request.maxHold, "Keep the largest value of each bin");
-    command->add_flag("--average", request.average, "Average the sweeps, 100 at most");
+    command->add_flag("--average", request.average, "Average the sweeps: a mean of power");
     command->add_option("--peaks", request.peaks, "Peaks to report of each chain, 0 for none")
         ->check(CLI::Range(0, 10000))
         ->capture_default_str();
-    command->add_option("--peak-window", request.peakWindow, "Bins of one slice of the peak search")
-        ->check(CLI::Range(5, 80))
+    command->add_option("--peak-excursion", request.peakExcursion_db, "How far a peak stands out of what is around it")
+        ->type_name("DB")
+        ->check(CLI::Range(0.5, 100.0))
+        ->capture_default_str();
+    command
+        ->add_option("--limit", options.limit,
+                     "What no level may exceed: dBm over the channel, or a CSV file by band, channel or frequency")
+        ->type_name("FILE|LEVEL")
+        ->check(notEmpty);
+    command->add_option("--margin", request.margin_db, "Room to leave below the limit")
+        ->type_name("DB")
+        ->check(CLI::Range(0.0, 100.0))
         ->capture_default_str();
     command
         ->add_option("--keys", request.setup,
@@ -148,40 +183,34 @@ CLI::App* AddMeasure(CLI::App& app, MeasureOptions& options) {
     command->add_option("--picture", options.picture, "Draw into a file that ends in .png, .svg or .pdf")
         ->type_name("FILE")
         ->check(notEmpty);
-    command->add_option("--csv", options.csv, "Write every bin into a CSV file")->type_name("FILE")->check(notEmpty);
+    command->add_option("--csv", options.csv, "Write every bin into a CSV file, - for standard output")
+        ->type_name("FILE")
+        ->check(notEmpty);
     command->add_flag("--json", options.json, "Print JSON instead of the table");
     command->footer(
-        "Power is in dBm over the channel, graphs and peaks in dBm in one RBW. Ctrl-C keeps what was measured.\n\n"
+        "Power is in dBm over the channel, graphs and peaks in dBm in one RBW. Ctrl-C keeps what was measured.\n"
+        "Ends with status 4 when a level is above its limit, 1 when a channel couldn't be measured.\n\n"
         "Examples:\n"
         "  tarn measure --band 2.4 --channel 6\n"
         "  tarn measure --band 5.2 --channels all --bandwidth 80 --chain AB --picture scan.png\n"
         "  tarn measure --band 5.2 --channel 36 --rbw 78.125 --sweeps 50 --max-hold --average --peaks 5 --csv "
         "bins.csv\n"
-        "  tarn measure --air sim:laptop --channel 6 --max-hold --json");
-    return command;
+        "  tarn measure --air sim:laptop --channel 6 --max-hold --json\n"
+        "  tarn measure --channels 1-13 --limit -75 --margin 3");
 }
 
-CLI::App* AddShell(CLI::App& app) {
+void AddShell(CLI::App& app) {
     auto* command = app.add_subcommand("shell", "Type command lines, with completion, history and help");
     command->footer(
         "Type help inside to see how to begin.\n\n"
         "Examples:\n"
         "  tarn shell\n"
         "  tarn shell --air sim:quiet");
-    return command;
-}
-
-/// A key in the line of --keys that would make the results' labels wrong.
-std::optional<std::string> ForbiddenKey(const std::string& line) {
-    for (const std::string& token : CmdLine::Tokenize(line)) {
-        const TarnKeys::KeyRow* key = TarnKeys::FindKey(token);
-        if (key && key->spoilsMeasurement) return token;
-    }
-    return std::nullopt;
 }
 
 std::optional<std::string> WrongFiles(const MeasureOptions& options) {
     namespace fs = std::filesystem;
+    if (options.csv == "-" && options.json) return "--csv - and --json both print on standard output";
     if (!options.picture.empty() && !TarnMeasure::IsPicturePath(options.picture))
         return "'" + options.picture + "': a picture's ending is .png, .svg or .pdf";
     std::error_code ignored;
@@ -191,10 +220,71 @@ std::optional<std::string> WrongFiles(const MeasureOptions& options) {
     return std::nullopt;
 }
 
-std::string UsageError(const CLI::App& app, const std::string& reason) {
+/// Names that an argument could have meant: options for one that begins like an option, commands for another.
+std::vector<std::string> KnownNames(const CLI::App& app, const std::string& like) {
+    std::vector<std::string> names;
+    const bool isOption = like.starts_with('-');
+    const auto chosen = app.get_subcommands();
+    if (!isOption && chosen.empty())
+        for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+            names.push_back(command->get_name());
+    for (const CLI::App* source : {&app, chosen.empty() ? &app : static_cast<const CLI::App*>(chosen.front())})
+        for (const CLI::Option* option : source->get_options())
+            for (const std::string& name : option->get_lnames())
+                if (isOption) names.push_back("--" + name);
+    return names;
+}
+
+/// The reason as a person should see it: with the name that was meant, and without what could steer a terminal.
+std::string UsageError(const CLI::App& app, std::string reason) {
     const auto chosen = app.get_subcommands();
     const std::string command = chosen.empty() ? "" : " " + chosen.front()->get_name();
-    return reason + " (tarn" + command + " --help tells more)";
+    std::erase(reason, verbatimMark);
+    return TarnMeasure::Printable(reason) + " (tarn" + command + " --help tells more)";
+}
+
+std::string UsageError(const CLI::App& app, const CLI::ParseError& error) {
+    const auto unknown = app.remaining(true);
+    if (unknown.empty()) return UsageError(app, error.what());
+    const std::string word = unknown.front().substr(0, unknown.front().find('='));
+    return UsageError(app, error.what() + DidYouMean(word, KnownNames(app, word)));
+}
+
+/// The command with its options, or why they don't fit together.
+class Choice {
+public:
+    AnalyseOptions analyse;
+    RunOptions run;
+    SimulateOptions simulate;
+    InfoOptions info;
+    MeasureOptions measure;
+
+    OSAL::Outcome<CommandOptions> Take(const std::string& command, const HostOptions& host);
+
+private:
+    OSAL::Outcome<CommandOptions> TakeMeasure();
+};
+
+OSAL::Outcome<CommandOptions> Choice::TakeMeasure() {
+    if (const auto reason = WrongFiles(measure)) return OSAL::Refusal{*reason};
+    const auto keys = ReadMeasureKeys(measure.request.setup);
+    if (!keys) return keys.Why();
+    measure.request.setup = keys->setup;
+    measure.request.gainFile = keys->gainFile;
+    return CommandOptions(measure);
+}
+
+OSAL::Outcome<CommandOptions> Choice::Take(const std::string& command, const HostOptions& host) {
+    if (command == "analyse" && analyse.folder.empty()) return OSAL::Refusal{"the folder's name is empty"};
+    if (command == "run" && run.lines.empty() && run.script.empty())
+        return OSAL::Refusal{"run needs command lines behind --, or a --script"};
+    if (command == "simulate" && !simulate.scene.empty() && !host.radio.air.empty())
+        return OSAL::Refusal{"--scene and --air exclude each other"};
+    if (command == "analyse") return CommandOptions(analyse);
+    if (command == "run") return CommandOptions(run);
+    if (command == "simulate") return CommandOptions(simulate);
+    if (command == "info") return CommandOptions(info);
+    return command == "measure" ? TakeMeasure() : CommandOptions(ShellOptions{});
 }
 
 }  // namespace
@@ -205,23 +295,25 @@ Request ParseArguments(std::vector<std::string> arguments) {
     app.set_version_flag("--version", std::string("tarn ") + TARN_VERSION);
     app.require_subcommand(0, 1);
     AddHostOptions(app, request.host);
-    AnalyseOptions analyse;
-    RunOptions run;
-    SimulateOptions simulate;
-    InfoOptions info;
-    MeasureOptions measure;
-    const auto* analyseCommand = AddAnalyse(app, analyse);
-    const auto* runCommand = AddRun(app, run);
-    const auto* simulateCommand = AddSimulate(app, simulate);
-    const auto* infoCommand = AddInfo(app, info);
-    const auto* measureCommand = AddMeasure(app, measure);
-    const auto* shellCommand = AddShell(app);
+    Choice choice;
+    AddAnalyse(app, choice.analyse);
+    AddRun(app, choice.run);
+    AddSimulate(app, choice.simulate);
+    AddInfo(app, choice.info);
+    AddMeasure(app, choice.measure);
+    AddShell(app);
     for (CLI::App* command : app.get_subcommands({}))
         command->fallthrough();
     app.footer("The options above may stand before or behind the command. Each command has a --help with examples.");
 
+    choice.measure.command = CommandText(arguments);
     MarkVerbatim(arguments);
     std::ranges::reverse(arguments);
+    const auto refuse = [&](const std::string& reason) {
+        request.text = reason;
+        request.status = WrongUsage;
+        return request;
+    };
     try {
         app.parse(std::move(arguments));
     } catch (const CLI::CallForHelp&) {
@@ -232,43 +324,23 @@ Request ParseArguments(std::vector<std::string> arguments) {
         request.text = std::string("tarn ") + TARN_VERSION + "\n";
         return request;
     } catch (const CLI::ParseError& error) {
-        request.text = UsageError(app, error.what());
-        request.status = WrongUsage;
+        return refuse(UsageError(app, error));
+    }
+    Unmark(choice.analyse.folder);
+    Unmark(choice.simulate.folder);
+    std::ranges::for_each(choice.run.lines, Unmark);
+    const auto air = ReadAir(request.host.radio.air);
+    if (!air) return refuse(UsageError(app, air.Reason()));
+    request.host.radio.air = *air;
+
+    const auto chosen = app.get_subcommands();
+    if (chosen.empty()) {
+        request.text = app.help();
         return request;
     }
-    Unmark(analyse.folder);
-    Unmark(simulate.folder);
-    std::ranges::for_each(run.lines, Unmark);
-
-    const auto refuse = [&](const std::string& reason) {
-        request.text = UsageError(app, reason);
-        request.status = WrongUsage;
-    };
-    if (*analyseCommand && analyse.folder.empty()) {
-        refuse("the folder's name is empty");
-    } else if (*analyseCommand) {
-        request.command = analyse;
-    } else if (*runCommand && run.lines.empty() && run.script.empty()) {
-        refuse("run needs command lines behind --, or a --script");
-    } else if (*runCommand) {
-        request.command = run;
-    } else if (*simulateCommand && !simulate.scene.empty() && !request.host.radio.air.empty()) {
-        refuse("--scene and --air exclude each other");
-    } else if (*simulateCommand) {
-        request.command = simulate;
-    } else if (*infoCommand) {
-        request.command = info;
-    } else if (const auto key = ForbiddenKey(measure.request.setup); *measureCommand && key) {
-        refuse("--keys: " + *key + " isn't for this line: the measurement itself sets what it sets");
-    } else if (const auto reason = WrongFiles(measure); *measureCommand && reason) {
-        refuse(*reason);
-    } else if (*measureCommand) {
-        request.command = measure;
-    } else if (*shellCommand) {
-        request.command = ShellOptions{};
-    } else {
-        request.text = app.help();
-    }
+    auto command = choice.Take(chosen.front()->get_name(), request.host);
+    if (!command) return refuse(UsageError(app, command.Reason()));
+    request.command = std::move(*command);
     return request;
 }
 

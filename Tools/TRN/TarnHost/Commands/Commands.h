@@ -53,7 +53,9 @@ struct InfoOptions {
 struct MeasureOptions {
     TarnMeasure::Request request;
     std::string picture;  ///< .png, .svg or .pdf; empty: none
-    std::string csv;      ///< empty: none
+    std::string csv;      ///< "-" for standard output; empty: none
+    std::string limit;    ///< a level or a file; empty: none
+    std::string command;  ///< the program's arguments, as a shell takes them
     bool json = false;    ///< JSON instead of the table
 };
 
