@@ -6,20 +6,7 @@
 
 #include "Exceptions.h"
 #include "Format.h"
-
-namespace Utilities {
-
-/// The one `T` of this module, made at first use.
-template <typename T>
-class Singleton {
-public:
-    static T& Instance() {
-        static T instance;
-        return instance;
-    }
-};
-
-}  // namespace Utilities
+#include "Singleton.h"
 
 namespace Factory {
 
