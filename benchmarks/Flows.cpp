@@ -159,6 +159,7 @@ int main(int argc, char** argv) {
     codes.write(folder / "scan" / "BAND_5.2_CHANNEL_50_BW_160_CHAIN_A_1_.txt");
     quayCommand::RadioSetup setup;
     setup.air = "file:" + (folder / "air.txt").string();
+    setup.storedTuning = quayCommand::StoredTuning::AsTuned;
     if (const auto reason = quayCommand::SetUpRadio(setup)) fail(*reason);
 
     Plugin plugin;

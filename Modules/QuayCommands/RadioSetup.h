@@ -14,6 +14,12 @@
 
 namespace quayCommand {
 
+/// Which stored captures a receiver hears.
+enum class StoredTuning {
+    ByName,  ///< those whose file name tells the channel, width and chain that it is tuned to; other files are left out
+    AsTuned  ///< all of them, whatever it is tuned to: it is for the person to tune to what was recorded
+};
+
 /// Texts as a person types them.
 struct RadioSetup {
     /// "KEY=VALUE,...", keys hw, card, device, antennas, sku, mac, bands, samples, seed, connected. Empty: the default
@@ -27,6 +33,7 @@ struct RadioSetup {
     /// "OPERATION:N[:KIND][,...]": the n-th call of that operation throws, N counting from 1 or "*" for each call; KIND
     /// is common (the default), quay or std. Empty: none.
     std::string faults;
+    StoredTuning storedTuning = StoredTuning::ByName;
 };
 
 /// Makes the adapter of `setup` the one that CommandFactory gives. Call it before the plug-in's Init: pointers taken

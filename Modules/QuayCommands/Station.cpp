@@ -18,7 +18,7 @@ std::optional<std::string> Station::Make(const RadioSetup& setup, std::unique_pt
     if (adapter.IsRefused()) return adapter.Reason();
     auto faults = FaultPlan::Read(setup.faults);
     if (faults.IsRefused()) return faults.Reason();
-    auto air = OpenAir(setup.air, {adapter.Value().seed});
+    auto air = OpenAir(setup.air, {adapter.Value().seed, setup.storedTuning});
     if (air.IsRefused()) return air.Reason();
     std::unique_ptr<Station> station(
         new Station(std::move(adapter.Value()), std::move(air.Value()), std::move(faults.Value())));

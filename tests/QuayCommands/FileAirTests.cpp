@@ -24,6 +24,43 @@ TEST(StoredCaptures, EachChainTakesTheNextFileInTheOrderOfNamesAndStartsOver) {
     EXPECT_FALSE(quayCommand::SetRadioWorkload(true)) << "stored captures know no workload";
 }
 
+TEST(StoredCaptures, AreHeardOnlyOnTheChannelWidthAndChainOfTheirNames) {
+    const Folder folder;
+    folder.Write("BAND_2.4_CHANNEL_6_BW_20_CHAIN_A_1.txt", "1 ,0");
+    folder.Write("BAND_2.4_CHANNEL_6_BW_20_CHAIN_A_2.txt", "2 ,0");
+    folder.Write("BAND_2.4_CHANNEL_6_BW_20_CHAIN_B_1.txt", "3 ,0");
+    folder.Write("x_CHAIN_AB_BAND_5_BW_40_CHANNEL_38_.txt", "4 ,0");
+    folder.Write("notes.txt", "no tuning and no sample");
+    ASSERT_EQ(ReasonOf({"samples=1024", "file:" + folder.Path().string(), "", ""}), "accepted");
+    const auto heard = [](const Tuning& tuning) {
+        std::vector<double> first;
+        for (const auto& chain : Capture(tuning))
+            first.push_back(chain[0].real());
+        return first;
+    };
+    using Heard = std::vector<double>;
+    EXPECT_EQ(heard({0, 0, 6, 3}), (Heard{1, 3}));
+    EXPECT_EQ(heard({0, 0, 6, 1}), Heard{2});
+    EXPECT_EQ(heard({0, 0, 6, 1}), Heard{1}) << "from the first again";
+    EXPECT_EQ(heard({1, 1, 38, 2}), Heard{4});
+    EXPECT_EQ(heard({0, 0, 7, 1}), Heard{}) << "another channel";
+    EXPECT_EQ(heard({0, 1, 6, 1}), Heard{}) << "another width";
+    EXPECT_EQ(quayCommand::CaptureTrouble(),
+              "no stored capture at 2437 MHz, 40 MHz wide, on chain A in " + folder.Path().string());
+    for (const auto& [name, reason] : std::vector<std::pair<std::string, std::string>>{
+             {"BAND_5.2_CHANNEL_37_BW_20_CHAIN_A_.txt",
+              "its name tells band 5.2, channel 37 and width 20, which don't exist"},
+             {"BAND_5.2_CHANNEL_36_BW_20_CHAIN_C_.txt", "its name tells chain C, not A, B or AB"},
+             {"air.txt",
+              "no file name tells a tuning, such as BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_1.txt; other captures can only "
+              "be "
+              "heard as tuned"},
+         }) {
+        const auto path = folder.Write(name, "1 ,2");
+        EXPECT_EQ(ReasonOf({"", "file:" + path, "", ""}), "air: " + path + ": " + reason);
+    }
+}
+
 TEST(StoredCaptures, AFileLongerThanTheCaptureIsCut) {
     const Folder folder;
     std::string text;
@@ -43,10 +80,10 @@ TEST(StoredCaptures, ABadFileIsRefusedWithItsLine) {
              {"1 ,nan\n", ":1: I or Q isn't a code of 16 bits"},
              {"", ": holds no samples"},
          }) {
-        const auto path = folder.Write("bad.txt", text);
+        const auto path = folder.Write("BAND_2.4_CHANNEL_6_BW_20_CHAIN_A_bad.txt", text);
         EXPECT_EQ(ReasonOf({"", "file:" + path, "", ""}), "air: " + path + place);
     }
-    std::filesystem::remove((folder / "bad.txt"));
+    std::filesystem::remove(folder / "BAND_2.4_CHANNEL_6_BW_20_CHAIN_A_bad.txt");
     EXPECT_EQ(ReasonOf({"", "file:" + folder.Path().string(), "", ""}),
               "air: " + folder.Path().string() + ": no sample file in this folder");
     EXPECT_EQ(ReasonOf({"", "file:" + (folder / "none.txt"), "", ""}),

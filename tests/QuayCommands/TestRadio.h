@@ -24,8 +24,9 @@ struct Tuning {
     std::uint32_t preLna = 0, internalGain = 0;
 };
 
+/// Stored captures are heard as tuned.
 inline void UseRadio(const std::string& adapter, const std::string& air) {
-    const auto reason = quayCommand::SetUpRadio({adapter, air, "", ""});
+    const auto reason = quayCommand::SetUpRadio({adapter, air, "", "", quayCommand::StoredTuning::AsTuned});
     ASSERT_FALSE(reason) << *reason;
 }
 

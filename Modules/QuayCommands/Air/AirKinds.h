@@ -7,12 +7,14 @@
 
 #include "Air/Air.h"
 #include "OSAL/Outcome.h"
+#include "RadioSetup.h"
 
 namespace quayCommand {
 
 /// What an air may need of the set-up that it is part of.
 struct AirContext {
     std::uint64_t seed = 1;  ///< same seed, same samples, where an air makes its samples itself
+    StoredTuning storedTuning = StoredTuning::ByName;
 };
 
 /// The air of a person's text, "PREFIX" or "PREFIX:ARGUMENT"; empty text is the default air. A refusal begins with

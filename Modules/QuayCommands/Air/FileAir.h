@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,8 +11,8 @@
 
 namespace quayCommand {
 
-/// Files of ADC samples, one after the other and then from the first again: each chain of a capture takes the next one.
-/// The tuning and the gain play no part: the codes are what was stored.
+/// Files of ADC samples in the order of their names. Each chain of a capture takes the next file that was recorded as
+/// it is tuned, and behind the last one the first again. The gain plays no part: the codes are what was stored.
 class FileAir : public IAir {
 public:
     struct Sample {
@@ -19,9 +20,9 @@ public:
     };
     using Recording = std::vector<Sample>;
 
-    /// One file, or a folder's files in the order of their names; hidden files, "result.csv" and folders within are
-    /// left out. A refusal begins with the file and, for a bad sample, its line number.
-    static OSAL::Outcome<FileAir> Open(const std::string& path);
+    /// One file, or a folder's; hidden files, "result.csv" and folders within are left out. A refusal begins with the
+    /// file and, for a bad sample, its line number.
+    static OSAL::Outcome<FileAir> Open(const std::string& path, StoredTuning tuning);
 
     std::string Describe() const override;
     AirAbilities Abilities() const override;
@@ -29,16 +30,28 @@ public:
     void SetWorkload(bool) override {}
 
 private:
-    std::string m_path;
-    /// What a capture of a recording's first samples overloads; the next one of as many is not counted again.
-    struct Counted {
-        std::size_t samples = 0;
-        std::size_t overloaded = 0;
+    /// What a file was recorded on.
+    struct Tuning {
+        double centreMhz = 0.0;
+        double widthMhz = 0.0;
+        unsigned chainMask = 0;
     };
+    struct Stored {
+        std::optional<Tuning> tuning;  ///< nothing: heard whatever the receiver is tuned to
+        Recording samples;
+        std::uint64_t heard = 0;  ///< how often
+        /// What a capture of the recording's first samples overloads; the next one of as many is not counted again.
+        struct {
+            std::size_t samples = 0;
+            std::size_t overloaded = 0;
+        } counted;
+    };
+    static OSAL::Outcome<std::optional<Tuning>> TuningOf(const std::string& name);
+    /// The next file to be heard so; null when there is none.
+    Stored* Next(const CaptureRequest& request, unsigned chain);
 
-    std::vector<Recording> m_recordings;
-    std::vector<Counted> m_counted;  ///< one for each recording
-    std::size_t m_next = 0;
+    std::string m_path;
+    std::vector<Stored> m_stored;
 };
 
 /// The kind's opener: `path` is a file or a folder.

@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "CaptureName.h"
 #include "Format.h"
 #include "SampleReader.h"
 
@@ -22,11 +23,7 @@ void ThrowFault(LineState state) {
 }  // namespace
 
 std::string ParseParamFromFilename(const std::string& name, const std::string& key) {
-    const std::size_t found = name.find(key);
-    if (found == std::string::npos) return {};
-    const std::size_t begin = found + key.size();
-    const std::size_t end = name.find('_', begin);
-    return end == std::string::npos ? std::string() : name.substr(begin, end - begin);
+    return SampleFiles::NameParameter(name, key);
 }
 
 bool GetParamsFromFilename(const std::string& name, std::string& band, std::string& channel, std::string& bandwidth,
