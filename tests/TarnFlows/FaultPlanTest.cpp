@@ -23,7 +23,7 @@ protected:
         m_flows.reset();
         const auto refusal = quayCommand::SetUpRadio({adapter, "sim:" + Path("tones.json"), Path("journal"), faults});
         EXPECT_EQ(refusal.value_or(""), "");
-        m_flows = std::make_unique<Open<TarnWifiFlows>>(&m_host);
+        m_flows = std::make_unique<TarnWifiFlows>(&m_host);
         int failed = 0;
         try {
             m_flows->Init();
