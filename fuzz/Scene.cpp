@@ -15,7 +15,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         fuzz::Expect(!scene.Reason().empty(), "a refusal has a reason");
         return 0;
     }
-    SceneAir air("fuzz", std::move(scene.Value()), size);
+    const WorkloadSense workload(size % 3 == 0 ? Workload::On : Workload::Off);
+    SceneAir air("fuzz", std::move(scene.Value()), {size, StoredTuning::ByName, &workload});
     std::vector<double> i(512), q(512);
     for (const double centre_mhz : {2437.0, 5210.0, 6185.0}) {
         ChainCapture chain{static_cast<unsigned>(size % 2), 60.0, i, q};

@@ -20,6 +20,13 @@ enum class StoredTuning {
     AsTuned  ///< all of them, whatever it is tuned to: it is for the person to tune to what was recorded
 };
 
+/// Whether a stress workload is taken to run on the machine, which a scene's noise may rise with.
+enum class Workload {
+    Auto,  ///< while a process of the workload's name runs, "bit" or "bit_cmd_line_x64"
+    On,
+    Off
+};
+
 /// Texts as a person types them.
 struct RadioSetup {
     /// "KEY=VALUE,...", keys hw, card, device, antennas, sku, mac, bands, samples, seed, connected. Empty: the default
@@ -34,6 +41,7 @@ struct RadioSetup {
     /// is common (the default), quay or std. Empty: none.
     std::string faults;
     StoredTuning storedTuning = StoredTuning::ByName;
+    Workload workload = Workload::Auto;
 };
 
 /// Makes the adapter of `setup` the one that CommandFactory gives. Call it before the plug-in's Init: pointers taken
@@ -101,9 +109,8 @@ QUAY_COMMANDS_API OSAL::Outcome<Recording> RecordCapture(const RecordRequest& re
 /// @return the answer, or what the radio threw
 QUAY_COMMANDS_API OSAL::Outcome<bool> ReceivesChannel(const RadioTuning& tuning);
 
-/// Tells the air that a stress workload runs on the machine (or no longer does), so that a scene's workload noise
-/// rises.
-/// @return false when the air has no use for it, such as stored captures
+/// Says from now on that a stress workload runs on the machine, or that none does, whatever processes there are.
+/// @return false when the air has no use for it: stored captures, or a scene that is the same with a workload
 QUAY_COMMANDS_API bool SetRadioWorkload(bool running);
 
 /// Names of the shipped scenes, in alphabetical order.

@@ -4,8 +4,10 @@
 
 namespace quayCommand {
 
-Station::Station(AdapterDescription adapter, std::unique_ptr<IAir> air, FaultPlan faults)
+Station::Station(AdapterDescription adapter, std::unique_ptr<WorkloadSense> workload, std::unique_ptr<IAir> air,
+                 FaultPlan faults)
     : m_adapter(std::move(adapter)),
+      m_workload(std::move(workload)),
       m_air(std::move(air)),
       m_faults(std::move(faults)),
       m_bareWifi(m_adapter, *m_air),
@@ -18,10 +20,11 @@ std::optional<std::string> Station::Make(const RadioSetup& setup, std::unique_pt
     if (adapter.IsRefused()) return adapter.Reason();
     auto faults = FaultPlan::Read(setup.faults);
     if (faults.IsRefused()) return faults.Reason();
-    auto air = OpenAir(setup.air, {adapter.Value().seed, setup.storedTuning});
+    auto workload = std::make_unique<WorkloadSense>(setup.workload);
+    auto air = OpenAir(setup.air, {adapter.Value().seed, setup.storedTuning, workload.get()});
     if (air.IsRefused()) return air.Reason();
-    std::unique_ptr<Station> station(
-        new Station(std::move(adapter.Value()), std::move(air.Value()), std::move(faults.Value())));
+    std::unique_ptr<Station> station(new Station(std::move(adapter.Value()), std::move(workload),
+                                                 std::move(air.Value()), std::move(faults.Value())));
     // Last, so that a refused set-up never empties a journal.
     if (auto reason = station->m_journal.Open(setup.journalPath)) return reason;
     out = std::move(station);
@@ -30,7 +33,7 @@ std::optional<std::string> Station::Make(const RadioSetup& setup, std::unique_pt
 
 bool Station::SetWorkload(bool running) {
     if (!m_air->Abilities().hearsWorkload) return false;
-    m_air->SetWorkload(running);
+    m_workload->Set(running ? Workload::On : Workload::Off);
     return true;
 }
 

@@ -8,6 +8,7 @@
 #include "Adapter/Recorder.h"
 #include "Adapter/SimulatedAdapter.h"
 #include "Air/Air.h"
+#include "Air/Workload.h"
 #include "Monitor/MonitoredRadio.h"
 #include "RadioSetup.h"
 
@@ -30,9 +31,11 @@ public:
     bool SetWorkload(bool running);
 
 private:
-    Station(AdapterDescription adapter, std::unique_ptr<IAir> air, FaultPlan faults);
+    Station(AdapterDescription adapter, std::unique_ptr<WorkloadSense> workload, std::unique_ptr<IAir> air,
+            FaultPlan faults);
 
     AdapterDescription m_adapter;
+    std::unique_ptr<WorkloadSense> m_workload;  ///< the air asks it
     std::unique_ptr<IAir> m_air;
     Journal m_journal;
     FaultPlan m_faults;

@@ -78,7 +78,6 @@ public:
         request.chains[0].i[0] = 7.0;
         return facts;
     }
-    void SetWorkload(bool) override {}
     quayCommand::CaptureFacts facts;
 };
 

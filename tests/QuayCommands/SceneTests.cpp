@@ -2,6 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include "OSAL/Process.h"
+
 using namespace radiotest;
 using nlohmann::json;
 
@@ -102,6 +104,27 @@ TEST(Scenes, SourcesComeAndGoWithTheSceneTimeAndTheWorkload) {
         EXPECT_NEAR(running ? during : without, running ? -60.0 : -65.0, 0.2);
         EXPECT_LT(running ? without : during, -95.0);
     }
+}
+
+TEST(Scenes, AWorkloadIsHeardWhileItsProcessRunsUnlessTheSetUpSaysOtherwise) {
+    const Folder folder;
+    const auto air = "sim:" + folder.Write("t.json", R"({"tones": [
+        {"frequency_mhz": 2434.5, "level_dbm": -60, "while": "workload"}]})");
+    const auto hears = [&](quayCommand::Workload workload) {
+        quayCommand::RadioSetup setup{"samples=4096", air, "", ""};
+        setup.workload = workload;
+        EXPECT_EQ(ReasonOf(setup), "accepted");
+        return TonePowerDb(Capture({}).at(0), -2.5, 40.0) - GainDb({}, "A") > -61.0;
+    };
+    std::filesystem::copy("/bin/sleep", folder / "bit");
+    OSAL::ProcessInformation program;
+    ASSERT_TRUE(OSAL::StartProcess(folder.Path().string(), "bit", "60", program));
+    EXPECT_TRUE(hears(quayCommand::Workload::Auto));
+    EXPECT_FALSE(hears(quayCommand::Workload::Off));
+    EXPECT_TRUE(OSAL::TerminateHandle(program));
+    EXPECT_TRUE(hears(quayCommand::Workload::On));
+    const bool isAnothers = OSAL::IsProcessRunning("bit", false);  // of somebody else on this machine
+    EXPECT_TRUE(isAnothers || !hears(quayCommand::Workload::Auto));
 }
 
 TEST(Scenes, ABadSceneIsRefusedWithItsPlaceAndReason) {

@@ -46,7 +46,7 @@ struct AirAbilities {
     MhzRange sampleRateMhz;  ///< it delivers
     unsigned chainMask = 0;  ///< it hears at once; bit 0 A, bit 1 B
     GainTruth gain = GainTruth::Nominal;
-    bool hearsWorkload = false;  ///< `SetWorkload` changes what it delivers
+    bool hearsWorkload = false;  ///< it delivers other samples while a stress workload runs
 };
 
 /// Source of samples. One thread at a time.
@@ -59,9 +59,6 @@ public:
     /// Fills the chains of `request`, which lies within the abilities.
     /// @return what the samples are, or why there are none
     virtual OSAL::Outcome<CaptureFacts> Capture(const CaptureRequest& request) = 0;
-    /// A stress workload runs on the machine, or no longer does, from the next capture on. Only asked of an air that
-    /// hears it.
-    virtual void SetWorkload(bool running) = 0;
 };
 
 /// A capture whose samples are what was asked for: other samples would be read as a level at a frequency where they

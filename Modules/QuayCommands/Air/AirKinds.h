@@ -6,6 +6,7 @@
 #include <string>
 
 #include "Air/Air.h"
+#include "Air/Workload.h"
 #include "OSAL/Outcome.h"
 #include "RadioSetup.h"
 
@@ -15,6 +16,7 @@ namespace quayCommand {
 struct AirContext {
     std::uint64_t seed = 1;  ///< same seed, same samples, where an air makes its samples itself
     StoredTuning storedTuning = StoredTuning::ByName;
+    const WorkloadSense* workload = nullptr;  ///< outlives the air; null: there is never a workload
 };
 
 /// The air of a person's text, "PREFIX" or "PREFIX:ARGUMENT"; empty text is the default air. A refusal begins with

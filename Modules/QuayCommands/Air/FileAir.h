@@ -27,7 +27,6 @@ public:
     std::string Describe() const override;
     AirAbilities Abilities() const override;
     OSAL::Outcome<CaptureFacts> Capture(const CaptureRequest& request) override;
-    void SetWorkload(bool) override {}
 
 private:
     /// What a file was recorded on.

@@ -55,6 +55,12 @@ void AddAll(SceneSignal& signal, const Scene& scene, const std::vector<T>& sourc
     }
 }
 
+bool HearsWorkload(const Scene& scene) {
+    const auto hears = [](const Source& source) { return source.activity != Activity::Always; };
+    return std::ranges::any_of(scene.noise, hears) || std::ranges::any_of(scene.accessPoints, hears) ||
+           std::ranges::any_of(scene.combs, hears) || std::ranges::any_of(scene.tones, hears);
+}
+
 constexpr std::uintmax_t MaxSceneBytes = 1 << 20;
 
 std::string SceneNames() {
@@ -77,8 +83,12 @@ std::optional<std::string> FileText(const std::string& path) {
 
 }  // namespace
 
-SceneAir::SceneAir(std::string name, Scene scene, std::uint64_t seed)
-    : m_name(std::move(name)), m_scene(std::move(scene)), m_signal(std::make_unique<SceneSignal>()), m_seed(seed) {}
+SceneAir::SceneAir(std::string name, Scene scene, const AirContext& context)
+    : m_name(std::move(name)),
+      m_scene(std::move(scene)),
+      m_signal(std::make_unique<SceneSignal>()),
+      m_context(context),
+      m_hearsWorkload(HearsWorkload(m_scene)) {}
 
 SceneAir::~SceneAir() = default;
 
@@ -89,7 +99,7 @@ std::string SceneAir::Describe() const {
 
 AirAbilities SceneAir::Abilities() const {
     // Anything: a scene is arithmetic. Rates are those that whole OFDM symbols fit.
-    return {{0.0, 1e6}, {20.0, 1e6}, (1u << MaxChains) - 1, GainTruth::Known, true};
+    return {{0.0, 1e6}, {20.0, 1e6}, (1u << MaxChains) - 1, GainTruth::Known, m_hearsWorkload};
 }
 
 OSAL::Outcome<CaptureFacts> SceneAir::Capture(const CaptureRequest& request) {
@@ -98,8 +108,8 @@ OSAL::Outcome<CaptureFacts> SceneAir::Capture(const CaptureRequest& request) {
     signal.centreMhz = request.centreMhz;
     signal.sampleRateMhz = request.sampleRateMhz;
     signal.startUs = static_cast<double>(m_captures) * m_scene.captureIntervalUs;
-    signal.captureSeed = MixSeed({m_seed, m_captures});
-    signal.sceneSeed = m_seed;
+    signal.captureSeed = MixSeed({m_context.seed, m_captures});
+    signal.sceneSeed = m_context.seed;
     signal.samples = request.chains.front().i.size();
     signal.antennas.resize(request.chains.size());
     for (std::size_t k = 0; k < request.chains.size(); ++k) {
@@ -109,11 +119,12 @@ OSAL::Outcome<CaptureFacts> SceneAir::Capture(const CaptureRequest& request) {
     }
     ++m_captures;
 
+    const bool workload = m_hearsWorkload && m_context.workload && m_context.workload->IsRunning();
     AddThermalNoise(signal, m_scene.noiseFigureDb);
-    AddAll(signal, m_scene, m_scene.noise, 1, m_workload, AddNoiseBand);
-    AddAll(signal, m_scene, m_scene.accessPoints, 2, m_workload, AddAccessPoint);
-    AddAll(signal, m_scene, m_scene.combs, 3, m_workload, AddComb);
-    AddAll(signal, m_scene, m_scene.tones, 4, m_workload, AddTone);
+    AddAll(signal, m_scene, m_scene.noise, 1, workload, AddNoiseBand);
+    AddAll(signal, m_scene, m_scene.accessPoints, 2, workload, AddAccessPoint);
+    AddAll(signal, m_scene, m_scene.combs, 3, workload, AddComb);
+    AddAll(signal, m_scene, m_scene.tones, 4, workload, AddTone);
 
     CaptureFacts facts{signal.centreMhz, signal.sampleRateMhz, signal.startUs, 0, {}};
     for (std::size_t k = 0; k < request.chains.size(); ++k) {
@@ -147,7 +158,7 @@ OSAL::Outcome<std::unique_ptr<IAir>> OpenSceneAir(const std::string& name, const
             name % SceneNames()};
     auto scene = ReadScene(*text);
     if (scene.IsRefused()) return OSAL::Refusal{Common::Format("${1}: ${2}") % name % scene.Reason()};
-    return std::unique_ptr<IAir>(std::make_unique<SceneAir>(name, std::move(scene.Value()), context.seed));
+    return std::unique_ptr<IAir>(std::make_unique<SceneAir>(name, std::move(scene.Value()), context));
 }
 
 }  // namespace quayCommand
