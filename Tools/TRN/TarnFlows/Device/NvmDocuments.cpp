@@ -2,11 +2,13 @@
 
 #include <array>
 #include <cstddef>
+#include <sstream>
 #include <stdexcept>
 #include <string_view>
 #include <vector>
 
 #include "HardwareTypes.h"
+#include "Xml/Writer.h"
 
 namespace {
 
@@ -66,9 +68,22 @@ std::string Hex(unsigned value) {
     return "0x" + text;
 }
 
-std::string Attribute(const char* name, const std::string& value) {
-    return std::string(" ") + name + "='" + value + "'";
-}
+/// An element for as long as this lives.
+class Element {
+public:
+    Element(XML::IListener& document, const char* name) : m_document(document) { m_document.OpenTag(name); }
+    ~Element() { m_document.CloseTag(); }
+    Element(const Element&) = delete;
+    Element& operator=(const Element&) = delete;
+
+    Element& With(const char* name, const std::string& value) {
+        m_document.Attribute(name, value.c_str());
+        return *this;
+    }
+
+private:
+    XML::IListener& m_document;
+};
 
 std::vector<Partition> PartitionsOf(const Product& product) {
     std::vector<Field> bands{{"LowBandEnable", "SKU", 0, 0, 0x0, "None"}, {"HighBandEnable", "SKU", 1, 1, 0x0, "None"}};
@@ -102,41 +117,55 @@ std::vector<Partition> PartitionsOf(const Product& product) {
     return partitions;
 }
 
-std::string FieldElement(const Field& field, unsigned sectionAddress) {
-    return "<Field" + Attribute("Name", field.name) + Attribute("Category", field.category) +
-           Attribute("StartBit", std::to_string(field.startBit)) + Attribute("StopBit", std::to_string(field.stopBit)) +
-           Attribute("ByteOffset", Hex(field.byteOffset)) + Attribute("PreservedField", field.preserved) +
-           Attribute("RepresentType", "offset") + Attribute("PhysicalAddress", Hex(sectionAddress + field.byteOffset)) +
-           "/>";
+void WriteField(XML::IListener& document, const Field& field, unsigned sectionAddress) {
+    Element(document, "Field")
+        .With("Name", field.name)
+        .With("Category", field.category)
+        .With("StartBit", std::to_string(field.startBit))
+        .With("StopBit", std::to_string(field.stopBit))
+        .With("ByteOffset", Hex(field.byteOffset))
+        .With("PreservedField", field.preserved)
+        .With("RepresentType", "offset")
+        .With("PhysicalAddress", Hex(sectionAddress + field.byteOffset));
 }
 
 /// @param address  place of the next section, which moves behind this one
-std::string SectionElement(const Section& section, unsigned id, bool hasBurnerName, unsigned& address) {
-    std::string xml = "<Section" + Attribute("Name", section.name) + Attribute("SectionID", std::to_string(id)) +
-                      Attribute("SectionByteLen", std::to_string(section.byteLength)) +
-                      Attribute("PhysicalAddress", Hex(address));
-    if (hasBurnerName) xml += Attribute("nvmBurnerSecName", section.name);
-    xml += "><Sub-sections><Fields>";
+void WriteSection(XML::IListener& document, const Section& section, unsigned id, bool hasBurnerName,
+                  unsigned& address) {
+    Element element(document, "Section");
+    element.With("Name", section.name)
+        .With("SectionID", std::to_string(id))
+        .With("SectionByteLen", std::to_string(section.byteLength))
+        .With("PhysicalAddress", Hex(address));
+    if (hasBurnerName) element.With("nvmBurnerSecName", section.name);
+    const Element subSections(document, "Sub-sections"), fields(document, "Fields");
     for (const Field& field : section.fields)
-        xml += FieldElement(field, address);
+        WriteField(document, field, address);
     address += section.byteLength;
-    return xml + "</Fields></Sub-sections></Section>";
+}
+
+void WriteProduct(XML::IListener& document, const Product& product) {
+    Element metadata(document, "NVM_METADATA");
+    metadata.With("Product", product.name);
+    if (product.formFactor) metadata.With("FormFactor", product.formFactor);
+    metadata.With("XML-Ver", "1.0").With("Content-Ver", product.contentVersion);
+    const Element partitions(document, "Partitions");
+    unsigned address = 0;
+    for (const Partition& partition : PartitionsOf(product)) {
+        Element element(document, "Partition");
+        element.With("Name", partition.name).With("PartitionId", std::to_string(partition.id));
+        const Element sections(document, "Sections");
+        unsigned id = 0;
+        for (const Section& section : partition.sections)
+            WriteSection(document, section, id++, product.hasBurnerNames, address);
+    }
 }
 
 std::string Document(const Product& product) {
-    std::string xml = "<NVM_METADATA" + Attribute("Product", product.name);
-    if (product.formFactor) xml += Attribute("FormFactor", product.formFactor);
-    xml += Attribute("XML-Ver", "1.0") + Attribute("Content-Ver", product.contentVersion) + "><Partitions>";
-    unsigned address = 0;
-    for (const Partition& partition : PartitionsOf(product)) {
-        xml += "<Partition" + Attribute("Name", partition.name) +
-               Attribute("PartitionId", std::to_string(partition.id)) + "><Sections>";
-        unsigned id = 0;
-        for (const Section& section : partition.sections)
-            xml += SectionElement(section, id++, product.hasBurnerNames, address);
-        xml += "</Sections></Partition>";
-    }
-    return xml + "</Partitions></NVM_METADATA>";
+    std::ostringstream text;
+    XML::Writer writer(text, {.layout = XML::WriterStyle::Layout::OneLine, .quote = '\''});
+    WriteProduct(writer, product);
+    return text.str();
 }
 
 const std::string& DocumentOf(NvmDocument id) {
