@@ -35,6 +35,18 @@ TEST(Variables, ExpandReferencesInnermostFirst) {
     EXPECT_EQ(variables.GetOrEmpty("xc"), "set");
 }
 
+TEST(Variables, AskTheEndOfTheChainAndNeverThemselves) {
+    Variables inner, middle, outer;
+    inner.SetParent(&middle);
+    inner.SetParent(nullptr);
+    inner.SetParent(&outer);
+    outer.Set("a", "1");
+    EXPECT_EQ(inner.GetOrEmpty("a"), "1");
+    outer.SetParent(&outer);
+    EXPECT_EQ(Support::LocatedText([&] { inner.Exists("b"); }),
+              "Assertion (m_pParent != this) failed at NamedStorage::Get in NamedStorage::Get");
+}
+
 TEST(Variables, EvaluateExpressions) {
     Variables variables;
     variables.Set("n", "6");

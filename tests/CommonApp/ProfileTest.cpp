@@ -45,6 +45,7 @@ const std::string profile =
     "<Local><Variable name='a' value='<$(all2)>'/></Local>"
     "<HeadNote>head</HeadNote><FootNote>foot</FootNote><Help><Note>one</Note><Note>two</Note></Help></Command>"
     "<Command name='none' key='-none' class='NoSuchClass'/><Command name='plain' key='-plain'/>"
+    "<Command name='every' key='*'/>"
     "</Profile>";
 
 }  // namespace
@@ -63,6 +64,7 @@ TEST(Profile, GivesVariablesAndCommandsInBothForms) {
         EXPECT_EQ(tool.Execute("-tell x -plain -tell $(who)"), "nothing thrown");
         EXPECT_EQ(Telling::told, "tell: <all!>, x, of all; tell: <all!>, all, of all; ");
         EXPECT_EQ(tool.Execute("-none"), "none Command is not supported!");
+        EXPECT_EQ(tool.Execute("-xyz"), "nothing thrown");
         EXPECT_EQ(tool.Execute("-tell"), "invalid usage of key <tell>: argument is missing.");
         const auto command = tool.GetProcessor().FindCommand("tell");
         command->PrintHeadNote();

@@ -7,15 +7,6 @@ namespace {
 
 constexpr char captureSeparator = '\xFF';
 
-/// More matches of one key than this aren't possible, as each takes a character or a token away; but for a pattern of
-/// wildcards alone, which finds its own captures again and again.
-std::size_t MatchLimit(const TokenList& tokens) {
-    std::size_t limit = 0;
-    for (const auto& token : tokens)
-        limit += token.size() + 1;
-    return limit;
-}
-
 }  // namespace
 
 namespace Exceptions {
@@ -38,6 +29,13 @@ UnexpectedException::UnexpectedException(const std::string& leftovers)
     : ParsingException(Common::Format("unrecognized arguments found: ${1}") % leftovers), m_leftovers(leftovers) {}
 
 }  // namespace Exceptions
+
+std::size_t AKey::MatchLimit(const TokenList& tokens) {
+    std::size_t limit = 0;
+    for (const auto& token : tokens)
+        limit += token.size() + 1;
+    return limit;
+}
 
 bool AKey::Extract(TokenList& tokens, Position& position) {
     for (auto token = tokens.begin(); token != tokens.end(); ++token) {

@@ -131,6 +131,11 @@ public:
     /// @return false, and nothing changed, when no token matches
     virtual bool Extract(TokenList& tokens, Position& position);
 
+protected:
+    /// More matches of one key than this aren't possible, as each takes a character or a token away; but for a pattern
+    /// of wildcards alone, which finds its own captures again and again.
+    static std::size_t MatchLimit(const TokenList& tokens);
+
 private:
     std::string m_name;
 };

@@ -104,7 +104,8 @@ void ACommand::PrintFootNote() {
 }
 
 void Processor::CmdLineKey::Parse(CmdLine::TokenList& tokens) {
-    for (CmdLine::Position position; Extract(tokens, position);) {
+    auto matchesLeft = MatchLimit(tokens);
+    for (CmdLine::Position position; matchesLeft > 0 && Extract(tokens, position); --matchesLeft) {
         auto arguments = MakeCounted<Environment::Variables>();
         for (unsigned i = 1; i <= m_command->GetArgumentCount(); ++i) {
             if (position == tokens.end()) throw new CmdLine::Exceptions::ArgumentMissingException(m_command->GetName());

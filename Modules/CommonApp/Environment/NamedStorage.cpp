@@ -1,6 +1,5 @@
 #include "Environment/NamedStorage.h"
 
-#include <cassert>
 #include <vector>
 
 #include "Exceptions.h"
@@ -8,7 +7,13 @@
 #include "Xml/Node.h"
 
 const std::string* NamedStorage::Get(const std::string& name) const {
-    assert(m_pParent != this);
+    if (m_pParent == this) {
+        constexpr const char* function = "NamedStorage::Get";
+        Utilities::Exception failure(Common::Format("Assertion (${1}) failed at ${2}") % "m_pParent != this" %
+                                     function);
+        failure.SetLocation(new Utilities::ErrorLocation(__FILE__, __LINE__, function));
+        throw failure;
+    }
     return m_pParent ? m_pParent->Get(name) : nullptr;
 }
 
