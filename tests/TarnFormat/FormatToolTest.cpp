@@ -16,9 +16,9 @@ struct Outcome {
 
 struct FormatTool : testing::Test {
     /// Runs the program in the folder of the test.
-    Outcome Run(const std::string& arguments) const {
+    Outcome Run(const std::string& arguments, const std::string& program = TARN_FORMAT) const {
         const auto command =
-            "cd " + folder.Path().string() + " && " TARN_FORMAT " " + arguments + " 2>error </dev/null";
+            "cd " + folder.Path().string() + " && " + program + " " + arguments + " 2>error </dev/null";
         FILE* pipe = popen(command.c_str(), "r");
         std::string output;
         std::array<char, 4096> piece;
@@ -107,6 +107,26 @@ TEST_F(FormatTool, SaysWhatIsWrongAndEndsWithAStatus) {
     EXPECT_EQ(refused.status, 254);
     EXPECT_TRUE(refused.output.starts_with("\nError: can't write 'missing/x': ")) << refused.output;
     EXPECT_FALSE(std::filesystem::exists(folder / "x"));
+}
+
+TEST_F(FormatTool, EndsEveryKindOfFailureWithItsMessageAndStatus) {
+    struct Case {
+        const char* className;
+        int status;
+        const char *output, *place;
+    };
+    for (const auto& c : {Case{"Result", 7, "", ""}, Case{"Level", 17, "\ndone\n", ""},
+                          Case{"Code", 2, "\nError: open\nDetails: (2) No such file or directory\n", "f.cpp(5)\n"},
+                          Case{"Located", 253, "\nError: located\n", "f.cpp(9)\n"},
+                          Case{"Driver", 253, "\nError: driver, -4\n", "d.cpp(1)\n"},
+                          Case{"Legacy", 254, "\nError: legacy\n", ""}, Case{"Number", 255, "", ""}}) {
+        folder.Write("p.xml", std::string("<P id='q'><Command name='n' class='") + c.className + "'/></P>");
+        for (const bool placed : {false, true}) {
+            const auto run = Run(placed ? "-log=1 -profile p.xml" : "-profile p.xml", FAILING_FORMAT);
+            EXPECT_EQ(run.status, c.status) << c.className;
+            EXPECT_EQ(run.output, std::string(c.output) + (placed ? c.place : "")) << c.className;
+        }
+    }
 }
 
 TEST_F(FormatTool, PacksAndUnpacksWhatOtherToolsRead) {

@@ -1,10 +1,12 @@
 #include "FormatTool.h"
 
 #include <fstream>
+#include <iostream>
 
 #include "Commands.h"
 #include "Format.h"
 #include "OSAL/Paths.h"
+#include "Streams/AppStreams.h"
 #include "Xml/Node.h"
 
 namespace TarnFormat {
@@ -65,6 +67,27 @@ std::int32_t FormatTool::Execute() {
     for (const auto& queue : m_queues)
         if (const auto result = GetProcessor().Execute(queue); result != 0) return result;
     return Application::Execute();
+}
+
+namespace {
+
+/// The frame's codes 256 to 259 don't fit where a status has eight bits: they become 252 to 255.
+int StatusOf(std::int32_t code) {
+    if (code >= Common::ExitCommandLine && code <= Common::ExitUnknownException) return code - 4;
+    return code > Common::ExitUnknownException || code < 0 ? 255 : code;
+}
+
+}  // namespace
+
+int RunProgram(int argc, char** argv) {
+    auto& streams = *SingletonWrapper<Streams::AppStreams>::accessObject();
+    streams.errorStream = streams.debugStream = &std::cerr;
+    streams.outputStream = &std::cout;
+    streams.inputStream = &std::cin;
+    FormatTool tool;
+    const int status = StatusOf(tool.Run(argc, argv));
+    std::cout.flush();
+    return status == 0 && !std::cout ? 1 : status;  // what it should say isn't read in full
 }
 
 }  // namespace TarnFormat

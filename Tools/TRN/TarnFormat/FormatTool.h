@@ -27,4 +27,7 @@ private:
     std::vector<std::string> m_queues;
 };
 
+/// The whole program, on the standard streams. @return its exit status
+int RunProgram(int argc, char** argv);
+
 }  // namespace TarnFormat
