@@ -14,8 +14,8 @@ using Huffman::huffman_streambuf;
 using Huffman::ReadNumber;
 using Huffman::WriteNumber;
 
-constexpr Huffman::StreamLimits alphabetLimits{.uncodedBytes = 8u << 20};
-constexpr std::uint32_t mostUncodedParts = 8u << 20;  // of a sequence whose one part takes no bits
+constexpr Huffman::StreamLimits alphabetLimits{.uncodedBytes = 4u << 20};
+constexpr std::uint32_t mostUncodedParts = 4u << 20;  // of a sequence whose one part takes no bits
 constexpr std::uint32_t leastBlock = 8;               // room for an alphabet without a part
 
 bool IsAlphanumeric(char c) {

@@ -17,7 +17,7 @@ using Huffman::WriteNumber;
 
 constexpr char magic[] = "XB02";  // with its closing byte
 constexpr std::uint32_t blockSize = 32768;
-constexpr Huffman::StreamLimits recordLimits{.uncodedBytes = 8u << 20};
+constexpr Huffman::StreamLimits recordLimits{.uncodedBytes = 4u << 20};
 
 enum class Record : unsigned char { EndDocument = 1, OpenTag, CloseTag, Text, Attribute };
 
