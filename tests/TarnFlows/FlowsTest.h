@@ -57,7 +57,9 @@ protected:
     /// Puts another adapter in place and makes a flow object for it, without Init.
     void Place(const std::string& adapter, const std::string& faults = "") {
         m_flows.reset();
-        const auto refusal = quayCommand::SetUpRadio({adapter, m_air, (m_folder / "journal").string(), faults});
+        quayCommand::RadioSetup setup{adapter, m_air, (m_folder / "journal").string(), faults};
+        setup.storedTuning = quayCommand::StoredTuning::AsTuned;
+        const auto refusal = quayCommand::SetUpRadio(setup);
         ASSERT_EQ(refusal.value_or(""), "");
         m_seenCalls = 0;
         m_flows = std::make_unique<TarnWifiFlows>(&m_host);
