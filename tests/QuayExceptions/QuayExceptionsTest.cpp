@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "QuayExceptions.h"
-#include "TypeAny.h"
 
 namespace {
 std::string record;

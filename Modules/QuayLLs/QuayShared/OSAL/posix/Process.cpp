@@ -111,10 +111,8 @@ bool Terminate(const ProcessInformation& information) {
 
 /// Arguments as the system wants them; valid as long as the texts are.
 std::vector<char*> PointersTo(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    for (std::string& text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
+    std::vector<char*> pointers(texts.size() + 1);  // a null at the end
+    std::transform(texts.begin(), texts.end(), pointers.begin(), [](std::string& text) { return text.data(); });
     return pointers;
 }
 

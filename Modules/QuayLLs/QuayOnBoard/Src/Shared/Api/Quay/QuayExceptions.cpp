@@ -19,3 +19,26 @@ CQuayMsgException::CQuayMsgException(const char* description, const char* functi
 void SetQuayErrorHook(QuayErrorHook hook) {
     errorHook = hook;
 }
+
+namespace TypeAny {
+
+namespace {
+template <typename T>
+std::unique_ptr<placeholder> Named(const char* name, T value) {
+    auto argument = std::make_unique<TypeContainer<T>>(value);
+    argument->SetName(name);
+    return argument;
+}
+}  // namespace
+
+std::vector<std::unique_ptr<placeholder>> ArgumentsOf(const QuayErrorRecord& record) {
+    std::vector<std::unique_ptr<placeholder>> arguments;
+    arguments.push_back(std::make_unique<TypeContainer<int>>('\0'));
+    arguments.push_back(Named("fileName", record.fileName));
+    arguments.push_back(Named<int>("errorLine", record.errorLine));
+    arguments.push_back(Named("funcName", record.funcName));
+    arguments.push_back(Named("desc", record.desc));
+    return arguments;
+}
+
+}  // namespace TypeAny

@@ -3,7 +3,11 @@
 
 #include <cstdint>
 #include <exception>
+#include <memory>
 #include <string>
+#include <vector>
+
+#include "Publisher/TypeAny.h"
 
 class CQuayException : public std::exception {};
 
@@ -40,3 +44,9 @@ struct QuayErrorRecord {
 /// Installed by the layer that owns the trace publisher; null detaches.
 using QuayErrorHook = void (*)(const QuayErrorRecord&);
 void SetQuayErrorHook(QuayErrorHook hook);
+
+namespace TypeAny {
+/// The arguments of a published error, in the publisher's order: a null marker, then fileName, errorLine, funcName and
+/// desc under these names.
+std::vector<std::unique_ptr<placeholder>> ArgumentsOf(const QuayErrorRecord& record);
+}  // namespace TypeAny

@@ -1,9 +1,6 @@
-#include "TypeAny.h"
+#include "Publisher/TypeAny.h"
 
 #include <algorithm>
-
-#include "Format.h"
-#include "QuayExceptions.h"
 
 namespace TypeAny {
 
@@ -11,13 +8,6 @@ namespace {
 
 bool IsTextCharacter(char c) {
     return (c >= ' ' && c <= '~') || c == '\n' || c == '\r';
-}
-
-template <typename T>
-std::unique_ptr<placeholder> Named(const char* name, T value) {
-    auto argument = std::make_unique<TypeContainer<T>>(value);
-    argument->SetName(name);
-    return argument;
 }
 
 }  // namespace
@@ -38,19 +28,10 @@ std::string placeholder::ToText() const {
     std::string text = "Type: " + m_typeName;
     if (m_isText) return text + "\nBuffer Size: " + std::to_string(GetSize()) + "\nContent " + m_block + "\n";
     text += "\nContent ";
+    constexpr const char* digits = "0123456789ABCDEF";
     for (const char c : m_block)
-        text += Common::ToDecimalText(static_cast<unsigned char>(c), 16, 2) + " ";
+        text.append({digits[static_cast<unsigned char>(c) / 16], digits[static_cast<unsigned char>(c) % 16], ' '});
     return text;
-}
-
-std::vector<std::unique_ptr<placeholder>> ArgumentsOf(const QuayErrorRecord& record) {
-    std::vector<std::unique_ptr<placeholder>> arguments;
-    arguments.push_back(std::make_unique<TypeContainer<int>>('\0'));
-    arguments.push_back(Named("fileName", record.fileName));
-    arguments.push_back(Named<int>("errorLine", record.errorLine));
-    arguments.push_back(Named("funcName", record.funcName));
-    arguments.push_back(Named("desc", record.desc));
-    return arguments;
 }
 
 }  // namespace TypeAny

@@ -3,11 +3,7 @@
 
 #include <cstddef>
 #include <cstring>
-#include <memory>
 #include <string>
-#include <vector>
-
-struct QuayErrorRecord;
 
 namespace TypeAny {
 
@@ -55,9 +51,5 @@ public:
     explicit TypeContainer(const char* value)
         : placeholder("char const * __ptr64", value ? value : "", value ? std::strlen(value) : 0, true) {}
 };
-
-/// The arguments of a published error, in the publisher's order: a null marker, then fileName, errorLine, funcName and
-/// desc under these names.
-std::vector<std::unique_ptr<placeholder>> ArgumentsOf(const QuayErrorRecord& record);
 
 }  // namespace TypeAny
