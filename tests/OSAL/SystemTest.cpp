@@ -50,8 +50,9 @@ TEST(LocalTime, SaysWhenTheBufferIsTooSmall) {
 TEST(Sleeps, LastAtLeastTheirTimeAndPublishAScope) {
     static std::string published;
     static int depth = 0;
-    const OSAL::SleepScopeHook hook{[](const char* function) -> void* {
-                                        published += function;
+    const OSAL::SleepScopeHook hook{[](const OSAL::PublishedSleep& sleep) -> void* {
+                                        published += std::string(sleep.function) + " " + sleep.argumentNames + " " +
+                                                     std::to_string(sleep.amount) + "\n";
                                         return &++depth;
                                     },
                                     [](void* scope) { --*static_cast<int*>(scope); }};
@@ -65,7 +66,8 @@ TEST(Sleeps, LastAtLeastTheirTimeAndPublishAScope) {
     OSAL::SleepMs(1);
     OSAL::SetSleepScopeHook(nullptr);
     OSAL::Sleep::MilliSec(1);
-    EXPECT_EQ(published, "OSAL::Sleep::MilliSecOSAL::Sleep::MicroSec");
+    EXPECT_EQ(published,
+              "OSAL::Sleep::MilliSec '\\0', milliseconds 12\nOSAL::Sleep::MicroSec '\\0', microseconds 300\n");
     EXPECT_EQ(depth, 0);
 }
 

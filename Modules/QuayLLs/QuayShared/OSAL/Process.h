@@ -37,6 +37,9 @@ bool StartProcess(const std::string& directory, const std::string& name, const s
 bool TerminateHandle(const ProcessInformation& information);
 /// Ends every program of that name but the caller. False when one of them is still there.
 bool TerminateByName(const std::string& name);
+std::uint32_t GetCurrentProcessId();
+/// Whether a debugger follows this process.
+bool IsDebuggerPresent();
 /// The system's error number of this thread's last call that failed.
 std::uint32_t GetLastError();
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
+#include <source_location>
 #include <string>
 
 namespace OSAL {
@@ -68,9 +69,16 @@ public:
     static void MicroSec(std::uint32_t microseconds);
 };
 
-/// Told of each published wait: `begin` before it, with the operation's name; `end` after it, with what `begin` gave.
+/// A wait that is about to begin.
+struct PublishedSleep {
+    const char* function;
+    const char* argumentNames;  // with a marker before: "'\0', seconds"
+    std::uint32_t amount;
+    std::source_location place;
+};
+/// Told of each published wait: `begin` before it; `end` after it, with what `begin` gave.
 struct SleepScopeHook {
-    void* (*begin)(const char* function);
+    void* (*begin)(const PublishedSleep& sleep);
     void (*end)(void* scope);
 };
 /// The record must stay alive while it is installed; null detaches.

@@ -18,6 +18,7 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <string_view>
 #include <system_error>
 
 #include "OSAL/Paths.h"
@@ -257,6 +258,18 @@ bool TerminateByName(const std::string& name) {
 
 std::uint32_t GetCurrentThreadId() {
     return static_cast<std::uint32_t>(syscall(SYS_gettid));
+}
+
+std::uint32_t GetCurrentProcessId() {
+    return static_cast<std::uint32_t>(getpid());
+}
+
+bool IsDebuggerPresent() {
+    constexpr std::string_view key = "TracerPid:\t";
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);)
+        if (line.starts_with(key)) return line.substr(key.size()) != "0";
+    return false;
 }
 
 std::uint32_t GetLastError() {
