@@ -124,8 +124,23 @@ void ThrowLogged(const char* function, const std::string& text, unsigned level) 
     throw Common::Exception(text);
 }
 
-TraceScope::TraceScope(const char* file, const char* function) noexcept : m_file(file), m_function(function) {
+TraceScope::TraceScope(const TracePlace& place) noexcept : m_file(place.file), m_function(place.function) {
     if (IsTraceOn()) WriteTrace(TraceInfo, m_file, m_function, "--------------------->Enter");
+    if (Publisher::IsPublishing()) Publish(place);
+}
+
+void TraceScope::Publish(const TracePlace& place) noexcept {
+    try {
+        Publisher::PublishRecord record;
+        record.line = place.line;
+        record.file = place.file;
+        record.function = place.function;
+        record.signature = place.signature;
+        record.action = "Operation";
+        m_published.Begin(std::move(record), nullptr, {});
+    } catch (...) {
+        // An operation is worth more than its trace.
+    }
 }
 
 TraceScope::~TraceScope() {

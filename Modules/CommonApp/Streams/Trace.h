@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Format.h"
+#include "Publisher/Publisher.h"
 
 namespace Streams {
 
@@ -22,17 +23,28 @@ void ReportFailure(const char* file, const char* function, const std::string& me
 /// Logs `text` under the operation's name and throws it as a Common::Exception.
 [[noreturn]] void ThrowLogged(const char* function, const std::string& text, unsigned level = TraceError);
 
-/// The Enter and Exit lines of an operation. `function` must outlive the scope: pass a literal.
+/// Where an operation stands; all texts outlive its scope.
+struct TracePlace {
+    const char* file;
+    unsigned line;
+    const char* function;   // qualified name
+    const char* signature;  // the full one
+};
+
+/// The Enter and Exit lines of an operation, and its published scope when somebody listens.
 class TraceScope {
 public:
-    TraceScope(const char* file, const char* function) noexcept;
+    explicit TraceScope(const TracePlace& place) noexcept;
     ~TraceScope();
     TraceScope(const TraceScope&) = delete;
     TraceScope& operator=(const TraceScope&) = delete;
 
 private:
+    void Publish(const TracePlace& place) noexcept;
+
     const char* m_file;
     const char* m_function;
+    Publisher::PublishScope m_published;
 };
 
 }  // namespace Streams
@@ -41,7 +53,7 @@ private:
 /// name given here.
 #define TRACE_SCOPE(name)                                  \
     static constexpr const char* traceFunctionName = name; \
-    const ::Streams::TraceScope traceScope(__FILE__, traceFunctionName)
+    const ::Streams::TraceScope traceScope({__FILE__, __LINE__, traceFunctionName, __PRETTY_FUNCTION__})
 
 /// Reports a failure as `ReportFailure` does, under the name of the operation's scope.
 #define REPORT_FAILURE(message) ::Streams::ReportFailure(__FILE__, traceFunctionName, (message))

@@ -1,10 +1,8 @@
 #include "QuayExceptions.h"
 
-#include <atomic>
+#include "Publisher/Publisher.h"
 
 namespace {
-std::atomic<QuayErrorHook> errorHook{nullptr};
-
 std::string Joined(const char* description, const char* function) {
     return std::string(description ? description : "") + " in " + (function ? function : "");
 }
@@ -12,33 +10,12 @@ std::string Joined(const char* description, const char* function) {
 
 CQuayMsgException::CQuayMsgException(const char* description, const char* function, const char* file, std::int32_t line)
     : AQuayErrLocException(file, line), m_message(Joined(description, function)) {
-    if (const auto hook = errorHook.load())
-        hook({GetFile(), line, function ? function : "", description ? description : ""});
+    if (!Publisher::IsPublishing()) return;
+    Publisher::PublishRecord record;
+    record.line = __LINE__;
+    record.file = __FILE__;
+    record.function = "CQuayMsgException::CQuayMsgException";
+    record.signature = __PRETTY_FUNCTION__;
+    Publisher::PublishException(std::move(record), "'\\0', fileName, errorLine, funcName, desc",
+                                Publisher::ArgumentsOf(GetFile(), line, function, description));
 }
-
-void SetQuayErrorHook(QuayErrorHook hook) {
-    errorHook = hook;
-}
-
-namespace TypeAny {
-
-namespace {
-template <typename T>
-std::unique_ptr<placeholder> Named(const char* name, T value) {
-    auto argument = std::make_unique<TypeContainer<T>>(value);
-    argument->SetName(name);
-    return argument;
-}
-}  // namespace
-
-std::vector<std::unique_ptr<placeholder>> ArgumentsOf(const QuayErrorRecord& record) {
-    std::vector<std::unique_ptr<placeholder>> arguments;
-    arguments.push_back(std::make_unique<TypeContainer<int>>('\0'));
-    arguments.push_back(Named("fileName", record.fileName));
-    arguments.push_back(Named<int>("errorLine", record.errorLine));
-    arguments.push_back(Named("funcName", record.funcName));
-    arguments.push_back(Named("desc", record.desc));
-    return arguments;
-}
-
-}  // namespace TypeAny
