@@ -288,22 +288,63 @@ TEST(Analyse, CtrlCKeepsTheResultsSoFar) {
     EXPECT_TRUE(Has(run.out, rows.front().file)) << run.out;
 }
 
-TEST(Run, CtrlCEndsTheWaitForTheNextLine) {
+/// A program that waits for its next line, and gets a signal once it has set up the radio.
+ProgramRun WaitingAndGetting(int signal, std::vector<std::string> options, const std::string& temp) {
     int silent[2];
-    ASSERT_EQ(::pipe2(silent, 0), 0);  // both ends inherited: never at its end
-    const Support::TempFolder folder;
-    const fs::path journal = folder.Path() / "journal";
-    const auto run = Program({"run", "--script", "/dev/fd/" + std::to_string(silent[0]), "--journal", journal.string()})
-                         .Signal(SIGTERM,
-                                 [&] {
-                                     return Has(TarnHost::ReadText(journal), "SetManual") ||
-                                            Has(TarnHost::ReadText(journal), "ConfigTxRx");
-                                 })
-                         .Run();
-    EXPECT_EQ(run.status, 143) << run.err;
-    EXPECT_EQ(run.err, "tarn: interrupted\n");
+    if (::pipe2(silent, 0) != 0) return {};  // both ends inherited: never at its end
+    const std::string journal = temp + "/journal";
+    options.insert(options.end(), {"run", "--script", "/dev/fd/" + std::to_string(silent[0]), "--journal", journal});
+    const auto isReady = [&] {
+        const std::string calls = Support::ReadText(journal);
+        return Has(calls, "SetManual") || Has(calls, "ConfigTxRx");
+    };
+    auto run = Program(options).With("TMPDIR=" + temp).Signal(signal, isReady).Run();
     ::close(silent[0]);
     ::close(silent[1]);
+    return run;
+}
+
+TEST(Run, CtrlCEndsTheWaitForTheNextLine) {
+    const Support::TempFolder folder;
+    const auto run = WaitingAndGetting(SIGTERM, {}, folder.Path().string());
+    EXPECT_EQ(run.status, 143) << run.err;
+    EXPECT_EQ(run.err, "tarn: interrupted\n");
+}
+
+TEST(Run, ACrashLeavesAReportAndTheShellsStatus) {
+    const Support::TempFolder folder;
+    const auto run = WaitingAndGetting(SIGSEGV, {}, folder.Path().string());
+    EXPECT_EQ(run.status, 139);
+    const std::string said = "crashed; the report is ";
+    ASSERT_EQ(run.err.substr(0, said.size()), said);
+    const std::string report = Support::ReadText(run.err.substr(said.size(), run.err.size() - said.size() - 1));
+    EXPECT_TRUE(report.starts_with("signal 11 SIGSEGV\n")) << report;
+    fs::remove_all(folder / "Crash");
+    EXPECT_EQ(WaitingAndGetting(SIGSEGV, {"--no-crash-report"}, folder.Path().string()).status, 139);
+    EXPECT_FALSE(fs::exists(folder / "Crash"));
+}
+
+TEST(Run, PublishesEachOperationOfATriggerWithItsTime) {
+    const Support::TempFolder folder;
+    for (const char* name : {"trace.jsonl", "trace.json"})
+        ASSERT_EQ(Tarn({"--publish", folder / name, "run", "--", "-band 5.2 -channel 36 -trigger_now"}).status, 0);
+    std::istringstream lines(folder.Read("trace.jsonl"));
+    std::map<std::string, int> open;
+    double trigger_ms = 0, sweep_ms = 0;
+    for (std::string line; std::getline(lines, line);) {
+        const auto json = nlohmann::json::parse(line);
+        const std::string function = json["function"];
+        open[function] += json["kind"] == "begin" ? 1 : -1;
+        if (function == "TarnWifiFlows::TriggerNow") trigger_ms = json["elapsed_ms"];
+        if (function == "CLmnSA::AddSweep") sweep_ms = json["elapsed_ms"];
+    }
+    for (const auto& [function, count] : open)
+        EXPECT_EQ(count, 0) << function;
+    EXPECT_TRUE(sweep_ms > 0 && trigger_ms > sweep_ms) << trigger_ms << " ms, " << sweep_ms << " ms";
+    EXPECT_GE(nlohmann::json::parse(folder.Read("trace.json")).size(), 2 * open.size());
+    const auto refused = Tarn({"--publish", folder / "no/file", "info"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(Has(refused.err, "can't publish to")) << refused.err;
 }
 
 TEST(Simulate, WritesCapturesThatAnalysisReads) {

@@ -5,6 +5,7 @@
 
 #include "Commands/CommandLine.h"
 #include "Console/Supervisor.h"
+#include "OSAL/Crash.h"
 
 namespace TarnHost {
 namespace {
@@ -13,9 +14,14 @@ ExitStatus FinishOutput(ExitStatus status, Console& console);
 
 /// Runs the command, and ends the process itself where a thread of it can't be ended.
 ExitStatus RunCommand(const Request& request, Console& console) {
+    if (const auto refused = StartDiagnostics(request.diagnostics)) {
+        console.Say(*refused);
+        return Failed;
+    }
     InterruptWatch watch;
     Context context{console, watch, request.host};
     const auto status = RunWatched(watch, [&]() -> ExitStatus {
+        OSAL::PrepareCrashStack();
         try {
             return FinishOutput(
                 std::visit([&](const auto& options) { return Execute(options, context); }, *request.command), console);

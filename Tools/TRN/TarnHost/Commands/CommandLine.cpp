@@ -53,6 +53,14 @@ void AddHostOptions(CLI::App& app, HostOptions& host) {
     app.add_option("--log", host.logPath, "Append the trace of host and plug-in to a file")->type_name("FILE");
 }
 
+void AddDiagnosticOptions(CLI::App& app, DiagnosticOptions& options) {
+    app.add_option("--publish", options.publishPath,
+                   "Write a line of JSON for each operation, wait and exception; a FILE that ends in .json becomes a "
+                   "trace for a browser's trace viewer")
+        ->type_name("FILE");
+    app.add_flag("--no-crash-report", options.noCrashReport, "Leave no report when the program crashes");
+}
+
 void AddAnalyse(CLI::App& app, AnalyseOptions& options) {
     auto* command = app.add_subcommand("analyse", "Channel power of each sample file in a folder");
     command->add_option("FOLDER", options.folder, "Folder with sample files; it gets result.csv")->required();
@@ -295,6 +303,7 @@ Request ParseArguments(std::vector<std::string> arguments) {
     app.set_version_flag("--version", std::string("tarn ") + TARN_VERSION);
     app.require_subcommand(0, 1);
     AddHostOptions(app, request.host);
+    AddDiagnosticOptions(app, request.diagnostics);
     Choice choice;
     AddAnalyse(app, choice.analyse);
     AddRun(app, choice.run);

@@ -235,15 +235,19 @@ int WriteCrashDump(const void* exceptionPointers) {
     return 1;
 }
 
-void InstallCrashReports() {
-    Prepare();
-    // A stack of its own, so that a stack that overflowed can be told of. Never given back: it serves to the very end.
+void PrepareCrashStack() {
+    // Never given back: it serves to the very end.
     constexpr std::size_t stackBytes = 256 * 1024;
     void* const memory = mmap(nullptr, stackBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
     stack_t stack{};
     stack.ss_sp = memory;
     stack.ss_size = stackBytes;
     if (memory != MAP_FAILED) sigaltstack(&stack, nullptr);
+}
+
+void InstallCrashReports() {
+    Prepare();
+    PrepareCrashStack();
     struct sigaction report {};
     report.sa_sigaction = &OnCrash;
     report.sa_flags = SA_SIGINFO | SA_ONSTACK;
