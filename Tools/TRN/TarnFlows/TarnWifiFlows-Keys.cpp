@@ -47,6 +47,8 @@ constexpr auto WifiKeys = std::to_array<KeyOperation<TarnWifiFlows>>({
     {"-find_peaks", &TarnWifiFlows::FindPeaks},
     {"-update_peaks", &TarnWifiFlows::UpdatePeaksData},
     {"-save_peaks", &TarnWifiFlows::SavePeaks},
+    {"-save_all", &TarnWifiFlows::SaveAll},
+    {"-load_all", &TarnWifiFlows::LoadAll},
     {"-read_adc_samples_from_file", &TarnWifiFlows::ReadADCSamplesFromFile},
     {"-get_supported_channels", &TarnWifiFlows::GetSupportedChannels},
     {"-get_supported_chains", &TarnWifiFlows::GetSupportedChains},

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +16,7 @@
 #include "QuayCommands.h"
 #include "Stores/FreqPowerStore.h"
 #include "Stores/GainFile.h"
+#include "Stores/Snapshot.h"
 #include "TarnCommonFlows.h"
 
 namespace quayCommand {
@@ -101,6 +104,19 @@ public:
     /// A line for each chain: frequency in MHz and power in dB of each peak, strongest first.
     virtual void UpdatePeaksData();
     virtual void SavePeaks(std::string path);
+
+    // Snapshots. A path that is a link is refused; a file that can't be written is only logged.
+    /// Writes results, settings and stored powers as one table.
+    virtual void SaveAll(std::string path);
+    /// Brings them back without the radio. The samples of the sweep stay in the file.
+    virtual void LoadAll(std::string path);
+    // Their steps, through m_savedArrays and m_savedNonArrays.
+    virtual void PrepareSavedParams();
+    virtual void PrepareSavedParamsNonArrays();
+    virtual void LoadNonArraySavedParams();
+    virtual void LoadDataFromLumen();
+    virtual void LoadDataFromWifiFlows();
+    virtual void SerializeData(std::string path);
     virtual void GetSupportedChannels();
     virtual void GetSupportedChains();
     /// Analyses a folder of stored captures into its result.csv.
@@ -133,6 +149,13 @@ public:
     virtual std::uint32_t ConvertChainStringToU32(std::string chain);
     virtual std::string ConvertChainU32ToString(std::uint32_t chain);
     virtual void GetPlatformInfo();
+    virtual void DeserializeNonArrayVariables(std::string path);
+    virtual void DeserializeDataBuffers(std::string path);
+    /// Sizes the engine's buffers for the settings that came back.
+    virtual void PrepareLumenBuffers();
+    virtual void SaveDataToWifiFlows();
+    virtual void SaveDataToLumen();
+    virtual void DeleteSavedParams();
 
 protected:
     // What an operation needs, or a Common::Exception that says what is missing.
@@ -149,6 +172,14 @@ protected:
     void PrepareTrigger();
     /// Files the channel power of the last sweep under the current channel.
     void StoreFreqPowerData();
+
+    // Steps of a load that both variants share.
+    /// `settings`, then the buffers for them and the results into these. A failure passes behind `undo`; one behind the
+    /// settings leaves no results.
+    void RestoreFrom(const std::string& path, const std::function<void()>& settings, const std::function<void()>& undo);
+    /// Texts of the settings in m_savedNonArrays; nothing behind the last line of a short file.
+    /// @throws Common::Exception for a file that can't be read, or that lacks a setting between two others
+    std::vector<std::optional<std::string>> SavedTexts(const std::string& path);
 
     quayCommand::IWifiCommands* m_wifi = nullptr;  ///< not owned, as the next two
     quayCommand::IAdcCommands* m_adc = nullptr;
@@ -181,6 +212,9 @@ protected:
     std::int32_t m_vesperChainMode = 2;
     std::int32_t m_vesperIterations = 25;
     bool m_isGLN = true;
+    SavedArrays m_savedArrays;  ///< this and the next two only live while a snapshot is written or read
+    std::vector<SavedValue> m_savedNonArrays;
+    std::vector<std::pair<double, double>> m_savedHistRanges;  ///< (minimum, maximum) of each chain
 
 private:
     void RegisterKeys();
@@ -200,6 +234,11 @@ private:
     /// The manual gain record in the form of this hardware.
     void GiveGainToRadio();
 
+    static std::string SnapshotText(const std::string& path);
+    void KeepRestoredSweep();
+
     struct OfflineBuffers;
     void AnalyzeAdcFile(const std::string& folder, const std::string& name, OfflineBuffers& buffers);
+
+    SavedArrays m_restoredSweep;  ///< the samples of the snapshot that was loaded last, for one that is saved behind it
 };

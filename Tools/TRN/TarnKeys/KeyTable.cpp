@@ -94,6 +94,8 @@ constexpr auto table = std::to_array<KeyRow>({
     {"-find_peaks", ReadsOut, {Int, "BINS"}, Look, "search peaks with slices of 5 to 80 bins"},
     {"-update_peaks", ReadsOut, None, Look, "found peaks: frequency in MHz and power"},
     {"-save_peaks", WritesFile, FileName, Files, "write the found peaks"},
+    {"-save_all", WritesFile, FileName, Files, "write the whole measurement state as one table"},
+    {"-load_all", Acts, FileName, Files, "bring a saved measurement state back", Spoils, Tuning},
     {"-read_adc_samples_from_file",
      Acts,
      {Folder, "FOLDER"},

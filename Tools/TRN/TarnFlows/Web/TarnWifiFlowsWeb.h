@@ -47,8 +47,21 @@ public:
     void ExportAllFreqPowerData(std::string path) override;
     /// The base class's analysis with either output; its end is told to a front-end.
     void ReadADCSamplesFromFile(std::string folder) override;
+    /// "PATH,VALUE,...": the file and the front-end's fourteen numbers, which come back from LoadAll as texts.
+    void SaveAll(std::string argument) override;
+    /// The settings return through their setters, so that the next capture is tuned by them; then tells them and the
+    /// power table. @throws Common::Exception "Failed to load settings: ..." for any other Common::Exception
+    void LoadAll(std::string path) override;
+    void PrepareSavedParamsNonArrays() override;
     /// The whole frequency-power store, last power of each channel and chain.
     virtual void SendPowerTableData();
+
+    using TarnWifiFlows::LoadNonArraySavedParams;
+    virtual void LoadNonArraySavedParams(std::vector<std::string> frontendValues);
+    /// The body of "Load All Response".
+    virtual std::string SavedParamsNonArraysToRespStr(std::vector<std::string> frontendValues);
+    /// @return the front-end's values, empty where the file has none
+    virtual std::vector<std::string> DeserializeNonArrayAndFrontendVariables(std::string path);
 
 protected:
     /// A band's name as messages write it, in GHz without the unit; empty for another number.
@@ -60,5 +73,8 @@ private:
     /// In a catch block of an Update operation: ends the exception, logs and reports `failure`.
     void ReportFailure(const char* operation, const char* failure);
 
+    void RestoreSetting(std::size_t place, const std::vector<std::optional<std::string>>& texts);
+
+    std::uint32_t m_frontendFieldCount = 14;
     std::uint32_t m_firstRunNoiseFloors = 2;  ///< values of "-noise_floor" before the first capture
 };
