@@ -8,7 +8,6 @@
 
 #include "Captures/CaptureFolder.h"
 #include "Captures/CapturePlan.h"
-#include "Captures/SampleFile.h"
 #include "Console/Progress.h"
 #include "Console/ResultTable.h"
 #include "Support/TempFolder.h"
@@ -17,21 +16,17 @@ using namespace TarnHost;
 
 namespace {
 
-/// Supports what a list says.
-class FakeNvm final : public quayCommand::NvmCommands {
-public:
-    void SetMetadata(std::string) override {}
-    void GetMacAddress(std::string&) override {}
-    bool IsBandEnabled(std::uint32_t band) override { return !disabledBands.contains(band); }
-    bool IsChannelSupported(std::uint32_t channel, std::uint32_t, std::uint32_t) override {
-        return !missingChannels.contains(channel);
-    }
-    void SetMcc(std::uint16_t, bool) override {}
-    void ApplyMcc() override {}
-
-    std::set<std::uint32_t> disabledBands;
-    std::set<std::uint32_t> missingChannels;
-};
+std::vector<PlanEntry> PlanOf(std::uint32_t hwType, std::uint32_t cardType, std::uint32_t antennaMask,
+                              const std::set<std::uint32_t>& disabledBands = {},
+                              const std::set<std::uint32_t>& missingChannels = {}) {
+    quayCommand::AdapterDescription adapter;
+    adapter.hwType = hwType;
+    adapter.cardType = cardType;
+    adapter.antennaMask = antennaMask;
+    return *MakeCapturePlan(adapter, [&](const quayCommand::RadioTuning& tuning) {
+        return OSAL::Outcome<bool>(!disabledBands.contains(tuning.band) && !missingChannels.contains(tuning.channel));
+    });
+}
 
 std::set<std::pair<std::uint32_t, std::uint32_t>> BandsAndWidths(const std::vector<PlanEntry>& plan) {
     std::set<std::pair<std::uint32_t, std::uint32_t>> result;
@@ -63,27 +58,21 @@ TEST(Names, OfPlannedCapturesHaveAllParameters) {
 }
 
 TEST(CapturePlan, FollowsChipCardAntennasAndCountry) {
-    FakeNvm nvm;
-    const auto all = MakeCapturePlan({26, 4, 3, &nvm});
+    const auto all = PlanOf(26, 4, 3);
     EXPECT_EQ(BandsAndWidths(all).size(), 11U);
     for (const std::uint32_t chain : {1U, 2U})
         EXPECT_EQ(std::ranges::count(all, chain, &PlanEntry::chain) * 2, std::ssize(all));
-
-    EXPECT_FALSE(BandsAndWidths(MakeCapturePlan({30, 4, 3, &nvm})).contains({2, 4}));   // no 320 MHz on this chip
-    EXPECT_FALSE(BandsAndWidths(MakeCapturePlan({26, 64, 3, &nvm})).contains({1, 3}));  // nor 160 on this card
-    EXPECT_EQ(BandsAndWidths(MakeCapturePlan({9, 2, 3, &nvm})).size(), 2U);             // 2.4 GHz at 20 and 40
-    for (const PlanEntry& entry : MakeCapturePlan({26, 4, 2, &nvm}))
+    EXPECT_FALSE(BandsAndWidths(PlanOf(30, 4, 3)).contains({2, 4}));   // no 320 MHz on this chip
+    EXPECT_FALSE(BandsAndWidths(PlanOf(26, 64, 3)).contains({1, 3}));  // nor 160 on this card
+    EXPECT_EQ(BandsAndWidths(PlanOf(9, 2, 3)).size(), 2U);             // 2.4 GHz at 20 and 40
+    for (const PlanEntry& entry : PlanOf(26, 4, 2))
         EXPECT_EQ(entry.chain, 2U);
 
-    nvm.disabledBands = {0, 2};
-    nvm.missingChannels = {36, 40, 100, 149};
-    const auto rest = MakeCapturePlan({26, 4, 1, &nvm});
+    const auto rest = PlanOf(26, 4, 1, {0, 2}, {36, 40, 100, 149});
     EXPECT_EQ(BandsAndWidths(rest).size(), 4U);
     EXPECT_EQ(rest.front(), (PlanEntry{1, 0, 44, 1}));  // the lowest that is left
-}
-
-TEST(SampleFiles, HoldOneSampleALineInTheFormThatAnalysisReads) {
-    EXPECT_EQ(SampleText({{24, -32768, 0}, {-1, 32767, -0.0}}), "24 ,-1\n-32768 ,32767\n0 ,0\n");
+    const auto failed = MakeCapturePlan({}, [](const auto&) { return OSAL::Refusal{"no answer"}; });
+    EXPECT_EQ(failed.Reason(), "no answer");
 }
 
 TEST(Folders, ListWhatAnalysisTakesAndWhyItSkips) {

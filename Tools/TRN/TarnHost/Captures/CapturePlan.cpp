@@ -26,31 +26,35 @@ constexpr auto Preferences = std::to_array<Preference>({
     {2, 3, {47}},
 });
 
-std::vector<std::uint32_t> ChannelsOf(const AdapterAbilities& abilities, const RadioFacts::ChannelSet& set) {
-    const auto isSupported = [&](std::uint32_t channel) {
-        return channel != 0 && abilities.nvm->IsChannelSupported(channel, set.bandwidth, set.band);
-    };
-    std::vector<std::uint32_t> channels;
+OSAL::Outcome<std::vector<std::uint32_t>> ChannelsOf(const RadioFacts::ChannelSet& set, const Receives& receives) {
+    std::vector<std::uint32_t> wanted;
     for (const Preference& preference : Preferences)
         if (preference.band == set.band && preference.bandwidth == set.bandwidth)
-            std::ranges::copy_if(preference.channels, std::back_inserter(channels), isSupported);
-    RadioFacts::ForEachChannel(set, [&](std::int32_t channel) {
-        const auto number = static_cast<std::uint32_t>(channel);
-        if (channels.empty() && isSupported(number)) channels.push_back(number);
-    });
+            std::ranges::copy_if(preference.channels, std::back_inserter(wanted), [](auto channel) { return channel; });
+    const std::size_t preferred = wanted.size();
+    RadioFacts::ForEachChannel(set,
+                               [&](std::int32_t channel) { wanted.push_back(static_cast<std::uint32_t>(channel)); });
+    std::vector<std::uint32_t> channels;
+    for (std::size_t k = 0; k < wanted.size() && (k < preferred || channels.empty()); ++k) {
+        const auto isReceived = receives({set.band, set.bandwidth, wanted[k]});
+        if (!isReceived) return isReceived.Why();
+        if (*isReceived) channels.push_back(wanted[k]);
+    }
     return channels;
 }
 
 }  // namespace
 
-std::vector<PlanEntry> MakeCapturePlan(const AdapterAbilities& abilities) {
+OSAL::Outcome<std::vector<PlanEntry>> MakeCapturePlan(const quayCommand::AdapterDescription& adapter,
+                                                      const Receives& receives) {
     std::vector<PlanEntry> plan;
     for (const RadioFacts::ChannelSet& set : RadioFacts::ChannelPlan) {
-        if (!RadioFacts::CanTune(abilities.hwType, abilities.cardType, set) || !abilities.nvm->IsBandEnabled(set.band))
-            continue;
-        for (const std::uint32_t channel : ChannelsOf(abilities, set)) {
+        if (!RadioFacts::CanTune(adapter.hwType, adapter.cardType, set)) continue;
+        const auto channels = ChannelsOf(set, receives);
+        if (!channels) return channels.Why();
+        for (const std::uint32_t channel : *channels) {
             for (const std::uint32_t chain : {1U, 2U}) {
-                if (abilities.antennaMask & chain) plan.push_back({set.band, set.bandwidth, channel, chain});
+                if (adapter.antennaMask & chain) plan.push_back({set.band, set.bandwidth, channel, chain});
             }
         }
     }

@@ -3,10 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
-#include "QuayCommands.h"
+#include "RadioSetup.h"
 
 namespace TarnHost {
 
@@ -18,17 +19,14 @@ struct PlanEntry {
     bool operator==(const PlanEntry&) const = default;
 };
 
-/// What an adapter can do, as far as a plan asks.
-struct AdapterAbilities {
-    std::uint32_t hwType = 0;
-    std::uint32_t cardType = 0;
-    std::uint32_t antennaMask = 0;            ///< bit 0 chain A, bit 1 chain B
-    quayCommand::NvmCommands* nvm = nullptr;  ///< tells bands and channels; not owned
-};
+/// Asks the adapter for a channel; the radio's `ReceivesChannel`.
+using Receives = std::function<OSAL::Outcome<bool>(const quayCommand::RadioTuning&)>;
 
 /// Some channels of each band at each width that the adapter supports, each with every chain: those that people use
 /// most, or the lowest supported one where the adapter has none of them.
-std::vector<PlanEntry> MakeCapturePlan(const AdapterAbilities& abilities);
+/// @return the reason when the adapter can't be asked
+OSAL::Outcome<std::vector<PlanEntry>> MakeCapturePlan(const quayCommand::AdapterDescription& adapter,
+                                                      const Receives& receives);
 
 /// "BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_003.txt": the name by which an analysis knows the settings.
 std::string CaptureFileName(const PlanEntry& entry, unsigned run);

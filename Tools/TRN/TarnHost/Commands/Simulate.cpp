@@ -1,11 +1,10 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "Captures/RadioCapture.h"
-#include "Captures/SampleFile.h"
+#include "Captures/CapturePlan.h"
 #include "Commands/Commands.h"
 #include "Console/Progress.h"
-#include "OSAL/WholeFile.h"
+#include "SampleWriter.h"
 #include "Session.h"
 
 namespace TarnHost {
@@ -38,17 +37,23 @@ OSAL::Outcome<> PrepareFolder(const SimulateOptions& options, const std::vector<
     return OSAL::Refusal{"'" + existing->path.string() + "' exists already; --force overwrites"};
 }
 
-ExitStatus WriteAll(RadioCapture& radio, const std::vector<PlannedFile>& files, Context& context) {
+/// One capture with the highest gain, which an analysis of files assumes.
+OSAL::Outcome<> WriteCapture(const PlannedFile& file) {
+    const PlanEntry& entry = file.entry;
+    const auto recording = quayCommand::RecordCapture({{entry.band, entry.bandwidth, entry.channel}, entry.chain});
+    if (!recording) return recording.Why();
+    const auto& samples = recording->chains.front();
+    return SampleFiles::WriteSampleFile(file.path.string(), samples.i, samples.q);
+}
+
+ExitStatus WriteAll(const std::vector<PlannedFile>& files, Context& context) {
     StatusLine status(context.console.err);
     const auto start = std::chrono::steady_clock::now();
     std::size_t done = 0;
     for (const PlannedFile& file : files) {
         if (context.watch.IsRequested()) break;
         status.Show(ProgressText(done, files.size(), std::chrono::steady_clock::now() - start));
-        auto samples = radio.Capture(file.entry);
-        const auto written =
-            samples ? OSAL::WriteWholeFile(file.path, SampleText(*samples)) : OSAL::Outcome<>(samples.Why());
-        if (!written) {
+        if (const auto written = WriteCapture(file); !written) {
             status.Clear();
             context.console.Say(std::to_string(done) + " of " + std::to_string(files.size()) + " captures are written");
             return Refuse(written.Reason(), context);
@@ -69,14 +74,12 @@ ExitStatus Simulate(const SimulateOptions& options, Context& context) {
     if (!options.scene.empty()) setup.air = "sim:" + options.scene;
     if (const auto log = TarnSession::OpenLog(context.options.logPath); !log) return Refuse(log.Reason(), context);
     if (const auto open = TarnSession::OpenRadio(setup); !open) return Refuse(open.Reason(), context, NoAdapter);
-    auto radio = RadioCapture::Open();
-    if (!radio) return Refuse(radio.Reason(), context, NoAdapter);
-    const auto plan = radio->Plan();
-    if (!plan) return Refuse(plan.Reason(), context);
+    const auto plan = MakeCapturePlan(quayCommand::AdapterInUse(), quayCommand::ReceivesChannel);
+    if (!plan) return Refuse("can't ask the adapter for its channels: " + plan.Reason(), context);
     if (plan->empty()) return Refuse("the adapter supports no channel", context);
     const auto files = PlanFiles(*plan, options);
     if (const auto folder = PrepareFolder(options, files); !folder) return Refuse(folder.Reason(), context);
-    return CheckRadio(WriteAll(*radio, files, context), context);
+    return CheckRadio(WriteAll(files, context), context);
 }
 
 }  // namespace TarnHost
