@@ -71,16 +71,6 @@ TEST(FreqPowerStore, AnAverageStoresOnlyTheTriggerThatCompletesIt) {
     EXPECT_FALSE(FreqPowerStore::IsTriggerDue(true, false, INT64_C(0xFFFFFFFE), 2));
 }
 
-TEST(FreqPowerStore, AFullRunOfTriggersStaysInStep) {
-    FreqPowerStore store;
-    for (int k = 0; k < 4000; ++k)
-        store.Store({2, 4, 31}, {std::uint32_t(k % 3 + 1), -60.0 - k, -61, 39.0625, "t"});
-    const FreqPowerEntry& entry = store.GetEntries().begin()->second;
-    EXPECT_EQ(store.GetColumns(), 4000);
-    EXPECT_TRUE(entry.chainA.size() == 4000 && entry.chainB.size() == 4000 && entry.times.size() == 4000);
-    EXPECT_EQ(entry.chainA[3999], "-4059");
-}
-
 TEST(NvmDocuments, TheHardwareChoosesADocumentOfItsFamilyOrNone) {
     const struct {
         std::vector<std::uint32_t> hardware;

@@ -73,15 +73,16 @@ struct Example {
 
 std::vector<Example> ExamplesOf(const Texts& document) {
     std::vector<Example> examples;
+    bool isInside = false;  // a block of lines and messages
     for (const std::string& line : document) {
+        isInside = line.starts_with("> ") || (isInside && !line.starts_with("```"));
+        if (!isInside) continue;
         if (line.starts_with("> "))
             examples.push_back({line.substr(2), {}});
-        else if (line.starts_with("{\"type\""))
-            examples.back().messages.push_back("object " + line);
-        else if (line.starts_with("  ") && !examples.empty() && !examples.back().messages.empty())
+        else if (line.starts_with("  "))
             examples.back().messages.back() += line.substr(2);  // a long message goes on
-        else if (line.starts_with("error: "))
-            examples.back().messages.push_back("error " + line.substr(7));
+        else
+            examples.back().messages.push_back((line.starts_with('{') ? "object " : "") + line);
     }
     return examples;
 }

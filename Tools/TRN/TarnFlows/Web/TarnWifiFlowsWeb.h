@@ -39,7 +39,7 @@ public:
     void GetSupportedChains() override;
     void GetPlatformInfo() override;
 
-    // Files. The exports overwrite whatever they can open: they neither refuse links nor take the file lock.
+    // Files. The exports take no file lock, and say that the file is saved whatever became of it.
     void SaveSpectrum(std::string path) override;
     void SaveMaxHold(std::string path) override;
     void SaveIQ(std::string path) override;
