@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <thread>
 
 #include "Folder.h"
 #include "OSAL/OSAL.h"
@@ -177,4 +178,31 @@ TEST_F(Files, AFileOpensInAFolderItMakesAndGoesOnUnderAnotherName) {
     EXPECT_EQ(std::string(name), std::string(259, 'n'));
     EXPECT_FALSE(OSAL::CFile("/proc/no/such/file").Open());
     EXPECT_THROW(OSAL::CFile("/proc/no/such.file").Rename("x"), std::ios_base::failure);
+}
+
+TEST_F(Files, LinesOfSeveralThreadsStayWholeWhileTheFileMovesOn) {
+    OSAL::CFile file(m_folder + "a.log");
+    ASSERT_TRUE(file.Open());
+    const auto write = [&](char letter) {
+        for (int k = 0; k < 300; ++k)
+            file.WriteLine(std::string(50, letter));
+    };
+    std::thread other([&] { write('b'); });
+    std::thread mover([&] {
+        for (const char* name : {"b", "c", "a"}) {
+            OSAL::SleepMs(1);
+            file.Rename(name);
+        }
+    });
+    write('a');
+    other.join();
+    mover.join();
+    file.Close();
+    int lines = 0;
+    for (const char* name : {"a.log", "b.log", "c.log"}) {
+        std::istringstream text(fs::exists(m_folder + name) ? TextOf(m_folder + name) : "");
+        for (std::string line; std::getline(text, line); ++lines)
+            EXPECT_EQ(line, std::string(50, line[0]) + "\r");
+    }
+    EXPECT_EQ(lines, 600);
 }

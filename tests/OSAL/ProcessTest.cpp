@@ -19,6 +19,8 @@ int Crashing(const std::string& temp, Crash crash) {
         setrlimit(RLIMIT_CORE, &none);
         setenv("TMPDIR", temp.c_str(), 1);
         freopen("/dev/null", "w", stderr);
+        for (const int taken : {SIGSEGV, SIGABRT, SIGFPE})
+            signal(taken, SIG_DFL);  // a sanitizer's handler would stay
         OSAL::InstallCrashReports();
         crash();
         return 0;
