@@ -1,3 +1,4 @@
+#include "Caught.h"
 #include "CmdLine/CmdLine.h"
 #include "Format.h"
 
@@ -76,13 +77,12 @@ void Key::Parse(TokenList& tokens) {
 void Key::LoadArguments(TokenList& tokens, Position& position, const std::string& reportedKey) {
     try {
         m_arguments.Load(tokens, position);
-    } catch (const Exceptions::ArgumentMissingException* missing) {
-        delete missing;
+    } catch (const Exceptions::ArgumentMissingException*) {
+        const Common::Caught replaced;
         throw new Exceptions::ArgumentMissingException(reportedKey);
     } catch (const Exceptions::InvalidTokenException* invalid) {
-        const std::string token = invalid->GetToken();
-        delete invalid;
-        throw new Exceptions::BadArgumentException(token, token);
+        const Common::Caught replaced;
+        throw new Exceptions::BadArgumentException(invalid->GetToken(), invalid->GetToken());
     }
 }
 

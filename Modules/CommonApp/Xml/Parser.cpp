@@ -5,6 +5,8 @@
 #include <istream>
 #include <utility>
 
+#include "Caught.h"
+
 namespace XML {
 
 namespace {
@@ -100,6 +102,7 @@ private:
             got = m_stream.rdbuf()->sgetn(m_buffer.data() + m_end,
                                           static_cast<std::streamsize>(m_buffer.size() - 1 - m_end));
         } catch (...) {
+            const Common::Caught dropped;
             m_isBroken = true;
         }
         m_end += static_cast<std::size_t>(got);
