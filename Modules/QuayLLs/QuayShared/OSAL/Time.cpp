@@ -15,10 +15,10 @@ std::atomic<const SleepScopeHook*> sleepScopeHook{nullptr};
 /// One published wait.
 class SleepScope {
 public:
-    SleepScope(const char* function, const char* argumentNames, std::uint32_t amount,
-               const std::source_location& place = std::source_location::current())
+    SleepScope(const char* function, const char* argumentNames, std::uint32_t amount, const char* signature,
+               unsigned line = __builtin_LINE())
         : m_hook(sleepScopeHook.load()) {
-        if (m_hook) m_scope = m_hook->begin({function, argumentNames, amount, place});
+        if (m_hook) m_scope = m_hook->begin({function, argumentNames, amount, __FILE__, line, signature});
     }
     ~SleepScope() {
         if (m_hook) m_hook->end(m_scope);
@@ -129,7 +129,7 @@ void SetSleepScopeHook(const SleepScopeHook* hook) {
 }
 
 void Sleep::Sec(std::uint32_t seconds) {
-    const SleepScope scope("OSAL::Sleep::Sec", "'\\0', seconds", seconds);
+    const SleepScope scope("OSAL::Sleep::Sec", "'\\0', seconds", seconds, __PRETTY_FUNCTION__);
     const auto end = QueryPerformanceCounter() + CountsOf(seconds, 1);
     constexpr std::uint32_t chunk = 1000;  // so that no number of seconds overflows
     for (std::uint32_t i = 0; i < seconds && QueryPerformanceCounter() < end; ++i)
@@ -137,7 +137,7 @@ void Sleep::Sec(std::uint32_t seconds) {
 }
 
 void Sleep::MilliSec(std::uint32_t milliseconds) {
-    const SleepScope scope("OSAL::Sleep::MilliSec", "'\\0', milliseconds", milliseconds);
+    const SleepScope scope("OSAL::Sleep::MilliSec", "'\\0', milliseconds", milliseconds, __PRETTY_FUNCTION__);
     constexpr std::uint32_t spun = 5;
     const auto end = QueryPerformanceCounter() + CountsOf(milliseconds, 1000);
     if (milliseconds > spun) SleepMs(milliseconds - spun);
@@ -145,7 +145,7 @@ void Sleep::MilliSec(std::uint32_t milliseconds) {
 }
 
 void Sleep::MicroSec(std::uint32_t microseconds) {
-    const SleepScope scope("OSAL::Sleep::MicroSec", "'\\0', microseconds", microseconds);
+    const SleepScope scope("OSAL::Sleep::MicroSec", "'\\0', microseconds", microseconds, __PRETTY_FUNCTION__);
     SpinUntil(QueryPerformanceCounter() + CountsOf(microseconds, 1000000));
 }
 

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <ctime>
-#include <source_location>
 #include <string>
 
 namespace OSAL {
@@ -74,7 +73,9 @@ struct PublishedSleep {
     const char* function;
     const char* argumentNames;  // with a marker before: "'\0', seconds"
     std::uint32_t amount;
-    std::source_location place;
+    const char* file;  // where the wait stands
+    unsigned line;
+    const char* signature;
 };
 /// Told of each published wait: `begin` before it; `end` after it, with what `begin` gave.
 struct SleepScopeHook {

@@ -52,10 +52,10 @@ void* BeginSleep(const OSAL::PublishedSleep& sleep) {
     if (!IsPublishing()) return nullptr;
     auto scope = std::make_unique<PublishScope>();
     PublishRecord record;
-    record.line = sleep.place.line();
-    record.file = sleep.place.file_name();
+    record.line = sleep.line;
+    record.file = sleep.file;
     record.function = sleep.function;
-    record.signature = sleep.place.function_name();
+    record.signature = sleep.signature;
     record.action = "Sleep";
     try {
         scope->Begin(std::move(record), sleep.argumentNames, ArgumentsOf(static_cast<int>(sleep.amount)));
