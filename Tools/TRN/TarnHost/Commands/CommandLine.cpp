@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <filesystem>
+#include <map>
 
 #include "Inputs.h"
 #include "Lines/AirName.h"
@@ -47,6 +48,16 @@ void AddHostOptions(CLI::App& app, HostOptions& host) {
                    "folder of them); scenes are " +
                        SceneNames())
         ->type_name("AIR");
+    app.add_flag_callback(
+        "--as-tuned", [&host] { host.radio.storedTuning = quayCommand::StoredTuning::AsTuned; },
+        "Hear stored captures on any channel, width and chain, whatever their names say");
+    static const std::map<std::string, quayCommand::Workload> workloads{
+        {"auto", quayCommand::Workload::Auto}, {"off", quayCommand::Workload::Off}, {"on", quayCommand::Workload::On}};
+    app.add_option_function<std::string>(
+           "--workload", [&host](const std::string& text) { host.radio.workload = workloads.at(text); },
+           "Whether a scene hears a load: on, off, or auto, which looks for the workload's process")
+        ->check(CLI::IsMember({"auto", "on", "off"}).description(""))
+        ->type_name("auto|on|off");
     app.add_option("--journal", host.radio.journalPath, "Write a line for each call on the radio")->type_name("FILE");
     app.add_option("--fault", host.radio.faults, "Make the n-th call of a radio operation fail")
         ->type_name("OPERATION:N,...");
