@@ -138,22 +138,19 @@ TEST(Record, HoldsEveryFieldAndReplacesWhatIsNoUtf8) {
 }
 
 TEST(Adapter, FactsComeFromItsDescriptionAndItsConfiguration) {
-    auto facts = ReadDescription("hw=9,card=4,device=0x51F0,antennas=3,sku=1,mac=02:00,samples=98304,connected=1");
-    ASSERT_TRUE(facts);
-    EXPECT_EQ(facts->hwType, 9U);
-    EXPECT_EQ(facts->deviceId, 0x51F0U);
-    EXPECT_EQ(facts->chainMask, 3U);
-    EXPECT_EQ(facts->samples, 98304U);
-    EXPECT_FALSE(ReadDescription("hw=9,card=x,device=1,antennas=3,samples=1"));
-    EXPECT_FALSE(ReadDescription(""));
+    auto facts = FactsOf({.hwType = 9, .deviceId = 0x7E40, .antennaMask = 1, .samples = 2048});
+    EXPECT_EQ(facts.hwType, 9U);
+    EXPECT_EQ(facts.deviceId, 0x7E40U);
+    EXPECT_EQ(facts.chainMask, 1U);
+    EXPECT_EQ(facts.samples, 2048U);
 
     const std::string head = "1\n2\n3\n4\n98304\n2\n02:01\n1.2\ndriver\n1.2.3.4\n5.6.7.8\n";
-    ASSERT_TRUE(AddSupportedConfig(head + "(36,HB),1,1,1,0,0\n(37,UHB),1,0,0,0,0\n(40,HB),1,0,0,0,1\n", *facts));
-    EXPECT_EQ(facts->macAddress, "02:01");
-    EXPECT_EQ(facts->packetDriver, "5.6.7.8");
+    ASSERT_TRUE(AddSupportedConfig(head + "(36,HB),1,1,1,0,0\n(37,UHB),1,0,0,0,0\n(40,HB),1,0,0,0,1\n", facts));
+    EXPECT_EQ(facts.macAddress, "02:01");
+    EXPECT_EQ(facts.packetDriver, "5.6.7.8");
     const ChannelLists expected = {{{}, {{{36, 40}, {36}, {36}, {}, {40}}}, {{{37}}}}};
-    EXPECT_EQ(facts->channels, expected);
+    EXPECT_EQ(facts.channels, expected);
     for (const char* bad : {"(36,HB),1,1", "(36,XB),1,1,1,0,0", "no channel", "(x,HB),1,1,1,0,0"})
-        EXPECT_FALSE(AddSupportedConfig(head + bad, *facts)) << bad;
-    EXPECT_FALSE(AddSupportedConfig("1\n2\n", *facts));
+        EXPECT_FALSE(AddSupportedConfig(head + bad, facts)) << bad;
+    EXPECT_FALSE(AddSupportedConfig("1\n2\n", facts));
 }

@@ -10,37 +10,13 @@
 
 #include "ChannelPlan.h"
 #include "Inputs.h"
+#include "Numbers.h"
 #include "Peaks.h"
 
 namespace TarnMeasure {
 namespace {
 
 constexpr double highestCode = 32700;  // of 32767; the rest is room for the DC offset that was taken off
-
-std::vector<double> Numbers(std::string_view line) {
-    std::vector<double> numbers;
-    const char* at = line.data();
-    const char* const end = at + line.size();
-    while (at < end) {
-        double value = 0;
-        const auto [next, error] = std::from_chars(at, end, value);
-        if (error != std::errc()) {
-            ++at;
-            continue;
-        }
-        numbers.push_back(value);
-        at = next;
-    }
-    return numbers;
-}
-
-std::vector<std::vector<double>> NumberLines(const std::string& text) {
-    std::vector<std::vector<double>> lines;
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line);)
-        lines.push_back(Numbers(line));
-    return lines;
-}
 
 double Linear(double dbm) {
     return std::pow(10.0, dbm / 10.0);
@@ -84,10 +60,11 @@ public:
 
     bool Sweep() {
         if (!Run("-trigger_now") || !Run("-update_spectrum")) return false;
-        const auto spectra = NumberLines(m_text);
+        const auto spectra = SampleFiles::NumberLinesOf(m_text);
         if (spectra.size() != m_result.chains.size() || spectra[0].empty()) return Fail("no spectrum came back");
         if (!Run("-update_histogram")) return false;
-        const auto codes = NumberLines(m_text);  // four lines a chain; the fourth is the lowest and the highest code
+        const auto codes =
+            SampleFiles::NumberLinesOf(m_text);  // four lines a chain; the fourth is the lowest and the highest code
         if (codes.size() != 4 * spectra.size()) return Fail("no histogram came back");
         m_result.sampleRate_mhz = static_cast<double>(spectra[0].size()) * m_request.rbw_khz / 1000.0;
         for (std::size_t c = 0; c < spectra.size(); ++c) {
@@ -308,7 +285,7 @@ std::vector<int> SupportedChannels(const std::string& supportedConfig, const std
     for (std::string line; std::getline(stream, line);) {
         const auto at = line.find(tail);
         if (line.empty() || line[0] != '(' || at == std::string::npos) continue;
-        const std::vector<double> flags = Numbers(std::string_view(line).substr(at + tail.size()));
+        const std::vector<double> flags = SampleFiles::NumbersOf(std::string_view(line).substr(at + tail.size()));
         int channel = 0;
         std::from_chars(line.data() + 1, line.data() + at, channel);
         if (*width < flags.size() && flags[*width] == 1) channels.push_back(channel);

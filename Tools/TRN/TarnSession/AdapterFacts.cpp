@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 
 namespace TarnSession {
 namespace {
@@ -18,20 +19,12 @@ std::vector<std::string_view> Split(std::string_view text, char separator) {
     return parts;
 }
 
-/// The whole of `text` as a decimal number, or a hexadecimal one behind "0x".
+/// The whole of `text` as a decimal number.
 std::optional<std::uint32_t> Number(std::string_view text) {
-    const bool isHex = text.starts_with("0x");
-    if (isHex) text.remove_prefix(2);
     std::uint32_t value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, isHex ? 16 : 10);
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
     return value;
-}
-
-std::optional<std::string_view> ValueOf(std::string_view description, std::string_view key) {
-    for (const std::string_view pair : Split(description, ','))
-        if (pair.starts_with(key) && pair.substr(key.size()).starts_with('=')) return pair.substr(key.size() + 1);
-    return std::nullopt;
 }
 
 /// One line "(36,HB),1,1,1,0,0".
@@ -52,20 +45,14 @@ bool AddChannel(std::string_view line, ChannelLists& channels) {
 
 }  // namespace
 
-OSAL::Outcome<AdapterFacts> ReadDescription(std::string_view description) {
+AdapterFacts FactsOf(const quayCommand::AdapterDescription& adapter) {
     AdapterFacts facts;
-    const std::pair<std::string_view, std::uint32_t*> numbers[] = {{"hw", &facts.hwType},
-                                                                   {"card", &facts.cardType},
-                                                                   {"device", &facts.deviceId},
-                                                                   {"antennas", &facts.chainMask},
-                                                                   {"samples", &facts.samples}};
-    for (const auto& [key, field] : numbers) {
-        const auto value = ValueOf(description, key);
-        const auto number = value ? Number(*value) : std::nullopt;
-        if (!number) return OSAL::Refusal{"the adapter's description doesn't tell '" + std::string(key) + "'"};
-        *field = *number;
-    }
-    facts.macAddress = ValueOf(description, "mac").value_or("");
+    facts.hwType = adapter.hwType;
+    facts.cardType = adapter.cardType;
+    facts.deviceId = adapter.deviceId;
+    facts.chainMask = adapter.antennaMask;
+    facts.samples = adapter.samples;
+    facts.macAddress = adapter.mac;
     return facts;
 }
 

@@ -3,13 +3,12 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "Adapter/AdapterDescription.h"
 #include "ChannelPlan.h"
-#include "OSAL/Outcome.h"
 
 namespace TarnSession {
 
@@ -31,9 +30,8 @@ struct AdapterFacts {
     ChannelLists channels;  ///< that the adapter supports in the country it is set to
 };
 
-/// What the description of an adapter tells: ids, chains, samples, MAC address. Refused when it lacks one of them.
-/// @param description  "hw=26,card=4,device=0x51F0,antennas=3,..."
-OSAL::Outcome<AdapterFacts> ReadDescription(std::string_view description);
+/// What the description of an adapter tells: ids, chains, samples, MAC address.
+AdapterFacts FactsOf(const quayCommand::AdapterDescription& adapter);
 
 /// Adds what the answer to -get_supported_config tells: versions and channels.
 /// @param text  four ids, sweep length, chains, MAC address, four versions, then a line "(36,HB),1,1,1,0,0" for each

@@ -43,8 +43,7 @@ OSAL::Outcome<> OpenLog(const std::string& path) {
 OSAL::Outcome<> OpenRadio(const quayCommand::RadioSetup& setup) {
     if (const auto reason = quayCommand::SetUpRadio(setup)) return OSAL::Refusal{*reason};
     // asked of the description: a call on the radio would stand in the journal and count for the fault plan
-    if (quayCommand::DescribeAdapter().find("connected=0") != std::string::npos)
-        return OSAL::Refusal{"the adapter isn't connected"};
+    if (!quayCommand::AdapterInUse().connected) return OSAL::Refusal{"the adapter isn't connected"};
     return {};
 }
 
@@ -283,11 +282,10 @@ std::size_t Session::Waiting() const {
 }
 
 OSAL::Outcome<AdapterFacts> Session::Adapter() {
-    auto facts = ReadDescription(quayCommand::DescribeAdapter());
-    if (!facts) return facts;
+    auto facts = FactsOf(quayCommand::AdapterInUse());
     Run("", {.plainOutput = true});  // takes away what an earlier step left to say
     const Exchange exchange = Run("-get_supported_config", {.plainOutput = true});
-    if (exchange.exitCode == 0 && AddSupportedConfig(exchange.output, *facts)) return facts;
+    if (exchange.exitCode == 0 && AddSupportedConfig(exchange.output, facts)) return facts;
     return OSAL::Refusal{"the plug-in doesn't tell its configuration: " + ErrorSentence(exchange)};
 }
 
