@@ -31,6 +31,9 @@ TEST(Variables, ExpandReferencesInnermostFirst) {
         expected += "<c>";
     }
     EXPECT_TRUE(variables.Expanded(many, true) == expected) << "only references within a value are counted";
+    const std::string ends = "azAZ09._-";  // of the ranges that a name may have
+    variables.Set(ends, "kept");
+    EXPECT_EQ(variables.Expanded("$(" + ends + ")", false), "kept");
     variables["x$(b)"] = "set";
     EXPECT_EQ(variables.GetOrEmpty("xc"), "set");
 }

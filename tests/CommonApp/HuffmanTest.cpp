@@ -122,6 +122,18 @@ TEST(BinaryXml, IsThatWorkedOutByHand) {
                                                              0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1, 1, 1}));
 }
 
+TEST(BinaryXml, OfAnAbortedDocumentHasNoMoreThanItsMagic) {
+    std::stringbuf target;
+    XML::BinaryParser writer(&target);
+    writer.BeginDocument();
+    writer.OpenTag("a");
+    EXPECT_TRUE(writer.IsGood());
+    writer.Abort();
+    writer.EndDocument();
+    EXPECT_FALSE(writer.IsGood());
+    EXPECT_EQ(target.str(), std::string("XB02", 5));
+}
+
 TEST(BinaryXml, ComesBackAsItWas) {
     for (const char* text : {"<a/>", "<p x=''><b>one two</b>t<b y='ab-c'/>&#228;</p><q/>", ""})
         EXPECT_EQ(XmlEvents::OfBinary(PackedXml(text)), XmlEvents::OfText(text)) << text;

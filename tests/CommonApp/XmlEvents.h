@@ -1,6 +1,7 @@
 // Notes the events of a document as one text: "<a" open, "b=c" attribute, "'t'" text, ">" close.
 #pragma once
 
+#include <algorithm>
 #include <sstream>
 #include <string>
 
@@ -17,9 +18,21 @@ struct XmlEvents : XML::IListener {
     void Text(const char* text) override { seen += std::string("'") + text + "'"; }
     std::string seen;
 
+    /// A stream that gives its text in pieces of one byte.
+    struct Trickle : std::stringbuf {
+        using std::stringbuf::stringbuf;
+        std::streamsize xsgetn(char* target, std::streamsize count) override {
+            return std::stringbuf::xsgetn(target, std::min<std::streamsize>(count, 1));
+        }
+    };
+
     /// Of a document; "fail" behind it when the stream has the fail bit.
     static std::string OfText(const std::string& text) {
-        std::istringstream stream(text);
+        std::stringbuf buffer(text);
+        return OfText(&buffer);
+    }
+    static std::string OfText(std::streambuf* buffer) {
+        std::istream stream(buffer);
         XmlEvents events;
         const bool good = XML::Parser(&events).Parse(stream);
         return events.seen + (stream.fail() ? "fail" : "") + (good == stream.fail() ? " and answers otherwise" : "");

@@ -56,8 +56,9 @@ public:
     }
     void SkipWhiteSpace() {
         do {
-            TakeAll(isWhite);
-            BeginToken();
+            while (isWhite[static_cast<unsigned char>(m_buffer[m_at])] && m_at < m_end)
+                ++m_at;
+            BeginToken();  // so that none of it is kept
         } while (m_at == m_end && Fill());
     }
     /// Moves to the next `c`, which stays; false at the end of the stream.
