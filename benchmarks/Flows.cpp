@@ -170,6 +170,10 @@ int main(int argc, char** argv) {
     printCost("-update_spectrum", cost("-update_spectrum"), 25);
     printCost("-save_IQ", cost("-save_IQ " + (folder / "iq.txt").string()), 20);
     printCost("-save_spectrum", cost("-save_spectrum " + (folder / "spectrum.txt").string()), 20);
+    const std::string snapshot = (folder / "state.csv").string();
+    printCost("-save_all", cost("-save_all " + snapshot), 100);
+    printCost("-load_all", cost("-load_all " + snapshot), 200);
+    plugin.run("-trigger_now");
     printCost("-find_peaks 10", cost("-find_peaks 10"), 0.2);
     costMessages(plugin);
     compareStore(plugin);
