@@ -7,7 +7,7 @@
 
 #include "Commands/CommandLine.h"
 #include "Console/Present.h"
-#include "Lines/SettingsMemory.h"
+#include "SettingsMemory.h"
 #include "Lines/ShellHelp.h"
 #include "Program.h"
 #include "RadioSetup.h"
@@ -163,14 +163,14 @@ TEST(Shell, TheStatusForgetsWhatALaterLineMadeUntrue) {
         {{"-noise_floor -94,-93,-92"}, "-noise_floor -94,-93,-92"},
     };
     for (const auto& [lines, expected] : cases) {
-        TarnHost::SettingsMemory memory;
+        TarnSession::SettingsMemory memory;
         for (const std::string& line : lines)
             memory.Take(line);
         EXPECT_EQ(memory.Text(), expected) << lines[0];
     }
-    EXPECT_TRUE(TarnHost::ReadsBeforeItsTrigger("-get_power_per_chain A -TRIGGER_NOW"));
-    EXPECT_FALSE(TarnHost::ReadsBeforeItsTrigger("-channel 6 -trigger_now"));
-    EXPECT_FALSE(TarnHost::ReadsBeforeItsTrigger("-update_peaks"));
+    EXPECT_TRUE(TarnSession::ReadsBeforeItsTrigger("-get_power_per_chain A -TRIGGER_NOW"));
+    EXPECT_FALSE(TarnSession::ReadsBeforeItsTrigger("-channel 6 -trigger_now"));
+    EXPECT_FALSE(TarnSession::ReadsBeforeItsTrigger("-update_peaks"));
 }
 
 TEST(Shell, HelpBeginsShortAndListsTheKeysWhenAsked) {

@@ -6,8 +6,8 @@
 #include "Commands/HostSession.h"
 #include "Console/LineEditor.h"
 #include "Console/Present.h"
-#include "Lines/SettingsMemory.h"
 #include "Lines/ShellHelp.h"
+#include "SettingsMemory.h"
 
 namespace TarnHost {
 namespace {
@@ -45,7 +45,7 @@ private:
     }
     void Say(const std::string& text) { m_context.console.Say(text); }
     void NoteOrder(const std::string& line) {
-        if (ReadsBeforeItsTrigger(line))
+        if (TarnSession::ReadsBeforeItsTrigger(line))
             Say("the reading keys of a line run before its trigger: send them on a line of their own");
     }
     /// True once after Ctrl-C.
@@ -55,9 +55,9 @@ private:
     PassingSink m_sink;
     HostOptions m_options;
     std::unique_ptr<Session> m_session;
-    std::optional<PendingLine> m_running;  ///< line whose answer wasn't taken
-    Step m_step = Step::Kernel;            ///< how far the last opening came
-    SettingsMemory m_settings;             ///< of the lines that succeeded since the adapter was opened
+    std::optional<PendingLine> m_running;    ///< line whose answer wasn't taken
+    Step m_step = Step::Kernel;              ///< how far the last opening came
+    TarnSession::SettingsMemory m_settings;  ///< of the lines that succeeded since the adapter was opened
     bool m_isRaw = false;
     bool m_isEditing = false;
     bool m_isQuitting = false;

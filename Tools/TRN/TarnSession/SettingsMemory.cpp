@@ -1,4 +1,4 @@
-#include "Lines/SettingsMemory.h"
+#include "SettingsMemory.h"
 
 #include <algorithm>
 #include <string_view>
@@ -6,14 +6,14 @@
 #include "CmdLine/CmdLine.h"
 #include "KeyTable.h"
 
-namespace TarnHost {
+namespace TarnSession {
 namespace {
 
-using Values = std::map<std::string, std::string>;
+using KeyValues = std::map<std::string, std::string>;
 
 /// The keys of a line with their values.
-Values KeysOf(const std::string& line) {
-    Values values;
+KeyValues KeysOf(const std::string& line) {
+    KeyValues values;
     const CmdLine::TokenList tokens = CmdLine::Tokenize(line);
     for (auto token = tokens.begin(); token != tokens.end(); ++token) {
         const TarnKeys::KeyRow* key = TarnKeys::FindKey(*token);
@@ -25,7 +25,7 @@ Values KeysOf(const std::string& line) {
 }
 
 /// @param keys  names split by "|"
-void Forget(Values& values, std::string_view keys) {
+void Forget(KeyValues& values, std::string_view keys) {
     while (!keys.empty()) {
         const std::size_t end = std::min(keys.find('|'), keys.size());
         values.erase(std::string(keys.substr(0, end)));
@@ -36,7 +36,7 @@ void Forget(Values& values, std::string_view keys) {
 }  // namespace
 
 void SettingsMemory::Take(const std::string& line) {
-    const Values onLine = KeysOf(line);
+    const KeyValues onLine = KeysOf(line);
     for (const TarnKeys::KeyRow& key : TarnKeys::Keys()) {
         const auto entry = onLine.find(std::string(key.name));
         if (entry == onLine.end()) continue;
@@ -55,11 +55,11 @@ std::string SettingsMemory::Text() const {
 }
 
 bool ReadsBeforeItsTrigger(const std::string& line) {
-    const Values onLine = KeysOf(line);
+    const KeyValues onLine = KeysOf(line);
     if (!onLine.contains("-trigger_now")) return false;
     for (const TarnKeys::KeyRow& key : TarnKeys::Keys())
         if (TarnKeys::ReadsBeforeTrigger(key) && onLine.contains(std::string(key.name))) return true;
     return false;
 }
 
-}  // namespace TarnHost
+}  // namespace TarnSession
