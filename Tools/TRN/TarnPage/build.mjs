@@ -44,7 +44,9 @@ function cppText() {
     ['/stream.worker.js', 'text/javascript; charset=utf-8', 'stream.worker.js'],
     ['/icon.svg', 'image/svg+xml', 'icon.svg'],
   ];
-  const arrays = files.map(([, , name], k) => `const unsigned char file${k}[] = {${[...readFileSync(join(folder, name))].join()}};`);
+  const arrays = files.map(
+    ([, , name], k) => `const unsigned char file${k}[] = {${[...readFileSync(join(folder, name))].join()}};`,
+  );
   const rows = files.map(
     ([path, type], k) => `    {"${path}", "${type}", {reinterpret_cast<const char*>(file${k}), sizeof file${k}}},`,
   );

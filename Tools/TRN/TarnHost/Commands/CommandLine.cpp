@@ -218,6 +218,25 @@ void AddMeasure(CLI::App& app, MeasureOptions& options) {
         "  tarn measure --channels 1-13 --limit -75 --margin 3");
 }
 
+void AddServe(CLI::App& app, ServeOptions& options) {
+    auto* command = app.add_subcommand("serve", "The page and the API: the spectrum in a browser, lines over HTTP");
+    command->add_option("--port", options.port, "Port, 0 for one that is free")->capture_default_str();
+    command->add_option("--bind", options.address, "Numeric address; any but this machine's own needs a --token")
+        ->type_name("ADDRESS")
+        ->capture_default_str();
+    command->add_option("--data", options.dataFolder, "Folder of all files that requests name; made when missing")
+        ->type_name("FOLDER")
+        ->capture_default_str();
+    command->add_option("--token", options.token, "What clients must know; a browser opens ADDRESS?token=TEXT once")
+        ->type_name("TEXT");
+    command->footer(
+        "Prints the address once the server is ready, and serves until Ctrl-C.\n\n"
+        "Examples:\n"
+        "  tarn serve\n"
+        "  tarn serve --air sim:laptop --data measurements\n"
+        "  tarn serve --bind 0.0.0.0 --token SECRET");
+}
+
 void AddShell(CLI::App& app) {
     auto* command = app.add_subcommand("shell", "Type command lines, with completion, history and help");
     command->footer(
@@ -277,6 +296,7 @@ public:
     SimulateOptions simulate;
     InfoOptions info;
     MeasureOptions measure;
+    ServeOptions serve;
 
     OSAL::Outcome<CommandOptions> Take(const std::string& command, const HostOptions& host);
 
@@ -303,6 +323,7 @@ OSAL::Outcome<CommandOptions> Choice::Take(const std::string& command, const Hos
     if (command == "run") return CommandOptions(run);
     if (command == "simulate") return CommandOptions(simulate);
     if (command == "info") return CommandOptions(info);
+    if (command == "serve") return CommandOptions(serve);
     return command == "measure" ? TakeMeasure() : CommandOptions(ShellOptions{});
 }
 
@@ -321,6 +342,7 @@ Request ParseArguments(std::vector<std::string> arguments) {
     AddSimulate(app, choice.simulate);
     AddInfo(app, choice.info);
     AddMeasure(app, choice.measure);
+    AddServe(app, choice.serve);
     AddShell(app);
     for (CLI::App* command : app.get_subcommands({}))
         command->fallthrough();

@@ -1,6 +1,7 @@
 // The commands of the program, each in a file of its own.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <variant>
 #include <vector>
@@ -59,10 +60,17 @@ struct MeasureOptions {
     bool json = false;    ///< JSON instead of the table
 };
 
+struct ServeOptions {
+    std::string address = "127.0.0.1";
+    std::uint16_t port = 8731;  ///< 0: one that is free
+    std::string token;          ///< that clients must know; empty: none
+    std::string dataFolder = "tarn-data";
+};
+
 struct ShellOptions {};
 
 using CommandOptions =
-    std::variant<AnalyseOptions, RunOptions, SimulateOptions, InfoOptions, MeasureOptions, ShellOptions>;
+    std::variant<AnalyseOptions, RunOptions, SimulateOptions, InfoOptions, MeasureOptions, ServeOptions, ShellOptions>;
 
 /// Analyses a folder of sample files and prints the table of results.
 ExitStatus Analyse(const AnalyseOptions& options, Context& context);
@@ -74,6 +82,8 @@ ExitStatus Simulate(const SimulateOptions& options, Context& context);
 ExitStatus Info(const InfoOptions& options, Context& context);
 /// Measures channels and shows table, picture and files.
 ExitStatus Measure(const MeasureOptions& options, Context& context);
+/// Serves page and API until a signal.
+ExitStatus Serve(const ServeOptions& options, Context& context);
 /// Reads lines from a person and runs them.
 ExitStatus RunShell(const ShellOptions& options, Context& context);
 
@@ -91,6 +101,9 @@ inline ExitStatus Execute(const InfoOptions& options, Context& context) {
 }
 inline ExitStatus Execute(const MeasureOptions& options, Context& context) {
     return Measure(options, context);
+}
+inline ExitStatus Execute(const ServeOptions& options, Context& context) {
+    return Serve(options, context);
 }
 inline ExitStatus Execute(const ShellOptions& options, Context& context) {
     return RunShell(options, context);

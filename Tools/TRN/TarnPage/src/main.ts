@@ -86,7 +86,8 @@ for (const tab of tabs) Object.assign(views[tab], { id: `view-${tab}` }).setAttr
 const hint = el(
   'div',
   { class: 'hint', role: 'note' },
-  'New here? 1. Choose band, width and channel at the left. 2. Press M for a marker on the highest peak. 3. Store a trace to compare with later. ',
+  'New here? 1. Choose band, width and channel at the left. 2. Press M for a marker on the highest peak. ' +
+    '3. Store a trace to compare with later. ',
   el(
     'button',
     {
@@ -183,6 +184,7 @@ async function loadVocabulary(): Promise<void> {
     model.keys = await api.keys();
     model.channels = await api.channels();
     model.tell('channels');
+    model.tell('vocabulary');
   });
 }
 
@@ -219,8 +221,7 @@ function tick(now_ms: number): void {
   document.body.classList.toggle('stale', stale !== '' && stale !== 'held');
   document.body.classList.toggle('held', stale === 'held');
   lost.hidden = model.connection.state !== 'lost';
-  if (!lost.hidden)
-    lost.textContent = `The connection to the server is lost: what you see is old. Trying again in ${Math.max(0, Math.ceil((model.connection.retryAt_ms - now_ms) / 1000))} s.`;
+  if (!lost.hidden) lost.textContent = 'The connection to the server is lost: what you see is old.';
   if (stale) power.draw(now_ms);
 }
 

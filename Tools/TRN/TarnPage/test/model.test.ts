@@ -21,6 +21,7 @@ import { csvText } from '../src/model/exports';
 import { since } from '../src/model/text';
 
 const axis: Axis = { centre_mhz: 2437, rbw_khz: 312.5, bins: 128 };
+let frames = 0;
 
 function facts(more: Partial<FrameFacts> = {}): FrameFacts {
   return {
@@ -54,7 +55,7 @@ function levels(floor: number, tone: number, bin: number): Float32Array {
 
 function frame(live: Float32Array[], more: Partial<FrameFacts> = {}): Frame {
   return {
-    seq: 1,
+    seq: ++frames,
     utc: '2026-01-31T14:03:22.000Z',
     facts: facts(more),
     samples: 1024,

@@ -68,7 +68,8 @@ export function svgText(traces: TraceSet, options: PictureOptions): string {
   for (const mhz of ticks(options.zoom, 10))
     parts.push(
       `<path d="M${x(mhz).toFixed(1)} ${box.top}v${box.height}" stroke="#ddd"/>` +
-        `<text x="${x(mhz).toFixed(1)}" y="${box.top + box.height + 18}" text-anchor="middle">${+mhz.toFixed(6)}</text>`,
+        `<text x="${x(mhz).toFixed(1)}" y="${box.top + box.height + 18}" text-anchor="middle">` +
+        `${+mhz.toFixed(6)}</text>`,
     );
   parts.push(
     `<text x="${box.left + box.width / 2}" y="528" text-anchor="middle">MHz</text>`,

@@ -71,6 +71,7 @@ export class Model {
   takeFrame(frame: Frame, now_ms: number): void {
     if (!frame.live.length) return;
     const isFirst = this.traces.tuning === undefined;
+    const isAgain = this.traces.frame?.seq === frame.seq; // of a held sweep, with what another view needs
     const isNew = this.traces.take(frame);
     this.lastFrame_ms = now_ms;
     if (isNew) {
@@ -84,7 +85,7 @@ export class Model {
       this.tell('tuning');
     }
     const time = new Date(frame.utc).getTime();
-    frame.live.forEach((levels, chain) => this.rings[chain]?.push(levels, time));
+    if (!isAgain) frame.live.forEach((levels, chain) => this.rings[chain]?.push(levels, time));
     this.tell('frame');
   }
 

@@ -6,6 +6,8 @@ export interface Message {
   utc: string;
   type: string;
   data: unknown;
+  /** Only with "Host Frame": sweeps that the server didn't send, because this page hadn't drawn the ones before. */
+  dropped?: number;
 }
 
 export type Verdict = 'PASS' | 'MARGIN' | 'FAIL' | 'INVALID' | '';
@@ -77,8 +79,7 @@ export interface Adapter {
 export interface RunState {
   mode: 'run' | 'hold' | 'single' | 'scan';
   line: string;
-  sweeps: number;
-  sweepsPerSecond: number;
+  waiting: number;
   resting: boolean;
 }
 
@@ -87,10 +88,9 @@ export interface HostState {
   adapter: Adapter;
   settings: Record<string, string>;
   run: RunState;
-  seq: number;
-  clients: number;
   trouble: string;
-  limits: { text: string; margin_db: number } | null;
+  /** `line`: MHz and dBm in one RBW of each point; empty for a limit on the channel's power. */
+  limits: { text: string; margin_db: number; line: [number, number][] } | null;
 }
 
 export interface LineAnswer {
@@ -152,7 +152,7 @@ function assemble(parts: Message[], end: Message): Frame {
   const frame: Frame = {
     seq: end.seq,
     utc: end.utc,
-    facts: end.data as FrameFacts,
+    facts: { ...(end.data as FrameFacts), dropped: end.dropped ?? 0 },
     samples: 0,
     live: [],
     average: [],

@@ -43,8 +43,13 @@ export function filesView(
     await actions.line(`${key} ${quoteToken(full + values)}`);
     refresh();
   }
-  const saver = (label: string, key: string, ending: string, values?: string) =>
-    el('button', { id: `save${key}`, title: key, onclick: () => void save(key, ending, values) }, label);
+  const saver = (label: string, key: string, ending: string, values?: string) => {
+    const button = el('button', { id: `save${key}`, title: key, onclick: () => void save(key, ending, values) }, label);
+    const show = () => (button.hidden = !model.keys.some((row) => row.name === key));
+    model.on(['vocabulary'], show);
+    show();
+    return button;
+  };
   const own = (label: string, work: () => void) => el('button', { onclick: work }, label);
 
   async function take(files: FileList | null): Promise<void> {

@@ -129,7 +129,8 @@ export function tracePanel(model: Model, actions: Actions): HTMLElement {
     const reference = model.traces.reference;
     const mismatch = model.traces.referenceMismatch();
     note.textContent = reference
-      ? `Reference “${reference.name}”: ${traceTitles[reference.source]} of ${reference.utc.slice(0, 10)} ${utcTime(reference.utc)} UTC` +
+      ? `Reference “${reference.name}”: ${traceTitles[reference.source]} of ` +
+        `${reference.utc.slice(0, 10)} ${utcTime(reference.utc)} UTC` +
         (mismatch ? `. DIFFERS: ${mismatch}` : '')
       : 'No reference stored.';
     note.classList.toggle('warning', mismatch !== '');

@@ -50,25 +50,33 @@ function clip(plot: uPlot): void {
   plot.ctx.clip();
 }
 
-/** A limit on the channel's power, drawn as the level of a bin if the power were spread evenly over the channel. */
+/** A limit over frequency, point by point; or one on the channel's power, drawn as the level of a bin if the power were spread evenly over the channel. */
 function drawLimit(plot: uPlot, model: Model, colours: Palette): void {
   const tuning = model.traces.tuning;
   const limit = model.traces.frame?.facts.verdicts.find((verdict) => verdict.limit_dbm !== null)?.limit_dbm;
-  if (!tuning || limit === null || limit === undefined) return;
+  if (!tuning) return;
   const { ctx } = plot;
-  const spread = limit - 10 * Math.log10((tuning.bandwidth_mhz * 1000) / tuning.rbw_khz);
-  const y = plot.valToPos(spread, 'y', true);
-  const left = plot.valToPos(tuning.centre_mhz - tuning.bandwidth_mhz / 2, 'x', true);
-  const right = plot.valToPos(tuning.centre_mhz + tuning.bandwidth_mhz / 2, 'x', true);
   ctx.strokeStyle = ctx.fillStyle = colours.limit;
   ctx.lineWidth = 2 * devicePixelRatio;
   ctx.setLineDash([12 * devicePixelRatio, 4 * devicePixelRatio]);
   ctx.beginPath();
+  const line = model.host?.limits?.line ?? [];
+  if (line.length) {
+    for (const [mhz, level] of line) ctx.lineTo(plot.valToPos(mhz, 'x', true), plot.valToPos(level, 'y', true));
+    ctx.stroke();
+    return;
+  }
+  if (limit === null || limit === undefined) return;
+  const spread = limit - 10 * Math.log10((tuning.bandwidth_mhz * 1000) / tuning.rbw_khz);
+  const y = plot.valToPos(spread, 'y', true);
+  const left = plot.valToPos(tuning.centre_mhz - tuning.bandwidth_mhz / 2, 'x', true);
+  const right = plot.valToPos(tuning.centre_mhz + tuning.bandwidth_mhz / 2, 'x', true);
   ctx.moveTo(left, y);
   ctx.lineTo(right, y);
   ctx.stroke();
   ctx.textAlign = 'right';
-  const text = `limit ${limit} dBm/${tuning.bandwidth_mhz} MHz, spread evenly ${dbm(spread, 1)} dBm/${tuning.rbw_khz} kHz`;
+  const evenly = `spread evenly ${dbm(spread, 1)} dBm/${tuning.rbw_khz} kHz`;
+  const text = `limit ${limit} dBm/${tuning.bandwidth_mhz} MHz, ${evenly}`;
   ctx.fillText(text, right - 4 * devicePixelRatio, y - 5 * devicePixelRatio);
 }
 

@@ -67,7 +67,6 @@ export function topBar(
     if (model.host?.trouble) words.push(model.host.trouble);
     if (facts?.trouble) words.push(facts.trouble);
     for (const chain of facts?.overloaded ?? []) words.push(`OVERLOAD chain ${chain}: levels read low`);
-    if (facts?.dropped) words.push(`${facts.dropped} sweeps not shown`);
     return words;
   }
 
@@ -90,7 +89,7 @@ export function topBar(
         : mode === 'hold'
           ? 'held'
           : facts
-            ? `${facts.sweepsPerSecond.toFixed(1)} sweeps/s`
+            ? `${facts.sweepsPerSecond.toFixed(1)} sweeps/s${facts.dropped ? `, ${facts.dropped} not shown` : ''}`
             : '';
     const words = troubles().join(' · ');
     if (trouble.textContent !== words) trouble.textContent = words;

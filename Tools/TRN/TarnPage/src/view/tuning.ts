@@ -119,7 +119,7 @@ function tuningSection(model: Model, actions: Actions): HTMLElement {
     );
     const channels = channelsOf(bandName, mhz).map(({ value, frequency }) => ({
       value,
-      label: `${value} (${frequency} MHz)`,
+      label: `${value} · ${frequency}`,
     }));
     offer(channel, channels, setting(model, '-channel'));
     offer(

@@ -1,0 +1,64 @@
+#include "Messages.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <ctime>
+#include <nlohmann/json.hpp>
+
+namespace TarnServe {
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr std::string_view opening = R"({"type": ")";
+constexpr std::string_view middle = R"(", "data": )";
+
+}  // namespace
+
+std::string Message::Head(std::uint64_t dropped) const {
+    std::string head = R"({"seq": )" + std::to_string(seq) + R"(, "utc": ")" + utc + R"(", )";
+    if (type == HostType::Frame) head += R"("dropped": )" + std::to_string(dropped) + ", ";
+    return head;
+}
+
+std::string_view TypeOf(std::string_view envelope) {
+    if (!envelope.starts_with(opening)) return {};
+    const std::size_t end = envelope.find(middle, opening.size());
+    if (end == std::string_view::npos) return {};
+    return envelope.substr(opening.size(), end - opening.size());
+}
+
+std::string_view DataOf(std::string_view envelope) {
+    const std::size_t begin = opening.size() + TypeOf(envelope).size() + middle.size();
+    return envelope.substr(begin, envelope.size() - begin - 1);
+}
+
+std::string Envelope(std::string_view type, std::string_view data) {
+    return std::string(opening).append(type).append(middle).append(data).append("}");
+}
+
+std::string AsJson(std::string envelope) {
+    if (Json::accept(envelope)) return envelope;
+    const Json whole = {{"type", TypeOf(envelope)}, {"data", nullptr}, {"text", envelope}};
+    return whole.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+bool IsOfSweep(std::string_view type) {
+    static constexpr auto types = std::to_array<std::string_view>(
+        {"Trigger Response", "Trigger Response Vesper", "Power Per Chain", "Spectrum Data", "Spectrum Data Average",
+         "IQ Amplitude Data", "Histogram Data", HostType::Frame});
+    return std::ranges::find(types, type) != types.end();
+}
+
+std::string UtcText(std::chrono::system_clock::time_point time) {
+    const auto milliseconds = std::chrono::floor<std::chrono::milliseconds>(time).time_since_epoch().count();
+    const auto seconds = static_cast<std::time_t>(milliseconds / 1000);
+    std::array<char, 40> text{};
+    const std::size_t length = std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", std::gmtime(&seconds));
+    std::array<char, 8> fraction{};
+    std::snprintf(fraction.data(), fraction.size(), ".%03dZ", static_cast<int>(milliseconds % 1000));
+    return std::string(text.data(), length) + fraction.data();
+}
+
+}  // namespace TarnServe

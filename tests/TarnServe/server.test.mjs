@@ -1,0 +1,274 @@
+// The server from outside: what it refuses, what it answers, and that no client holds back another.
+import assert from 'node:assert/strict';
+import { existsSync, readFileSync, symlinkSync, writeFileSync } from 'node:fs';
+import { join } from 'node:path';
+import test from 'node:test';
+import { Server } from './support.mjs';
+
+/** Why a value doesn't fit a schema; empty when it does. Knows what the server's description uses. */
+function misfit(schema, value, place = '') {
+  if (schema === null || Object.keys(schema).length === 0 || schema.$ref) return '';
+  if (schema.anyOf) return schema.anyOf.some((one) => !misfit(one, value)) ? '' : `${place}: none of the forms`;
+  if (schema.const !== undefined) return value === schema.const ? '' : `${place}: not ${schema.const}`;
+  if (schema.enum) return schema.enum.includes(value) ? '' : `${place}: ${value} isn't listed`;
+  const kind =
+    value === null ? 'null' : Array.isArray(value) ? 'array' : Number.isInteger(value) ? 'integer' : typeof value;
+  const kinds = [schema.type].flat();
+  if (!kinds.includes(kind) && !(kind === 'integer' && kinds.includes('number')))
+    return `${place}: ${kind}, not ${kinds}`;
+  if (kind === 'array') return value.map((item, k) => misfit(schema.items, item, `${place}[${k}]`)).find(Boolean) ?? '';
+  if (kind !== 'object') return '';
+  const missing = (schema.required ?? []).find((name) => !(name in value));
+  if (missing) return `${place}: no ${missing}`;
+  for (const [name, item] of Object.entries(value)) {
+    const member = schema.properties?.[name] ?? schema.additionalProperties;
+    if (member === false) return `${place}.${name}: not described`;
+    const reason = misfit(member ?? {}, item, `${place}.${name}`);
+    if (reason) return reason;
+  }
+  return '';
+}
+
+test('only this server’s own page and plain programs on this machine are served', async () => {
+  const server = await Server.start();
+  const own = `127.0.0.1:${server.port}`;
+  const cases = [
+    [{ Host: own }, 200],
+    [
+      { Host: `localhost:${server.port}`, Origin: `http://localhost:${server.port}`, 'Sec-Fetch-Site': 'same-origin' },
+      200,
+    ],
+    [{ Host: own, Origin: 'http://evil.example' }, 403],
+    [{ Host: own, Origin: `http://127.0.0.1:${server.port + 1}` }, 403],
+    [{ Host: own, Origin: `http://localhost:${server.port}` }, 403],
+    [{ Host: own, Origin: 'null' }, 403],
+    [{ Host: own, 'Sec-Fetch-Site': 'cross-site' }, 403],
+    [{ Host: `evil.example:${server.port}` }, 421],
+    [{ Host: '127.0.0.1' }, 421],
+    [{ Host: `127.0.0.1.evil.example:${server.port}` }, 421],
+  ];
+  for (const [headers, status] of cases) {
+    assert.equal((await server.request('GET', '/api/state', { headers })).status, status, JSON.stringify(headers));
+    const stream = await server.stream({ headers });
+    assert.equal(stream.status, status === 200 ? 101 : status, `stream ${JSON.stringify(headers)}`);
+    stream.close();
+  }
+  const page = await server.request('GET', '/');
+  assert.match(page.headers['content-security-policy'], /^default-src 'none'; script-src 'self';/);
+  assert.equal(page.headers['access-control-allow-origin'], undefined);
+  assert.match(page.body, /<script type="module" src="\/main.js">/);
+  // what a form of a foreign page could send, were Origin not there
+  const form = { headers: { 'Content-Type': 'text/plain' }, body: '{"line": "-channel 1"}' };
+  assert.equal((await server.request('POST', '/api/lines', form)).status, 400);
+  assert.equal(await server.stop(), 0);
+});
+
+test('another address needs a token, and then asks every client for it', async () => {
+  const refused = await Server.start({ more: ['--bind', '0.0.0.0'] });
+  assert.match(refused.ready, /ended with 1: .*needs a --token/);
+  const server = await Server.start({ more: ['--bind', '0.0.0.0', '--token', 'a/b+c'] });
+  const status = async (path, headers) => (await server.request('GET', path, { headers })).status;
+  assert.equal(await status('/api/state', {}), 401);
+  assert.equal(await status('/api/state', { Authorization: 'Bearer a/b+x' }), 401);
+  assert.equal(await status('/api/state', { Authorization: 'Bearer a/b+c' }), 200);
+  assert.equal((await server.stream()).status, 401);
+  const landing = await server.request('GET', '/?token=a/b+c');
+  assert.deepEqual([landing.status, landing.headers.location], [303, '/']);
+  const cookie = landing.headers['set-cookie'][0];
+  assert.match(cookie, /HttpOnly; SameSite=Strict/);
+  assert.equal(await status('/api/state', { Cookie: cookie.split(';')[0] }), 200);
+  await server.stop();
+});
+
+test('files are names in one folder, whatever a line or a path says', async () => {
+  const server = await Server.start();
+  const outside = join(server.folder, 'outside.csv');
+  const inside = (name) => join(server.folder, 'data', name);
+  await server.line('-trigger_now');
+  for (const name of [outside, '../outside.csv', '..', '.hidden', 'a\\b', '"a b"', 'x'.repeat(65)]) {
+    assert.equal((await server.line(`-save_spectrum ${name}`)).status, 409, name);
+    assert.equal((await server.line(`-gain_file_name ${name}`)).status, 409, name);
+  }
+  // an earlier key takes a token away, and would bring the path behind the name's key
+  assert.equal((await server.line(`-save_IQ -channel_average true ${outside}`)).status, 409);
+  assert.equal((await server.line(`-save_spectrum name.csv,${outside}`)).status, 409);
+  assert.equal(existsSync(outside), false);
+  const saved = await server.line('-save_spectrum here.txt');
+  assert.deepEqual([saved.json.exitCode, existsSync(inside('here.txt'))], [0, true]);
+  assert.equal(JSON.stringify(saved.json).includes(server.folder), false);
+  writeFileSync(outside, 'secret');
+  symlinkSync(outside, inside('link.csv'));
+  for (const path of [
+    '/api/files/link.csv',
+    '/api/files/..%2foutside.csv',
+    '/api/files/../outside.csv',
+    '/api/files/.tarn-state.json',
+  ])
+    assert.ok([400, 404].includes((await server.request('GET', path)).status), path);
+  const put = { headers: { 'Content-Type': 'application/octet-stream' }, body: 'x' };
+  assert.equal((await server.request('PUT', '/api/files/link.csv', put)).status, 409);
+  assert.equal(readFileSync(outside, 'utf8'), 'secret');
+  assert.equal((await server.request('PUT', '/api/files/new.csv', put)).status, 200);
+  assert.equal((await server.request('GET', '/api/files/new.csv')).body, 'x');
+  const names = (await server.json('GET', '/api/files')).json.map((file) => file.name);
+  assert.deepEqual(names, ['here.txt', 'new.csv']);
+  await server.stop();
+});
+
+test('ten clients with lines of a megabyte, binary and broken bodies get answers, and the server goes on', async () => {
+  const server = await Server.start();
+  const json = { 'Content-Type': 'application/json' };
+  const bodies = [
+    [JSON.stringify({ line: 'x'.repeat(1 << 20) }), 413],
+    [JSON.stringify({ line: '-channel 6\u0000\u0001' }), 200],
+    [Buffer.from([0xff, 0xfe, 0x00]), 400],
+    ['{"line": 1}', 400],
+    ['[]', 400],
+    ['{"line": "-channel', 400],
+  ];
+  const asked = Array.from({ length: 10 }, () =>
+    bodies.map(async ([body, status]) => {
+      const answer = await server.request('POST', '/api/lines', { headers: json, body });
+      assert.equal(answer.status, status, String(body).slice(0, 40));
+    }),
+  );
+  await Promise.all(asked.flat());
+  const huge = await server
+    .request('POST', '/api/lines', { headers: { ...json, 'Content-Length': 1 << 30 }, body: '{' })
+    .catch(() => ({ status: 413 }));
+  assert.equal(huge.status, 413);
+  assert.equal((await server.line('-nonsense')).json.exitCode !== 0, true);
+  for (const [method, path, value] of [
+    ['POST', '/api/run', { mode: 'fly' }],
+    ['POST', '/api/run', { mode: 'scan', sweeps: 0 }],
+    ['PUT', '/api/limits', { text: 5 }],
+  ])
+    assert.equal((await server.json(method, path, value)).status, 400, path);
+  assert.equal((await server.json('GET', '/api/health')).json.status, 'ok');
+  await server.stop();
+});
+
+test('every message of the stream and every answer is as the API describes it', async () => {
+  const server = await Server.start();
+  const api = (await server.json('GET', '/api')).json;
+  const stream = await server.stream();
+  stream.send({ subscribe: '*' });
+  const first = await stream.next('Host Frame');
+  const keys = (await server.json('GET', '/api/keys')).json.map((key) => key.name);
+  const hasSnapshots = keys.includes('-save_all');
+  const snapshotLines = hasSnapshots ? ['-save_all snap.csv' + ',0'.repeat(14), '-load_all snap.csv'] : [];
+  const lines = [
+    '-channel_average true -maxhold true -channel_average_sweep_val 4',
+    '-trigger_now',
+    '-find_peaks 10',
+    '-update_peaks',
+    '-update_channel_average',
+    '-get_platform_info',
+    ...snapshotLines,
+    '-mcc_profile DE -set_mcc',
+    '-gain_file_name none.csv',
+    '-export_freq_power powers.csv',
+  ];
+  const recordSchema = api.paths['/api/lines'].post.responses['200'].content['application/json'].schema;
+  for (const line of lines) {
+    const answer = await server.line(line);
+    assert.equal(misfit(recordSchema, answer.json), '', line);
+    assert.equal(answer.json.exitCode, 0, `${line}: ${answer.json.error}`);
+  }
+  if (hasSnapshots) await stream.next('Power Table Data');
+  await stream.next('Set MCC Response');
+  const last = await stream.next('Host Frame');
+  assert.ok(last.seq > first.seq);
+  const types = new Set(['Host Frame']);
+  for (const message of [first, last, ...stream.messages]) {
+    types.add(message.type);
+    assert.ok(api.components.schemas[message.type], message.type);
+    assert.equal(misfit(api.components.schemas[message.type], message), '', message.type);
+  }
+  for (const type of [
+    'Spectrum Data',
+    'Histogram Data',
+    'IQ Amplitude Data',
+    'Maximum Peaks Data',
+    'Host State',
+    'Host Line',
+  ])
+    assert.ok(types.has(type), type);
+  const state = await server.json('GET', '/api/state');
+  assert.equal(misfit(api.paths['/api/state'].get.responses['200'].content['application/json'].schema, state.json), '');
+  stream.close();
+  await server.stop();
+});
+
+test('a client that doesn’t draw or doesn’t read loses sweeps, and the others lose nothing', async () => {
+  const server = await Server.start();
+  const dead = await server.stream({ reads: false });
+  dead.send({ subscribe: '*' });
+  const slow = await server.stream();
+  slow.send({ subscribe: ['Host Frame', 'Spectrum Data'], acknowledge: true });
+  const quick = await server.stream();
+  quick.send({ subscribe: ['Host Frame', 'Spectrum Data'], acknowledge: true });
+  let last;
+  for (let k = 0; k < 30; ++k) {
+    last = await quick.next('Host Frame');
+    quick.send({ drawn: last.seq });
+  }
+  assert.ok(last.dropped <= 10, `${last.dropped} dropped`);
+  assert.equal(slow.messages.filter((message) => message.type === 'Host Frame').length, 2);
+  const second = slow.messages.filter((message) => message.type === 'Host Frame')[1];
+  slow.send({ drawn: second.seq });
+  await slow.next('Host Frame');
+  await slow.next('Host Frame');
+  const newest = await slow.next('Host Frame'); // one that came when it had drawn, not one that waited since
+  assert.ok(newest.dropped >= 10, `${newest.dropped} dropped`);
+  assert.ok(newest.seq > last.seq - 20 * 3);
+  assert.equal(
+    slow.messages.some((message) => message.type === 'IQ Amplitude Data'),
+    false,
+  );
+  await server.stop();
+});
+
+test('hold, single, scan and the average are driven by the server, for every client alike', async () => {
+  const server = await Server.start();
+  const one = await server.stream();
+  const other = await server.stream();
+  for (const stream of [one, other])
+    stream.send({ subscribe: ['Host State', 'Host Frame', 'Host Channels', 'Host Progress'] });
+  await one.next('Host Frame');
+  const until = async (stream, type, isIt) => {
+    for (;;) {
+      const message = await stream.next(type);
+      if (isIt(message.data)) return message.data;
+    }
+  };
+  await server.line('-channel 6 -channel_average true -channel_average_sweep_val 3');
+  const frame = await until(other, 'Host Frame', (data) => data.average && data.averageCount === 3);
+  assert.deepEqual([frame.centre_mhz, frame.averageTarget], [2437, 3]);
+  await server.json('PUT', '/api/limits', { text: '-70', margin_db: 3 });
+  const judged = await until(one, 'Host Frame', (data) => data.verdicts[0].verdict === 'FAIL');
+  assert.ok(Math.abs(judged.verdicts[0].power_dbm + 60) < 1, String(judged.verdicts[0].power_dbm)); // the tone at 2440 MHz
+  await server.json('POST', '/api/run', { mode: 'scan', sweeps: 1 });
+  assert.equal((await server.line('-channel 1')).status, 409);
+  const rows = await until(other, 'Host Channels', (data) => data.length >= 13);
+  assert.deepEqual(
+    rows.slice(0, 2).map((row) => row.channel),
+    [1, 2],
+  );
+  await until(one, 'Host State', (data) => data.run.mode === 'run' && data.settings['-channel'] === '6');
+  await server.json('POST', '/api/run', { mode: 'hold' });
+  await until(one, 'Host State', (data) => data.run.mode === 'hold');
+  // a band alone leaves no channel open, and a line that fails leaves the tuning as it was
+  await server.line('-band 5.2');
+  await until(one, 'Host State', (data) => data.settings['-channel'] === '36');
+  await server.line('-bandwidth 40 -channel 37');
+  const settings = (await server.json('GET', '/api/state')).json.settings;
+  assert.deepEqual([settings['-bandwidth'], settings['-channel']], ['20', '36']);
+  assert.equal(await server.stop(true), 0);
+  const again = await Server.start({ folder: server.folder });
+  const stream = await again.stream();
+  stream.send({ subscribe: ['Host State'] });
+  const kept = await until(stream, 'Host State', (data) => data.settings['-channel'] === '36');
+  assert.deepEqual([kept.run.mode, kept.limits.text], ['hold', '-70']);
+  await again.stop();
+});
