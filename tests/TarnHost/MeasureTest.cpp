@@ -7,10 +7,10 @@
 
 #include "Commands/CommandLine.h"
 #include "Console/Present.h"
-#include "SettingsMemory.h"
 #include "Lines/ShellHelp.h"
 #include "Program.h"
 #include "RadioSetup.h"
+#include "SettingsMemory.h"
 
 namespace fs = std::filesystem;
 

@@ -4,7 +4,7 @@ import { el, palette } from './dom';
 import { Area, drawAxes, fitCanvas } from './plots';
 import type { Readout } from './readouts';
 
-const firstSamples = 2048;
+const firstSamples = 512;
 const constellationPoints = 6000;
 
 export function iqView(model: Model): Readout {
