@@ -177,7 +177,7 @@ int main(int argc, char** argv) {
     printCost("-find_peaks 10", cost("-find_peaks 10"), 0.2);
     costMessages(plugin);
     compareStore(plugin);
-    printCost("offline analysis of a file", cost("-read_adc_samples_from_file " + (folder / "scan").string()), 5);
+    printCost("offline analysis of a file", cost("-read_adc_samples_from_file " + (folder / "scan").string()), 2.5);
     fs::remove_all(folder);
     return EXIT_SUCCESS;
 }
