@@ -372,6 +372,21 @@ TEST(Simulate, WritesCapturesThatAnalysisReads) {
     }
 }
 
+TEST(Simulate, ItsCapturesAreHeardOnTheirChannelsOnly) {
+    const Support::TempFolder folder;
+    const std::string adapter = "bands=0,antennas=1,samples=4096";
+    ASSERT_EQ(Tarn({"simulate", folder.Path().string(), "--adapter", adapter}).status, 0);
+    const auto heard = [&](const std::string& channel, const std::string& option) {
+        return Tarn({"run", "--adapter", adapter, "--air", "file:" + folder.Path().string(), option, "--",
+                     "-channel " + channel + " -trigger_now"});
+    };
+    EXPECT_EQ(heard("6", "--keep-going").status, 0);
+    const auto other = heard("7", "--keep-going");
+    EXPECT_NE(other.status, 0);
+    EXPECT_TRUE(Has(other.err, "no stored capture at 2442 MHz")) << other.err;
+    EXPECT_EQ(heard("7", "--as-tuned").status, 0);
+}
+
 TEST(Simulate, AFailingRadioLeavesTheWholeFilesBefore) {
     const Support::TempFolder folder;
     const auto run =

@@ -16,6 +16,7 @@ struct Exchange {
     /// What went to the process-wide error stream while the line ran, one entry a line of text, and what was logged at
     /// error level meanwhile.
     std::vector<std::string> warnings;
+    std::string captureTrouble{};  ///< why a failed line's capture was empty, in the radio's words
 };
 
 /// How one line is run.
@@ -33,7 +34,8 @@ public:
     virtual void Error(std::string text) = 0;
 };
 
-/// The error as one sentence for a person: without the line end, and never empty for a failed line.
+/// The error as one sentence for a person: without the line end, and never empty for a failed line. Behind an empty
+/// capture stands the radio's reason.
 std::string ErrorSentence(const Exchange& exchange);
 
 }  // namespace TarnSession

@@ -8,7 +8,9 @@ std::string ErrorSentence(const Exchange& exchange) {
     const std::string warning = exchange.warnings.empty() ? std::string() : exchange.warnings.front();
     for (const std::string* text : {&exchange.error, &warning, &exchange.output}) {
         const auto last = text->find_last_not_of(" \t\r\n");
-        if (last != std::string::npos) return text->substr(0, last + 1);
+        if (last == std::string::npos) continue;
+        const std::string sentence = text->substr(0, last + 1);
+        return exchange.captureTrouble.empty() ? sentence : sentence + " The radio: " + exchange.captureTrouble;
     }
     return "failed with exit code " + std::to_string(exchange.exitCode);
 }

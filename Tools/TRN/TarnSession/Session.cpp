@@ -236,6 +236,9 @@ Exchange Session::Worker::RunLine(const std::string& line, LineOptions options) 
     exchange.exitCode = m_plugin->RunCommand(exchange.left, exchange.output, exchange.error, options.plainOutput);
     SetRunning(std::nullopt);
     exchange.warnings = TextLines(m_errorStream.str());
+    // The engine says only that a capture was empty; the radio knows why.
+    if (exchange.error.find("empty ADC") != std::string::npos)
+        exchange.captureTrouble = quayCommand::CaptureTrouble().value_or("");
     return exchange;
 }
 
