@@ -86,8 +86,7 @@ for (const tab of tabs) Object.assign(views[tab], { id: `view-${tab}` }).setAttr
 const hint = el(
   'div',
   { class: 'hint', role: 'note' },
-  '1. Choose a channel at the left. 2. Press M: a marker on the highest peak. ' +
-    '3. Store a trace to compare with. ',
+  '1. Choose a channel at the left. 2. Press M: a marker on the highest peak. ' + '3. Store a trace to compare with. ',
   el(
     'button',
     {

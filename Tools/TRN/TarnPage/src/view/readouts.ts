@@ -19,7 +19,13 @@ export function powerPanel(model: Model): Readout {
     const frame = model.traces.frame;
     const tuning = model.traces.tuning;
     if (!frame || !tuning) {
-      root.replaceChildren(el('p', { class: 'empty' }, 'No sweep yet: press Run.'));
+      root.replaceChildren(
+        el(
+          'p',
+          { class: 'empty' },
+          model.connection.state === 'connected' ? 'No sweep yet: press Run.' : 'Not connected yet.',
+        ),
+      );
       return;
     }
     const facts = frame.facts;

@@ -3,7 +3,6 @@ import type uPlot from 'uplot';
 import { nearestBin } from '../model/axis';
 import { Marker } from '../model/markers';
 import { Model } from '../model/model';
-import { dbm } from '../model/text';
 import type { Palette } from './dom';
 
 /** The channel's width, under the traces. */
@@ -50,7 +49,10 @@ function clip(plot: uPlot): void {
   plot.ctx.clip();
 }
 
-/** A limit over frequency, point by point; or one on the channel's power, drawn as the level of a bin if the power were spread evenly over the channel. */
+/**
+ * A limit over frequency, point by point; or one on the channel's power, drawn as the level of a bin if the power were
+ * spread evenly over the channel.
+ */
 function drawLimit(plot: uPlot, model: Model, colours: Palette): void {
   const tuning = model.traces.tuning;
   const limit = model.traces.frame?.facts.verdicts.find((verdict) => verdict.limit_dbm !== null)?.limit_dbm;
@@ -74,10 +76,9 @@ function drawLimit(plot: uPlot, model: Model, colours: Palette): void {
   ctx.moveTo(left, y);
   ctx.lineTo(right, y);
   ctx.stroke();
-  ctx.textAlign = 'right';
-  const evenly = `spread evenly ${dbm(spread, 1)} dBm/${tuning.rbw_khz} kHz`;
-  const text = `limit ${limit} dBm/${tuning.bandwidth_mhz} MHz, ${evenly}`;
-  ctx.fillText(text, right - 4 * devicePixelRatio, y - 5 * devicePixelRatio);
+  ctx.textAlign = 'left';
+  const text = `limit ${limit} dBm/${tuning.bandwidth_mhz} MHz, evenly spread`;
+  ctx.fillText(text, Math.max(left, plot.bbox.left) + 4 * devicePixelRatio, y + 14 * devicePixelRatio);
 }
 
 function drawMarker(plot: uPlot, model: Model, colours: Palette, marker: Marker): void {

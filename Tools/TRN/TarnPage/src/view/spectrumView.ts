@@ -41,8 +41,16 @@ export class SpectrumView {
         model.tell('view');
       },
     });
-    const head = el('div', { class: 'head' }, this.caption, this.arrangement, this.chain);
-    this.root = el('div', { class: 'view spectrum' }, head, this.cursor, this.places, this.border, this.waterfall.root);
+    const head = el('div', { class: 'head' }, this.cursor, this.arrangement, this.chain);
+    this.root = el(
+      'div',
+      { class: 'view spectrum' },
+      this.caption,
+      head,
+      this.places,
+      this.border,
+      this.waterfall.root,
+    );
     this.dragBorder();
   }
 
@@ -51,7 +59,7 @@ export class SpectrumView {
     const share = this.model.view.waterfallShare;
     this.places.style.flex = String(1 - share);
     this.waterfall.root.style.flex = String(share);
-    this.waterfall.root.hidden = share <= 0.02;
+    this.waterfall.root.hidden = share <= 0.02 || !this.model.rings.length;
     this.places.hidden = share >= 0.98;
     this.words(now_ms);
     for (const plot of this.plots) plot.draw();
@@ -66,6 +74,7 @@ export class SpectrumView {
   private arrange(): void {
     const chains = this.model.traces.chains();
     const apart = this.model.view.chainLayout === 'side by side' && chains.length > 1;
+    this.arrangement.hidden = this.chain.hidden = chains.length < 2;
     const layout = `${chains.join()} ${apart}`;
     if (layout === this.layout || !chains.length) return;
     this.layout = layout;
@@ -91,7 +100,6 @@ export class SpectrumView {
       ['overlaid', 'side by side'].map((value) => ({ value, label: `chains ${value}` })),
       this.model.view.chainLayout,
     );
-    this.arrangement.hidden = this.chain.hidden = chains.length < 2;
   }
 
   private words(now_ms: number): void {

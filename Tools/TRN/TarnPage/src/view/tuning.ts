@@ -194,7 +194,7 @@ function sweepSection(model: Model, actions: Actions): HTMLElement {
   showLevels();
   return section(
     'Sweep',
-    labelled('Reference, dBm', reference),
+    labelled('Ref, dBm', reference),
     labelled('Division', scale),
     el(
       'button',
@@ -203,7 +203,7 @@ function sweepSection(model: Model, actions: Actions): HTMLElement {
     ),
     keyCheck(model, actions, '-maxhold', 'Max hold'),
     keyCheck(model, actions, '-channel_average', 'Average'),
-    labelled('Sweeps averaged', count),
+    labelled('Sweeps', count),
     keyCheck(model, actions, '-histogram', 'Histogram'),
     el(
       'button',
