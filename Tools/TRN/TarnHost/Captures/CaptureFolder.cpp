@@ -4,9 +4,12 @@
 
 #include <array>
 #include <cerrno>
+#include <fstream>
 #include <system_error>
 
+#include "Console/ResultTable.h"
 #include "OSAL/OSAL.h"
+#include "SampleReader.h"
 
 namespace TarnHost {
 namespace {
@@ -43,25 +46,56 @@ std::string MissingParameter(std::string_view name) {
     return {};
 }
 
-OSAL::Outcome<std::vector<FolderEntry>> ListCaptures(const fs::path& folder) {
+OSAL::Outcome<CaptureFolder> ListCaptures(const fs::path& folder, const std::function<bool()>& isWanted) {
+    constexpr std::size_t toldOf = 20;
     std::error_code error;
     const std::string quoted = "'" + folder.string() + "'";
     if (!fs::exists(folder, error)) return OSAL::Refusal{"there is no folder " + quoted};
     if (!fs::is_directory(folder, error)) return OSAL::Refusal{quoted + " is no folder"};
+    if (OSAL::IsLink(folder.string())) return OSAL::Refusal{quoted + " is a link"};
     if (::access(folder.c_str(), R_OK | X_OK) != 0)
         return OSAL::Refusal{"can't read the folder " + quoted + ": " + SystemText(errno)};
-    std::vector<FolderEntry> entries;
-    for (const std::string& name : OSAL::ListDirectory(folder.string()))
-        entries.push_back({name, SkipReason(folder, name)});
-    return entries;
+    CaptureFolder found;
+    for (std::string& name : OSAL::ListDirectory(folder.string())) {
+        if (name.starts_with('.')) continue;
+        if (!isWanted()) return OSAL::Refusal{"interrupted"};
+        const std::string reason = SkipReason(folder, name);
+        if (reason.empty())
+            found.files.push_back(std::move(name));
+        else if (++found.skippedCount <= toldOf)
+            found.skipped.push_back("'" + name + "': " + reason);
+    }
+    return found;
 }
 
-std::string WhyNotWritable(const fs::path& folder) {
+OSAL::Outcome<> CheckResultPlace(const fs::path& folder, ResultPlace place) {
     const fs::path result = folder / "result.csv";
+    const std::string refused = "can't write '" + result.string() + "': ";
     std::error_code error;
-    if (fs::is_directory(result, error)) return "result.csv is a folder";
-    const fs::path& checked = fs::exists(result, error) ? result : folder;
-    return ::access(checked.c_str(), W_OK) == 0 ? std::string() : SystemText(errno);
+    const auto type = fs::symlink_status(result, error).type();
+    if (type == fs::file_type::directory) return OSAL::Refusal{refused + "result.csv is a folder"};
+    if (type == fs::file_type::symlink || OSAL::IsLink(result.string())) return OSAL::Refusal{refused + "it is a link"};
+    if (type != fs::file_type::not_found && type != fs::file_type::regular)
+        return OSAL::Refusal{refused + "it is no regular file"};
+    if (::access(folder.c_str(), W_OK) != 0) return OSAL::Refusal{refused + SystemText(errno)};
+    if (type == fs::file_type::not_found || place.overwrite) return {};
+    std::string start(resultHeader.size(), '\0');
+    std::ifstream(result, std::ios::binary).read(start.data(), static_cast<std::streamsize>(start.size()));
+    if (start == resultHeader) return {};
+    return OSAL::Refusal{"'" + result.string() + "' holds no results of an analysis; --force overwrites it"};
+}
+
+std::string BadLine(const fs::path& file) {
+    auto reader = SampleFiles::SampleReader::Open(file.string());
+    if (!reader) return {};
+    std::vector<double> i(4096), q(4096);
+    std::size_t lines = 0;
+    while (true) {
+        const auto stretch = reader->Read(i, q);
+        lines += stretch.samples;
+        if (!stretch.state) return "line " + std::to_string(lines + 1) + ": " + SampleFiles::FaultText(stretch.state);
+        if (stretch.samples < i.size()) return {};
+    }
 }
 
 }  // namespace TarnHost

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,19 +11,30 @@
 
 namespace TarnHost {
 
-struct FolderEntry {
-    std::string name;
-    std::string skipReason;  ///< empty: the analysis takes it
+/// What a folder holds for the analysis. Hidden files and what a killed writer left behind are no captures and not
+/// told of.
+struct CaptureFolder {
+    std::vector<std::string> files;    ///< that the analysis takes, in the order in which the system lists them
+    std::vector<std::string> skipped;  ///< "'name': why" of the first 20 others
+    std::size_t skippedCount = 0;
 };
 
 /// What a file name lacks of the four parameters BAND_, CHANNEL_, BW_ and CHAIN_; empty when it has all. A value stands
 /// between its key and the next "_".
 std::string MissingParameter(std::string_view name);
 
-/// The folder's entries in the order in which the analysis meets them, without `result.csv`.
-OSAL::Outcome<std::vector<FolderEntry>> ListCaptures(const std::filesystem::path& folder);
+/// Looks through the folder; `result.csv` doesn't count. Refused when it can't be read, or when `isWanted` says that
+/// nobody waits any more.
+OSAL::Outcome<CaptureFolder> ListCaptures(const std::filesystem::path& folder, const std::function<bool()>& isWanted);
 
-/// Why the analysis couldn't write its results into the folder; empty when it can.
-std::string WhyNotWritable(const std::filesystem::path& folder);
+/// Looks at `result.csv` before the work: refused when it couldn't be put there, or, without `overwrite`, when
+/// something else than results of an analysis stands there.
+struct ResultPlace {
+    bool overwrite = false;
+};
+OSAL::Outcome<> CheckResultPlace(const std::filesystem::path& folder, ResultPlace place);
+
+/// Number of the first line that is no sample, and why: "line 17: I isn't a number"; empty when all are.
+std::string BadLine(const std::filesystem::path& file);
 
 }  // namespace TarnHost

@@ -1,14 +1,17 @@
-#include <algorithm>
-#include <cctype>
-#include <filesystem>
-#include <set>
+#include <unistd.h>
 
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "CaptureName.h"
 #include "Captures/CaptureFolder.h"
 #include "Commands/HostSession.h"
 #include "Console/Progress.h"
 #include "Console/ResultTable.h"
-#include "Console/TextWidth.h"
 #include "Lines/KeyLine.h"
+#include "OSAL/WholeFile.h"
 #include "Record.h"
 
 namespace TarnHost {
@@ -18,143 +21,190 @@ namespace fs = std::filesystem;
 using TarnSession::Exchange;
 using TarnSession::Session;
 
-std::string Quoted(const std::string& name) {
-    return "'" + Printable(name) + "'";
-}
-
 std::string Files(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " file" : " files");
 }
 
+/// A folder of our own in which the plug-in meets one capture at a time, so that a bad one costs no other, and what
+/// stands in the person's folder stays until all results are there.
+class Stage {
+public:
+    static OSAL::Outcome<Stage> Make() {
+        std::error_code error;
+        const fs::path place = fs::temp_directory_path(error);
+        std::string pattern = (place / "tarn-analyse-XXXXXX").string();
+        if (error || !::mkdtemp(pattern.data()))
+            return OSAL::Refusal{"can't make a folder in '" + place.string() + "' (TMPDIR names another place)"};
+        return Stage(pattern);
+    }
+    ~Stage() {
+        std::error_code ignored;
+        if (!m_folder.empty()) fs::remove_all(m_folder, ignored);
+    }
+    Stage(Stage&& other) noexcept : m_folder(std::exchange(other.m_folder, {})) {}
+    Stage& operator=(Stage&&) = delete;
+
+    const std::string& Folder() const { return m_folder; }
+    /// Puts the capture in, under its name.
+    OSAL::Outcome<> Put(const fs::path& capture) {
+        std::error_code error;
+        fs::create_symlink(capture, fs::path(m_folder) / capture.filename(), error);
+        if (error) return OSAL::Refusal{"can't be put before the plug-in: " + error.message()};
+        return {};
+    }
+    /// Takes it out again with its result. @return the power's text; empty when the plug-in wrote none
+    std::string TakePower(const std::string& name) {
+        std::error_code ignored;
+        fs::remove(fs::path(m_folder) / name, ignored);
+        const fs::path file = fs::path(m_folder) / "result.csv";
+        std::ostringstream text;
+        text << std::ifstream(file, std::ios::binary).rdbuf();
+        const auto rows = ParseResults(text.str());
+        fs::remove(file, ignored);
+        return rows.size() == 1 ? rows[0].power : std::string();
+    }
+
+private:
+    explicit Stage(std::string folder) : m_folder(std::move(folder)) {}
+    std::string m_folder;
+};
+
 /// One analysis of one folder, from the checks before to the report behind.
 class FolderAnalysis {
 public:
-    FolderAnalysis(std::string folder, Context& context)
-        : m_context(context),
-          m_folder(std::move(folder)),
-          m_resultFile(fs::path(m_folder) / "result.csv"),
-          m_written(m_resultFile) {}
+    FolderAnalysis(const AnalyseOptions& options, Context& context)
+        : m_options(options), m_context(context), m_resultFile(fs::path(options.folder) / "result.csv") {}
 
     ExitStatus Run();
 
 private:
     OSAL::Outcome<> Check();
-    /// Nothing when a signal ended it.
-    std::optional<Exchange> Scan(Session& session);
-    ExitStatus Report(const Exchange& exchange);
-    ExitStatus PrintRows();
-    void SaySkipped();
-    std::size_t Analysable() const;
-    /// Analysable files without a line in the result, in the order of the scan.
-    std::vector<std::string> Missing() const;
+    ExitStatus RunOn(Session& session, Stage& stage);
+    /// False when no further file shall be looked at.
+    bool RunOne(Session& session, Stage& stage, const std::string& name);
+    void Complain(const std::string& name, const std::string& why);
+    ExitStatus Report(bool isInterrupted);
+    void Say(const std::string& text) { m_context.console.Say(text); }
 
+    const AnalyseOptions& m_options;
     Context& m_context;
-    std::string m_folder;
     fs::path m_resultFile;
-    ResultCounter m_written;
     std::string m_line;
-    std::vector<FolderEntry> m_entries;
+    CaptureFolder m_captures;
     std::vector<ResultRow> m_rows;
+    std::size_t m_badFiles = 0;
 };
 
 OSAL::Outcome<> FolderAnalysis::Check() {
-    const auto token = QuotePath(m_folder);
-    if (!token) return OSAL::Refusal{"a path with a double quote can't be passed to the plug-in: " + Quoted(m_folder)};
-    m_line = "-read_adc_samples_from_file " + *token;
-    auto entries = ListCaptures(m_folder);
-    if (!entries) return entries.Why();
-    m_entries = std::move(*entries);
-    if (m_entries.empty()) return {};
-    if (const std::string reason = WhyNotWritable(m_folder); !reason.empty())
-        return OSAL::Refusal{"can't write " + Quoted(m_resultFile.string()) + ": " + reason};
-    return {};
+    auto captures = ListCaptures(m_options.folder, [this] { return !m_context.watch.IsRequested(); });
+    if (!captures) return captures.Why();
+    m_captures = std::move(*captures);
+    if (m_captures.files.empty()) return {};
+    return CheckResultPlace(m_options.folder, {m_options.overwrite});
 }
 
-std::size_t FolderAnalysis::Analysable() const {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(m_entries, [](const FolderEntry& entry) { return entry.skipReason.empty(); }));
+void FolderAnalysis::Complain(const std::string& name, const std::string& why) {
+    ++m_badFiles;
+    Say("'" + name + "': " + why);
 }
 
-std::optional<Exchange> FolderAnalysis::Scan(Session& session) {
-    AnalysisProgress progress(m_context.console.err, m_resultFile, Analysable());
-    // The scan can't be stopped from outside, and each file's line is on the disk once the file is done: a signal may
-    // end the process at any time.
-    auto exchange = PendingLine(session, m_line).Wait(m_context.watch);
-    progress.Stop();
-    if (exchange) return exchange;
-    AbandonLine(session, m_context);
-    PrintRows();
-    m_context.console.Say("interrupted: " + Files(m_rows.size()) + " of " + std::to_string(Analysable()) +
-                          " analysed, kept in " + Quoted(m_resultFile.string()));
-    return std::nullopt;
-}
-
-ExitStatus FolderAnalysis::PrintRows() {
-    // a file that the analysis couldn't write still holds the results of an earlier one
-    m_rows = m_written.IsFresh() ? ParseResults(ReadText(m_resultFile)) : std::vector<ResultRow>{};
-    if (!m_rows.empty()) m_context.console.out.Write(LayOutTable(m_rows, m_context.console.out.Columns()));
-    m_context.console.out.Flush();
-    return Success;
-}
-
-std::vector<std::string> FolderAnalysis::Missing() const {
-    std::set<std::string> analysed;
-    for (const ResultRow& row : m_rows)
-        analysed.insert(row.file);
-    std::vector<std::string> missing;
-    for (const FolderEntry& entry : m_entries) {
-        if (entry.skipReason.empty() && !analysed.contains(entry.name)) missing.push_back(entry.name);
+bool FolderAnalysis::RunOne(Session& session, Stage& stage, const std::string& name) {
+    const fs::path capture = fs::absolute(fs::path(m_options.folder) / name);
+    if (const auto put = stage.Put(capture); !put) {
+        Complain(name, put.Reason());
+        return true;
     }
-    return missing;
+    const auto exchange = PendingLine(session, m_line).Wait(m_context.watch, std::chrono::milliseconds(300));
+    if (!exchange) {
+        AbandonLine(session, m_context);
+        return false;
+    }
+    const std::string power = stage.TakePower(name);
+    if (exchange->exitCode == 0 && !power.empty()) {
+        const auto tuning = SampleFiles::ReadCaptureName(name).value_or(SampleFiles::CaptureName{});
+        m_rows.push_back({name, power, tuning.band, tuning.channel, tuning.bandwidth, tuning.chain});
+        for (const std::string& warning : exchange->warnings)
+            Complain(name, warning);
+        return true;
+    }
+    const std::string badLine = BadLine(capture);
+    const std::string why = exchange->exitCode != 0 ? ErrorSentence(*exchange) : "the plug-in gave no result";
+    Complain(name, badLine.empty() ? why : badLine);
+    return !quayCommand::RadioTrouble();
 }
 
-void FolderAnalysis::SaySkipped() {
-    for (const FolderEntry& entry : m_entries) {
-        if (!entry.skipReason.empty()) m_context.console.Say("skipped " + Quoted(entry.name) + ": " + entry.skipReason);
+ExitStatus FolderAnalysis::RunOn(Session& session, Stage& stage) {
+    StatusLine status(m_context.console.err);
+    const auto start = std::chrono::steady_clock::now();
+    std::size_t done = 0;
+    bool isGoingOn = true;
+    for (const std::string& name : m_captures.files) {
+        if (!isGoingOn || m_context.watch.IsRequested() || !m_context.console.out.Ok()) break;
+        status.Show(ProgressText(done++, m_captures.files.size(), std::chrono::steady_clock::now() - start));
+        const std::size_t before = m_badFiles;
+        isGoingOn = RunOne(session, stage, name);
+        if (m_badFiles != before) status.Forget();  // a complaint took its line
     }
+    status.Clear();
+    return Report(m_context.watch.IsRequested());
 }
 
-ExitStatus FolderAnalysis::Report(const Exchange& exchange) {
-    PrintRows();
-    SaySkipped();
-    const std::vector<std::string> missing = Missing();
-    const std::string done = Files(m_rows.size()) + " of " + std::to_string(Analysable()) + " analysed";
-    if (exchange.exitCode != 0) {
-        // the scan takes the files in the order of the listing, so it ended at the first one without a result
-        const std::string where = missing.empty() ? "" : " at " + Quoted(missing.front());
-        m_context.console.Say("the analysis ended" + where + ": " + ErrorSentence(exchange) + " (" + done + ")");
-        return Failed;
+/// What was analysed is printed whatever happened, but an earlier result gives way to a complete one only.
+ExitStatus FolderAnalysis::Report(bool isInterrupted) {
+    Output& out = m_context.console.out;
+    if (!m_rows.empty()) out.Write(LayOutTable(m_rows, out.Columns()));
+    out.Flush();
+    for (const std::string& skipped : m_captures.skipped)
+        Say("skipped " + skipped);
+    if (m_captures.skippedCount > m_captures.skipped.size())
+        Say("skipped " + std::to_string(m_captures.skippedCount - m_captures.skipped.size()) + " more");
+    const std::string done = Files(m_rows.size()) + " of " + std::to_string(m_captures.files.size()) + " analysed";
+    const bool isComplete = m_rows.size() + m_badFiles >= m_captures.files.size() && !isInterrupted;
+    std::error_code ignored;
+    const bool isKept = isComplete || !fs::exists(m_resultFile, ignored);
+    if (isKept && !m_rows.empty()) {
+        const InterruptWatch::Finishing finishing(m_context.watch);
+        if (const auto written = OSAL::WriteWholeFile(m_resultFile, ResultText(m_rows)); !written)
+            return Refuse(written.Reason(), m_context);
     }
-    if (!missing.empty()) {
-        m_context.console.Say("no result for " + Files(missing.size()) + ", the first is " + Quoted(missing.front()) +
-                              ": " + Quoted(m_resultFile.string()) + " couldn't be written, or the files changed");
-        return Failed;
+    const std::string place = "'" + m_resultFile.string() + "'";
+    if (isInterrupted || !isComplete) {
+        const std::string kept = m_rows.empty() ? "" : isKept ? ", kept in " + place : "; " + place + " stays as it was";
+        Say((isInterrupted ? "interrupted: " : "the analysis ended: ") + done + kept);
+        return isInterrupted ? m_context.watch.Status() : Failed;
     }
-    if (m_rows.empty())
-        m_context.console.Say("none of the " + Files(m_entries.size()) + " in " + Quoted(m_folder) +
-                              " can be analysed");
-    return Success;
+    if (m_badFiles == 0) return Success;
+    Say(done);
+    return Failed;
 }
 
 ExitStatus FolderAnalysis::Run() {
-    if (const auto check = Check(); !check) return Refuse(check.Reason(), m_context);
+    if (const auto check = Check(); !check)
+        return m_context.watch.IsRequested() ? m_context.watch.Status() : Refuse(check.Reason(), m_context);
+    if (m_captures.files.empty()) {
+        for (const std::string& skipped : m_captures.skipped)
+            Say("skipped " + skipped);
+        Say(m_captures.skippedCount == 0
+                ? "there are no files in '" + m_options.folder + "'"
+                : "none of the " + Files(m_captures.skippedCount) + " in '" + m_options.folder + "' can be analysed");
+        return Success;
+    }
+    auto stage = Stage::Make();
+    if (!stage) return Refuse(stage.Reason(), m_context);
+    const auto token = QuotePath(stage->Folder());
+    if (!token) return Refuse("TMPDIR names a folder with a double quote in its name", m_context);
+    m_line = "-read_adc_samples_from_file " + *token;
     TarnSession::KeepingSink sink;
     const auto [session, status] = OpenSession({}, sink, m_context);
     if (!session) return status;
-    if (m_entries.empty()) {
-        m_context.console.Say("there are no files in " + Quoted(m_folder));
-        return Success;
-    }
     session->Run("");  // takes away what the start left to say
-    if (m_context.watch.IsRequested()) return m_context.watch.Status();
-    const auto exchange = Scan(*session);
-    return exchange ? CheckRadio(Report(*exchange), m_context) : m_context.watch.Status();
+    return CheckRadio(RunOn(*session, *stage), m_context);
 }
 
 }  // namespace
 
 ExitStatus Analyse(const AnalyseOptions& options, Context& context) {
-    return FolderAnalysis(options.folder, context).Run();
+    return FolderAnalysis(options, context).Run();
 }
 
 }  // namespace TarnHost

@@ -75,6 +75,7 @@ void AddDiagnosticOptions(CLI::App& app, DiagnosticOptions& options) {
 void AddAnalyse(CLI::App& app, AnalyseOptions& options) {
     auto* command = app.add_subcommand("analyse", "Channel power of each sample file in a folder");
     command->add_option("FOLDER", options.folder, "Folder with sample files; it gets result.csv")->required();
+    command->add_flag("--force", options.overwrite, "Overwrite a result.csv that holds something else");
     command->footer(
         "A file name says how it was captured, each value between its key and the next \"_\":\n"
         "  BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_run7.txt\n\n"

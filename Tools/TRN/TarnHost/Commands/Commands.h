@@ -29,6 +29,7 @@ struct Context {
 
 struct AnalyseOptions {
     std::string folder;
+    bool overwrite = false;  ///< also a result.csv that holds something else
 };
 
 struct RunOptions {

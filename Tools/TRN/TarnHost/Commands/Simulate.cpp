@@ -31,8 +31,9 @@ OSAL::Outcome<> PrepareFolder(const SimulateOptions& options, const std::vector<
     fs::create_directories(options.folder, error);
     if (error) return OSAL::Refusal{"can't make the folder '" + options.folder + "': " + error.message()};
     if (options.overwrite) return {};
-    const auto existing =
-        std::ranges::find_if(files, [&](const PlannedFile& file) { return fs::exists(file.path, error); });
+    // a link that leads nowhere stands there too
+    const auto existing = std::ranges::find_if(
+        files, [&](const PlannedFile& file) { return fs::exists(fs::symlink_status(file.path, error)); });
     if (existing == files.end()) return {};
     return OSAL::Refusal{"'" + existing->path.string() + "' exists already; --force overwrites"};
 }

@@ -2,19 +2,19 @@
 
 #include <algorithm>
 #include <array>
-#include <fstream>
 #include <optional>
-#include <sstream>
 
 #include "Console/TextWidth.h"
+#include "PlainText.h"
 
 namespace TarnHost {
 namespace {
 
+using TarnMeasure::Printable;
+
 constexpr std::size_t columnCount = 6;
 constexpr std::size_t gap = 2;
 constexpr std::size_t shortestName = 12;
-constexpr std::string_view header = "FILE_NAME, POWER, BAND, CH, BW, CHAIN,";
 
 /// Fields from the right, where none can hold a comma: "file,power,band,channel,width,chain,".
 std::optional<ResultRow> ParseRow(std::string_view line) {
@@ -73,7 +73,7 @@ std::vector<ResultRow> ParseResults(std::string_view text) {
         if (end == std::string_view::npos) break;  // a line still being written
         pending += text.substr(0, end);
         text.remove_prefix(end + 1);
-        if (pending == header) {
+        if (pending == resultHeader) {
             pending.clear();
         } else if (auto row = ParseRow(pending)) {
             rows.push_back(std::move(*row));
@@ -119,12 +119,22 @@ std::string ShortenName(const std::string& name, std::size_t length) {
     return LeadingCharacters(name, head) + "…" + name.substr(LeadingCharacters(name, width - tail).size());
 }
 
-std::string ReadText(const std::filesystem::path& path) {
-    const std::ifstream file(path, std::ios::binary);
-    if (!file) return {};
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
+std::string ResultText(const std::vector<ResultRow>& rows) {
+    const auto field = [](const std::string& text) {
+        const std::string plain = Printable(text);
+        if (plain.find_first_of(",\"") == std::string::npos) return plain;
+        std::string quoted = "\"";
+        for (const char c : plain)
+            quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+        return quoted + "\"";
+    };
+    std::string text = std::string(resultHeader) + "\n";
+    for (const ResultRow& row : rows) {
+        for (const std::string* value : {&row.file, &row.power, &row.band, &row.channel, &row.width, &row.chain})
+            text += field(*value) + ",";
+        text += "\n";
+    }
+    return text;
 }
 
 }  // namespace TarnHost

@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstddef>
-#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace TarnHost {
+
+/// First line of a result.csv, without its end.
+constexpr std::string_view resultHeader = "FILE_NAME, POWER, BAND, CH, BW, CHAIN,";
 
 /// One analysed file, each field as it stands in result.csv.
 struct ResultRow {
@@ -30,7 +32,8 @@ std::string LayOutTable(std::vector<ResultRow> rows, std::size_t columns);
 /// `name` cut in its middle to `length` characters; what tells captures apart stands at both ends of a name.
 std::string ShortenName(const std::string& name, std::size_t length);
 
-/// The whole file; empty when it can't be read.
-std::string ReadText(const std::filesystem::path& path);
+/// The rows as the text of a result.csv, header first. In a name, what would make a row of its own becomes "?", and a
+/// comma or a double quote puts the name in quotes.
+std::string ResultText(const std::vector<ResultRow>& rows);
 
 }  // namespace TarnHost

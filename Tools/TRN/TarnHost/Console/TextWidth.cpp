@@ -61,11 +61,4 @@ bool ComesBefore(std::string_view a, std::string_view b) {
     return a.size() != b.size() ? a.size() < b.size() : whole.first < whole.second;
 }
 
-std::string Printable(std::string_view text) {
-    std::string result(text);
-    std::ranges::replace_if(
-        result, [](unsigned char c) { return c < 0x20 || c == 0x7F; }, '?');
-    return result;
-}
-
 }  // namespace TarnHost

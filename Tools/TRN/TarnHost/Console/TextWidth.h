@@ -13,9 +13,6 @@ std::size_t DisplayWidth(std::string_view text);
 /// The first `count` characters.
 std::string LeadingCharacters(std::string_view text, std::size_t count);
 
-/// Control characters become "?", so that a name stays on its line and can't steer the terminal.
-std::string Printable(std::string_view text);
-
 /// Order of names for a person: runs of digits by their value, so that "2" stands before "10".
 bool ComesBefore(std::string_view a, std::string_view b);
 
