@@ -26,18 +26,18 @@ std::uint32_t UsableBins(double sampleRate, double rbw) {
 }  // namespace
 
 void ThrowNew(const char* function, const std::string& text) {
-    if (Streams::IsTraceOn()) Streams::WriteTrace(Streams::TraceError, __FILE__, function, text);
+    if (Streams::IsTraceOn(Streams::TraceError)) Streams::WriteTrace(Streams::TraceError, __FILE__, function, text);
     throw new Utilities::Exception(text);
 }
 
 void ThrowValue(const char* function, const std::string& text) {
-    if (Streams::IsTraceOn()) Streams::WriteTrace(Streams::TraceError, __FILE__, function, text);
+    if (Streams::IsTraceOn(Streams::TraceError)) Streams::WriteTrace(Streams::TraceError, __FILE__, function, text);
     throw Utilities::Exception(text);
 }
 
 void CheckStatus(KelpStatus status, const char* function, const char* logText) {
     if (status == kelpStsNoErr) return;
-    if (Streams::IsTraceOn()) Streams::WriteTrace(Streams::TraceError, __FILE__, function, logText);
+    if (Streams::IsTraceOn(Streams::TraceError)) Streams::WriteTrace(Streams::TraceError, __FILE__, function, logText);
     throw new Utilities::Exception(Common::Format("Kelp Error ${1}\n ${2}") % status % kelpGetStatusString(status));
 }
 

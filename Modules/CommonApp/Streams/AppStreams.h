@@ -14,6 +14,16 @@
 
 namespace Streams {
 
+/// Hears what goes wrong while the system works, also where no answer tells it.
+class IErrorListener {
+public:
+    /// One message of the flow trace at error level. Thread: any.
+    virtual void OnError(const char* function, const std::string& message) = 0;
+
+protected:
+    ~IErrorListener() = default;
+};
+
 /// The one object of the process. A host sets the pointers; they belong to the host. Reached through the static
 /// accessors, or whole through `SingletonWrapper<AppStreams>`.
 /// Thread: `GetLock` guards `logStream` and `logPath`; the other fields are set at start-up.
@@ -59,6 +69,8 @@ public:
     std::ostream* traceStream = nullptr;
     /// Atomic, so that asking whether there is a log costs a load and no lock.
     std::atomic<std::ostream*> logStream{nullptr};
+    /// Hears the error lines of the flow trace, with a log or without. Belongs to the host.
+    std::atomic<IErrorListener*> errorListener{nullptr};
     std::ostream* reservedStreams[2] = {nullptr, nullptr};
     std::istream* inputStream = nullptr;
     null_ostream<> nullOut;

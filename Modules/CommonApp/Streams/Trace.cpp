@@ -36,7 +36,7 @@ bool Rotate(std::ostream& stream, const std::string& path) {
 }
 
 void OnLockFailure(unsigned level, const char* function, const char* message) {
-    if (IsTraceOn()) WriteTrace(level, "", function, message);
+    if (IsTraceOn(level)) WriteTrace(level, "", function, message);
 }
 
 void OnDebugOutput(const char* text) {
@@ -92,15 +92,19 @@ void WriteLogLine(unsigned level, const char*, const char* function, const std::
     stream.flush();
 }
 
-bool IsTraceOn() noexcept {
+bool IsTraceOn(unsigned level) noexcept {
     const auto* streams = SingletonWrapper<AppStreams>::peekObject();
-    return streams && streams->logStream.load(std::memory_order_relaxed);
+    if (!streams) return false;
+    return streams->logStream.load(std::memory_order_relaxed) ||
+           (level == TraceError && streams->errorListener.load(std::memory_order_relaxed));
 }
 
 void WriteTrace(unsigned level, const char* file, const char* function, const std::string& message) noexcept {
     try {
         auto* streams = SingletonWrapper<AppStreams>::peekObject();
         if (!streams) return;
+        if (auto* listener = level == TraceError ? streams->errorListener.load() : nullptr)
+            listener->OnError(function, message);
         const SyncObjectsOSAL::Locked<SyncObjectsOSAL::ILock> guard(streams->lock);
         const std::string path = streams->logPath;
         if (auto* stream = streams->logStream.load()) WriteLogLine(level, file, function, message, *stream, path);
@@ -110,7 +114,7 @@ void WriteTrace(unsigned level, const char* file, const char* function, const st
 }
 
 void ReportFailure(const char* file, const char* function, const std::string& message) noexcept {
-    if (IsTraceOn()) WriteTrace(TraceError, file, function, message);
+    if (IsTraceOn(TraceError)) WriteTrace(TraceError, file, function, message);
     try {
         const SyncObjectsOSAL::Locked<SyncObjectsOSAL::ILock> guard(AppStreams::GetLock());
         AppStreams::GetError() << message << std::endl;
@@ -120,7 +124,7 @@ void ReportFailure(const char* file, const char* function, const std::string& me
 }
 
 void ThrowLogged(const char* function, const std::string& text, unsigned level) {
-    if (IsTraceOn()) WriteTrace(level, "", function, text);
+    if (IsTraceOn(level)) WriteTrace(level, "", function, text);
     throw Common::Exception(text);
 }
 

@@ -9,8 +9,9 @@ namespace Streams {
 /// Levels of the flow trace. All are written; the level only makes the tag of the line.
 enum TraceLevel : unsigned { TraceError = 1, TraceWarning = 2, TraceInfo = 4, TraceDebug = 8 };
 
-/// True when there is a log stream, so that building a message is worth it. Costs two loads.
-bool IsTraceOn() noexcept;
+/// True when there is a log stream, or a listener for a message at error level, so that building one is worth it.
+/// Costs two loads.
+bool IsTraceOn(unsigned level = TraceInfo) noexcept;
 
 /// Writes one line under the lock of the process-wide streams; drops it when there is no healthy log stream.
 /// `file` is not written. Never throws.
@@ -61,6 +62,6 @@ private:
 /// One trace line, `message` being anything that converts to a std::string: it is only evaluated when a log is open.
 #define TRACE(level, message)                                                                    \
     do {                                                                                         \
-        if (::Streams::IsTraceOn())                                                              \
+        if (::Streams::IsTraceOn(level))                                                         \
             ::Streams::WriteTrace((level), __FILE__, traceFunctionName, ::std::string(message)); \
     } while (false)
