@@ -2,13 +2,12 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <map>
+#include <filesystem>
 #include <set>
 
 #include "Captures/CaptureFolder.h"
 #include "Captures/CapturePlan.h"
-#include "Console/Progress.h"
+#include "Console/History.h"
 #include "Console/ResultTable.h"
 #include "Support/TempFolder.h"
 
@@ -78,39 +77,70 @@ TEST(CapturePlan, FollowsChipCardAntennasAndCountry) {
 TEST(Folders, ListWhatAnalysisTakesAndWhyItSkips) {
     const Support::TempFolder folder;
     const std::string good = "BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_";
-    std::ofstream(folder.Path() / (good + "1.txt"));
-    std::ofstream(folder.Path() / "result.csv");
-    std::ofstream(folder.Path() / "notes.txt");
+    for (const std::string& name : {good + "1.txt", std::string("result.csv"), std::string("notes.txt"), "." + good})
+        folder.Write(name, "");
     std::filesystem::create_directory(folder.Path() / (good + "folder"));
     std::filesystem::create_symlink("nowhere", folder.Path() / (good + "link"));
-    const auto entries = ListCaptures(folder.Path());
-    ASSERT_TRUE(entries);
-    std::map<std::string, std::string> reasons;
-    for (const auto& entry : *entries)
-        reasons[entry.name] = entry.skipReason;
-    const std::map<std::string, std::string> expected = {
-        {good + "1.txt", ""},
-        {"notes.txt", "has no BAND_ in its name"},
-        {good + "folder", "is a folder"},
-        {good + "link", "can't be read: No such file or directory"},
-    };
-    EXPECT_EQ(reasons, expected);
-    EXPECT_FALSE(ListCaptures(folder.Path() / "missing"));
-    EXPECT_FALSE(ListCaptures(folder.Path() / "notes.txt"));
+    const auto isWanted = [] { return true; };
+    auto found = ListCaptures(folder.Path(), isWanted);
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->files, std::vector<std::string>{good + "1.txt"});
+    std::ranges::sort(found->skipped);
+    EXPECT_EQ(found->skipped, (std::vector<std::string>{"'" + good + "folder': is a folder",
+                                                        "'" + good + "link': can't be read: No such file or directory",
+                                                        "'notes.txt': has no BAND_ in its name"}));
+    for (int k = 0; k < 30; ++k)
+        folder.Write("x" + std::to_string(k), "");
+    found = ListCaptures(folder.Path(), isWanted);
+    EXPECT_EQ(found->skippedCount, 33U);
+    EXPECT_EQ(found->skipped.size(), 20U);
+    EXPECT_FALSE(ListCaptures(folder.Path() / "missing", isWanted));
+    EXPECT_FALSE(ListCaptures(folder.Path() / "notes.txt", isWanted));
+    EXPECT_FALSE(ListCaptures(folder.Path(), [] { return false; }));
 }
 
-TEST(ResultCounter, CountsOnlyWhatIsWrittenAfterItBegan) {
+TEST(Folders, AResultThatIsNotOursOrNoFileIsRefusedBeforeTheWork) {
     const Support::TempFolder folder;
-    const auto path = folder.Path() / "result.csv";
-    std::ofstream(path) << "header\nold\nold\n";
-    ResultCounter counter(path);
-    EXPECT_EQ(counter.Count(), 0U);
-    EXPECT_FALSE(counter.IsFresh());
-    std::ofstream(path) << "header\n";
-    EXPECT_EQ(counter.Count(), 0U);
-    EXPECT_TRUE(counter.IsFresh());
-    std::ofstream(path, std::ios::app) << "one\ntwo\nthr";
-    EXPECT_EQ(counter.Count(), 2U);
-    std::ofstream(path, std::ios::app) << "ee\n";
-    EXPECT_EQ(counter.Count(), 3U);
+    const auto place = folder.Path() / "result.csv";
+    const auto reasonOf = [&](ResultPlace options) {
+        const auto check = CheckResultPlace(folder.Path(), options);
+        return check ? std::string() : check.Reason();
+    };
+    EXPECT_EQ(reasonOf({}), "");
+    folder.Write("result.csv", std::string(resultHeader) + "\n");
+    EXPECT_EQ(reasonOf({}), "");
+    folder.Write("result.csv", "my thesis");
+    EXPECT_NE(reasonOf({}).find("--force"), std::string::npos);
+    EXPECT_EQ(reasonOf({.overwrite = true}), "");
+    std::filesystem::remove(place);
+    std::filesystem::create_symlink("nowhere", place);
+    EXPECT_NE(reasonOf({.overwrite = true}).find("it is a link"), std::string::npos);
+    std::filesystem::remove(place);
+    std::filesystem::create_directory(place);
+    EXPECT_NE(reasonOf({.overwrite = true}).find("is a folder"), std::string::npos);
+}
+
+TEST(Folders, ABadLineIsNamedByItsNumber) {
+    const Support::TempFolder folder;
+    EXPECT_EQ(BadLine(folder.Write("a", "1 ,2\n3 ,4\nfive ,6\n")), "line 3: I isn't a number");
+    EXPECT_EQ(BadLine(folder.Write("b", "1 ,2\n3 ,x\n")), "line 2: Q isn't a number");
+    EXPECT_EQ(BadLine(folder.Write("c", "1 ,2\n3 ,4")), "");
+    EXPECT_EQ(BadLine(folder / "missing"), "");
+}
+
+TEST(History, SurvivesItsShellAndLosesNoneOfAnothers) {
+    const Support::TempFolder folder;
+    const std::string file = folder / "state/tarn/history";
+    EXPECT_TRUE(ReadHistory(file, 10).empty());
+    for (const char* line : {"-band 5.2", "-trigger_now", "-band 5.2", "two\nlines"})
+        AppendHistory(file, line);
+    EXPECT_EQ(ReadHistory(file, 10), (std::vector<std::string>{"-trigger_now", "-band 5.2"}));
+    EXPECT_EQ(ReadHistory(file, 1), std::vector<std::string>{"-band 5.2"});
+    using std::filesystem::perms;
+    EXPECT_EQ(std::filesystem::status(file).permissions(), perms::owner_read | perms::owner_write);
+    std::filesystem::rename(file, file + "2");
+    std::filesystem::create_symlink(file + "2", file);
+    AppendHistory(file, "-rbw 78.125");
+    EXPECT_TRUE(ReadHistory(file, 10).empty()) << "a link is nobody's history";
+    EXPECT_EQ(ReadHistory(file + "2", 10).size(), 2U);
 }

@@ -14,7 +14,6 @@
 #include <thread>
 #include <vector>
 
-#include "Console/ResultTable.h"
 #include "Support/TempFolder.h"
 
 extern char** environ;
@@ -31,6 +30,10 @@ public:
 
     Program& Input(const std::string& text) {
         std::ofstream(m_folder.Path() / "in") << text;
+        return *this;
+    }
+    Program& InputFrom(int descriptor) {
+        m_input = descriptor;
         return *this;
     }
     /// Standard output goes there instead of into the result.
@@ -53,7 +56,7 @@ public:
         const auto in = File("in", O_RDONLY | O_CREAT);
         const auto out = File("out", O_WRONLY | O_CREAT);
         const auto err = File("err", O_WRONLY | O_CREAT);
-        const pid_t process = Start(in, m_output < 0 ? out : m_output, err);
+        const pid_t process = Start(m_input < 0 ? in : m_input, m_output < 0 ? out : m_output, err);
         for (const int descriptor : {in, out, err})
             ::close(descriptor);
         int status = 0;
@@ -69,7 +72,7 @@ public:
         return {WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status), Text("out"), Text("err")};
     }
 
-    std::string Text(const char* name) const { return TarnHost::ReadText(m_folder.Path() / name); }
+    std::string Text(const char* name) const { return Support::ReadText(m_folder.Path() / name); }
 
 private:
     int File(const char* name, int mode) const {
@@ -107,6 +110,7 @@ private:
     Support::TempFolder m_folder;
     std::vector<std::string> m_arguments;
     std::vector<std::string> m_environment;
+    int m_input = -1;
     int m_output = -1;
     int m_signal = 0;
     std::function<bool()> m_isReady;

@@ -5,7 +5,10 @@
 #include "Console/Progress.h"
 #include "Console/ResultTable.h"
 #include "Console/TextWidth.h"
+#include "Lines/AirName.h"
 #include "Lines/KeyLine.h"
+#include "Lines/ShellQuote.h"
+#include "Lines/Suggest.h"
 
 using namespace TarnHost;
 
@@ -79,10 +82,27 @@ TEST(Table, NumbersInNamesSortByValue) {
     }
 }
 
-TEST(Table, ANameCanNotSteerTheTerminal) {
-    EXPECT_EQ(Printable("a\x1b[2Jb\r\n\x7F"), "a?[2Jb???");
-    EXPECT_EQ(Printable("grün"), "grün");
+TEST(Table, ANameForgesNoRow) {
+    const std::vector<ResultRow> rows = {{"a\nb,\"x\"", "-70", "5.2", "36", "20", "A"},
+                                         {"c", "-71", "5.2", "36", "20", "A"}};
+    EXPECT_EQ(ResultText(rows),
+              std::string(resultHeader) + "\n\"a?b,\"\"x\"\"\",-70,5.2,36,20,A,\nc,-71,5.2,36,20,A,\n");
+    EXPECT_EQ(ParseResults(ResultText({rows[1]})).at(0).power, "-71");
     EXPECT_EQ(DisplayWidth("\xFFx\xC3"), 3U);  // stray bytes stand alone
+}
+
+TEST(Suggest, TheNearestNameIsMeantOrNone) {
+    const std::vector<std::string> names = {"measure", "simulate", "run"};
+    EXPECT_EQ(DidYouMean("mesure", names), "; did you mean 'measure'?");
+    EXPECT_EQ(DidYouMean("MEASRUE", names), "; did you mean 'measure'?");
+    EXPECT_EQ(DidYouMean("rum", names), "; did you mean 'run'?");
+    for (const std::string& word : {std::string("zebra"), std::string(), std::string(70, 'm')})
+        EXPECT_EQ(DidYouMean(word, names), "") << word;
+    EXPECT_EQ(*ReadAir("laptop"), "sim:laptop");
+    EXPECT_EQ(*ReadAir("/tmp"), "file:/tmp");
+    EXPECT_EQ(*ReadAir("/nowhere"), "/nowhere");
+    EXPECT_EQ(ReadAir("lapto").Reason(), "there is no air 'lapto'; did you mean 'laptop'?");
+    EXPECT_EQ(CommandText({"run", "it's", ""}), "tarn run 'it'\\''s' ''");
 }
 
 TEST(Progress, TellsRateAndRestOnceSomethingIsDone) {

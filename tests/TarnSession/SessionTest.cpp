@@ -49,7 +49,8 @@ TEST_F(FakeSession, LinesRunInOrderOnOneThreadThatIsNotTheCallers) {
     EXPECT_EQ(last.exitCode, 256);
     EXPECT_EQ(last.left, "nonsense");
     EXPECT_EQ(ErrorSentence(last), "unknown");
-    EXPECT_EQ(done, (std::vector<std::string>{"plain=0yes", "fail=259", "warn=0", "first", "second", "bytes=0a\xFFz"}));
+    EXPECT_EQ(done, (std::vector<std::string>{"plain=0yes", "fail=259", "warn=0", "first", "second", "logged",
+                                              "bytes=0a\xFFz"}));
     EXPECT_EQ(std::count(threads.begin(), threads.end(), threads[0]), 4);
     EXPECT_NE(threads[0], std::this_thread::get_id());
     session->Run("speak");

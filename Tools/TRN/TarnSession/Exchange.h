@@ -14,7 +14,7 @@ struct Exchange {
     std::string error;
     std::string left;  ///< what no key took
     /// What went to the process-wide error stream while the line ran, one entry a line of text, and what was logged at
-    /// error level meanwhile.
+    /// error level meanwhile, each once; 100 of the latter at the most.
     std::vector<std::string> warnings;
     std::string captureTrouble{};  ///< why a failed line's capture was empty, in the radio's words
 };

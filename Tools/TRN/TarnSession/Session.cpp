@@ -1,10 +1,12 @@
 #include "Session.h"
 
+#include <algorithm>
 #include <condition_variable>
 #include <deque>
 #include <future>
 #include <mutex>
 #include <sstream>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -18,6 +20,9 @@ namespace TarnSession {
 namespace {
 
 using StreamsWrapper = SingletonWrapper<Streams::AppStreams>;
+using Streams::IErrorListener;
+
+constexpr std::size_t mostWarnings = 100;  ///< of one line that are kept
 
 std::vector<std::string> TextLines(const std::string& text) {
     std::vector<std::string> lines;
@@ -48,7 +53,7 @@ OSAL::Outcome<> OpenRadio(const quayCommand::RadioSetup& setup) {
 }
 
 /// The plug-in, its thread and its queue. Everything of the plug-in happens on the thread.
-class Session::Worker final : public IHostOutput {
+class Session::Worker final : public IHostOutput, public Streams::IErrorListener {
 public:
     using Job = std::function<void()>;
 
@@ -70,6 +75,7 @@ public:
     void OutputObject(std::string text) override { Send(&ISink::Message, std::move(text)); }
     void Output(std::string text) override { Send(&ISink::Text, std::move(text)); }
     void OutputError(std::string text) override { Send(&ISink::Error, std::move(text)); }
+    void OnError(const char* function, const std::string& message) override;
 
     std::size_t Waiting() const {
         const std::lock_guard lock(m_mutex);
@@ -91,6 +97,10 @@ private:
     void Work();
     void End();
     void Send(void (ISink::*message)(std::string), std::string text);
+    std::vector<std::string> TakeLogged() {
+        const std::lock_guard lock(m_mutex);
+        return std::exchange(m_logged, {});
+    }
     void SetRunning(std::optional<std::string> line) {
         const std::lock_guard lock(m_mutex);
         m_running = std::move(line);
@@ -101,6 +111,7 @@ private:
     ITrellisPlugin* m_plugin = nullptr;
     bool m_isInitialised = false;
     std::ostringstream m_errorStream;
+    std::vector<std::string> m_logged;  ///< at error level, of the running line
 
     std::mutex m_sinkMutex;
     ISink* m_sink;
@@ -131,7 +142,9 @@ OSAL::Outcome<> Session::Worker::Start(const std::function<void(Step)>& onStep) 
     const auto begin = [&](Step step) {
         if (onStep) onStep(step);
     };
-    StreamsWrapper::accessObject()->errorStream = &m_errorStream;
+    auto& streams = *StreamsWrapper::accessObject();
+    streams.errorStream = &m_errorStream;
+    streams.errorListener = this;
     begin(Step::Kernel);
     if (auto kernel = CheckKernel(); !kernel) return kernel;
     begin(Step::Log);
@@ -152,8 +165,10 @@ OSAL::Outcome<> Session::Worker::Start(const std::function<void(Step)>& onStep) 
 }
 
 void Session::Worker::End() {
-    auto& errors = StreamsWrapper::accessObject()->errorStream;
-    if (errors == &m_errorStream) errors = nullptr;
+    auto& streams = *StreamsWrapper::accessObject();
+    if (streams.errorStream == &m_errorStream) streams.errorStream = nullptr;
+    IErrorListener* self = this;
+    streams.errorListener.compare_exchange_strong(self, nullptr);
     if (IsAbandoned()) return;  // the process is about to end
     // what fails on the way out has nobody left to tell
     if (m_plugin && m_isInitialised) static_cast<void>(Guarded("", [this] { m_plugin->DeInit(); }));
@@ -222,6 +237,13 @@ void Session::Worker::Abandon() {
     m_sink = nullptr;
 }
 
+void Session::Worker::OnError(const char* function, const std::string& message) {
+    // its failures stand in the answer too, and the default gain file, which a reset looks for, is seldom there
+    if (std::string_view(function ? function : "").ends_with("::SetGainFilename")) return;
+    const std::lock_guard lock(m_mutex);
+    if (m_logged.size() < mostWarnings) m_logged.push_back(message);
+}
+
 void Session::Worker::Send(void (ISink::*message)(std::string), std::string text) {
     const std::lock_guard lock(m_sinkMutex);
     if (m_sink) (m_sink->*message)(std::move(text));
@@ -232,10 +254,14 @@ Exchange Session::Worker::RunLine(const std::string& line, LineOptions options) 
     exchange.line = line;
     exchange.left = line;
     m_errorStream.str({});
+    TakeLogged();
     SetRunning(line);
     exchange.exitCode = m_plugin->RunCommand(exchange.left, exchange.output, exchange.error, options.plainOutput);
     SetRunning(std::nullopt);
     exchange.warnings = TextLines(m_errorStream.str());
+    for (std::string& message : TakeLogged())
+        if (std::ranges::find(exchange.warnings, message) == exchange.warnings.end())
+            exchange.warnings.push_back(std::move(message));
     // The engine says only that a capture was empty; the radio knows why.
     if (exchange.error.find("empty ADC") != std::string::npos)
         exchange.captureTrouble = quayCommand::CaptureTrouble().value_or("");

@@ -9,6 +9,7 @@
 
 #include "ITrellisPlugin.h"
 #include "Streams/AppStreams.h"
+#include "Streams/Trace.h"
 
 namespace {
 
@@ -37,6 +38,9 @@ public:
             hostOutput->Output("awake");
         } else if (line == "warn") {
             Streams::AppStreams::GetError() << "first\nsecond\n";
+            for (const char* text : {"second", "logged"})
+                if (Streams::IsTraceOn(Streams::TraceError))
+                    Streams::WriteTrace(Streams::TraceError, "", "FakePlugin::RunCommand", text);
         } else if (line == "fail") {
             return 259;
         } else if (line == "bytes") {

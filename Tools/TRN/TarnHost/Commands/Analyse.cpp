@@ -169,7 +169,9 @@ ExitStatus FolderAnalysis::Report(bool isInterrupted) {
     }
     const std::string place = "'" + m_resultFile.string() + "'";
     if (isInterrupted || !isComplete) {
-        const std::string kept = m_rows.empty() ? "" : isKept ? ", kept in " + place : "; " + place + " stays as it was";
+        const std::string kept = m_rows.empty() ? ""
+                                 : isKept       ? ", kept in " + place
+                                                : "; " + place + " stays as it was";
         Say((isInterrupted ? "interrupted: " : "the analysis ended: ") + done + kept);
         return isInterrupted ? m_context.watch.Status() : Failed;
     }

@@ -40,7 +40,7 @@ private:
     void Reopen(const std::string& what);
     void ShowStatus();
     void Print(const std::string& text) {
-        m_context.console.out.Write(text);
+        m_context.console.out.WriteForeign(text);
         m_context.console.out.Flush();
     }
     void Say(const std::string& text) { m_context.console.Say(text); }
@@ -189,6 +189,11 @@ ExitStatus Shell::Run() {
     while (!m_isQuitting && m_context.console.out.Ok()) {
         const LineEditor::Line line = editor.Read("tarn> ");
         if (line.end == LineEditor::End::EndOfInput) break;
+        if (line.end == LineEditor::End::TooLong) {
+            Say("a line is longer than 1 MiB");
+            m_hasFailed = true;
+            break;
+        }
         if (line.end == LineEditor::End::None) RunLine(line.text);
     }
     if (m_isEditing && !m_isQuitting) Print("\n");

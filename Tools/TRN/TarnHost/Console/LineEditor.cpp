@@ -13,12 +13,15 @@
 #include <filesystem>
 #include <utility>
 
+#include "Console/History.h"
 #include "Lines/ShellHelp.h"
+#include "PlainText.h"
 
 namespace TarnHost {
 namespace {
 
 constexpr int historyLines = 1000;
+constexpr std::size_t longestLine = 1 << 20;  // of a pipe
 
 enum class Wake { Input, Signal, Nothing };
 
@@ -40,7 +43,8 @@ void ShowCandidates(const std::vector<std::string>& candidates, std::size_t colu
     std::fputc('\n', stdout);
     for (std::size_t k = 0; k < candidates.size(); ++k) {
         const bool isLast = (k + 1) % perRow == 0 || k + 1 == candidates.size();
-        std::printf("%-*s%s", isLast ? 0 : static_cast<int>(width), candidates[k].c_str(), isLast ? "\n" : "");
+        std::printf("%-*s%s", isLast ? 0 : static_cast<int>(width), TarnMeasure::Printable(candidates[k]).c_str(),
+                    isLast ? "\n" : "");
     }
     std::fflush(stdout);
 }
@@ -55,7 +59,7 @@ struct LineEditor::Terminal {
         past = ::history_init();
         ::history(past, &event, H_SETSIZE, historyLines);
         ::history(past, &event, H_SETUNIQUE, 1);
-        if (!historyFile.empty()) ::history(past, &event, H_LOAD, historyFile.c_str());
+        LoadHistory();
         ::el_set(editor, EL_CLIENTDATA, this);
         ::el_set(editor, EL_EDITOR, "emacs");
         ::el_set(editor, EL_SIGNAL, 0);
@@ -72,13 +76,15 @@ struct LineEditor::Terminal {
     Terminal(const Terminal&) = delete;
     Terminal& operator=(const Terminal&) = delete;
 
+    void LoadHistory() {
+        for (const std::string& line : ReadHistory(historyFile, historyLines))
+            ::history(past, &event, H_ENTER, line.c_str());
+    }
+
     /// After each line, so that a closed terminal or a crash loses nothing.
     void Remember(const std::string& line) {
         ::history(past, &event, H_ENTER, line.c_str());
-        if (historyFile.empty()) return;
-        std::error_code ignored;
-        std::filesystem::create_directories(std::filesystem::path(historyFile).parent_path(), ignored);
-        ::history(past, &event, H_SAVE, historyFile.c_str());
+        AppendHistory(historyFile, line);
     }
 
     static Terminal& Of(EditLine* line) {
@@ -183,6 +189,10 @@ LineEditor::Line LineEditor::Read(const std::string& prompt) {
             return {std::exchange(m_pending, {}), End::None};
         }
         m_pending.append(block, static_cast<std::size_t>(count));
+        if (m_pending.size() > longestLine && m_pending.find('\n') == std::string::npos) {
+            m_pending.clear();
+            return {{}, End::TooLong};
+        }
     }
 }
 

@@ -11,13 +11,13 @@ namespace TarnHost {
 
 class LineEditor {
 public:
-    enum class End { None, EndOfInput, Interrupted };
+    enum class End { None, EndOfInput, Interrupted, TooLong };
     struct Line {
         std::string text;
         End end = End::None;
     };
 
-    /// @param historyFile  read now, written after each line; empty keeps none
+    /// @param historyFile  read now, gets each line; empty keeps none
     LineEditor(InterruptWatch& watch, std::string historyFile);
     ~LineEditor();
     LineEditor(const LineEditor&) = delete;
@@ -26,6 +26,7 @@ public:
     /// True on a terminal, where lines are edited.
     bool IsEditing() const;
     /// Waits for a line. Ctrl-C gives up the line begun: `Interrupted`, and the signal is forgotten.
+    /// A line of a pipe beyond 1 MiB is dropped as far as it came: `TooLong`.
     Line Read(const std::string& prompt);
     /// Where a history of this person's lines belongs; empty when there is no home.
     static std::string DefaultHistoryFile();

@@ -8,6 +8,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "PlainText.h"
+
 namespace TarnHost {
 
 constexpr std::size_t bufferBytes = 1 << 16;
@@ -51,10 +53,16 @@ std::size_t Output::Columns() const {
     return IsTerminal() && ::ioctl(m_descriptor, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
+void Output::WriteForeign(std::string_view text) {
+    Write(IsTerminal() ? TarnMeasure::PrintableLines(text) : std::string(text));
+}
+
 void Console::Say(std::string_view text) {
-    err.Write("tarn: ");
-    err.Write(text);
-    err.Write("\n");
+    // a further line is set in, so that none passes for one of the program's own
+    std::string line = "tarn: ";
+    for (const char c : TarnMeasure::PrintableLines(text))
+        line += c == '\n' ? std::string("\n      ") : std::string(1, c);
+    err.Write(line + "\n");
     err.Flush();
 }
 

@@ -17,6 +17,8 @@ public:
     Output& operator=(const Output&) = delete;
 
     void Write(std::string_view text);
+    /// A text from outside: on a terminal without what could steer it, elsewhere byte for byte.
+    void WriteForeign(std::string_view text);
     void Flush();
     bool Ok() const { return !m_readerGone && m_error.empty(); }
     /// The other end of a pipe was closed: the reader has what it wanted.
@@ -43,7 +45,7 @@ struct Console {
     Output out{1};
     Output err{2};
 
-    /// "tarn: " and the text on a line of standard error, at once.
+    /// "tarn: " and the text on a line of standard error, at once; control characters become "?".
     void Say(std::string_view text);
 };
 

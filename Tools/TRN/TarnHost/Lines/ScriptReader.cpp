@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
@@ -25,9 +26,14 @@ std::string ReadFailure(const std::string& name) {
 
 OSAL::Outcome<ScriptReader> ScriptReader::Open(const std::string& path, const InterruptWatch& watch) {
     if (path == "-") return ScriptReader(0, "standard input", watch);
-    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // a pipe nobody writes
     if (descriptor < 0) return OSAL::Refusal{ReadFailure("script '" + path + "'")};
-    return ScriptReader(descriptor, "script '" + path + "'", watch);
+    ScriptReader reader(descriptor, "script '" + path + "'", watch);
+    struct stat status {};
+    if (::fstat(descriptor, &status) == 0 && S_ISDIR(status.st_mode))
+        return OSAL::Refusal{"can't read script '" + path + "': it is a folder"};
+    reader.m_waitsForWriter = S_ISFIFO(status.st_mode);
+    return reader;
 }
 
 ScriptReader::ScriptReader(ScriptReader&& other) noexcept
@@ -37,6 +43,7 @@ ScriptReader::ScriptReader(ScriptReader&& other) noexcept
       m_buffer(std::move(other.m_buffer)),
       m_number(other.m_number),
       m_isAtEnd(other.m_isAtEnd),
+      m_waitsForWriter(other.m_waitsForWriter),
       m_trouble(std::move(other.m_trouble)) {}
 
 ScriptReader::~ScriptReader() {
@@ -85,6 +92,12 @@ bool ScriptReader::Fill() {
     std::array<char, 65536> block;
     const ssize_t count = ::read(m_descriptor, block.data(), block.size());
     if (count < 0 && (errno == EINTR || errno == EAGAIN)) return true;
+    if (count == 0 && m_waitsForWriter) {  // the pipe's other end isn't open yet
+        pollfd signals{m_watch->Descriptor(), POLLIN, 0};
+        ::poll(&signals, 1, 20);
+        return true;
+    }
+    if (count > 0) m_waitsForWriter = false;
     if (count < 0) m_trouble = ReadFailure(m_name);
     if (count > 0) m_buffer.append(block.data(), static_cast<std::size_t>(count));
     return count > 0;

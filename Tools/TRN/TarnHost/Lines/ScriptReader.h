@@ -42,6 +42,7 @@ private:
     std::string m_buffer;
     std::size_t m_number = 0;
     bool m_isAtEnd = false;
+    bool m_waitsForWriter = false;  ///< a named pipe that gave nothing yet
     std::optional<std::string> m_trouble;
 };
 

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "KeyTable.h"
+#include "PlainText.h"
 
 namespace TarnHost {
 namespace {
@@ -64,7 +65,9 @@ std::vector<std::string> Files(const std::string& word) {
     for (const auto& entry : fs::directory_iterator(folder.empty() ? "." : folder, error)) {
         const std::string name = folder + entry.path().filename().string();
         const bool isHidden = entry.path().filename().string().starts_with('.');
-        if (isHidden || !name.starts_with(word) || name.find_first_of(" \t\"") != std::string::npos) continue;
+        // a name that no token can hold, or that would steer the terminal, can't be offered
+        const bool isOdd = name.find_first_of(" \"") != std::string::npos || TarnMeasure::Printable(name) != name;
+        if (isHidden || !name.starts_with(word) || isOdd) continue;
         names.push_back(entry.is_directory(error) ? name + "/" : name);
     }
     return names;
