@@ -21,6 +21,8 @@ struct ProcessOptions {
     bool callersConsole = false;
     /// Becomes standard output and error; without it they are the console's, or go nowhere.
     FileHandle output = InvalidFile;
+    /// Is asked to end when the thread that starts it is gone, whatever ended that. Only in the caller's console.
+    bool endsWithCaller = false;
 };
 
 /// Whether a program of that name runs, given with or without ".exe"; names match as a whole, case included.
@@ -35,6 +37,10 @@ bool StartProcess(const std::string& directory, const std::string& name, const s
 /// Ends a program that was started above: asks it first, forces it after 5 seconds, and waits for its end 60 seconds
 /// in all. True when it is gone, be it for long.
 bool TerminateHandle(const ProcessInformation& information);
+/// Whether a program that was started above has not ended.
+bool IsRunning(const ProcessInformation& information);
+/// The process that started this one, or the one that took its place when that was gone.
+std::uint32_t GetParentProcessId();
 /// Ends every program of that name but the caller. False when one of them is still there.
 bool TerminateByName(const std::string& name);
 std::uint32_t GetCurrentProcessId();

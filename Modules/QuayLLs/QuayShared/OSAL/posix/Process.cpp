@@ -156,6 +156,35 @@ private:
     posix_spawnattr_t m_attributes;
 };
 
+/// Starts a program in the caller's console that gets SIGTERM when this thread ends. 0 or the error.
+int StartBound(const std::string& folder, std::vector<std::string> commandLine, pid_t& process) {
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) return errno;
+    const Descriptor reading(ends[0]);
+    Descriptor writing(ends[1]);
+    const auto arguments = PointersTo(commandLine);
+    const pid_t parent = getpid();
+    process = fork();
+    if (process < 0) return errno;
+    if (process == 0) {  // only calls that are safe between fork and exec
+        signal(SIGPIPE, SIG_DFL);
+        if (prctl(PR_SET_PDEATHSIG, SIGTERM) == 0 && getppid() == parent && chdir(folder.c_str()) == 0)
+            execv(arguments[0], arguments.data());
+        const int error = errno;
+        [[maybe_unused]] const auto told = write(writing.Get(), &error, sizeof error);
+        _exit(127);
+    }
+    writing.Close();
+    int error = 0;
+    ssize_t got;
+    do {
+        got = read(reading.Get(), &error, sizeof error);
+    } while (got < 0 && errno == EINTR);
+    if (got <= 0) return 0;  // closed by exec
+    waitpid(process, nullptr, 0);
+    return error != 0 ? error : ECHILD;
+}
+
 int StatusOfChild(pid_t process) {
     int status = 0;
     while (waitpid(process, &status, 0) < 0)
@@ -236,7 +265,9 @@ bool StartProcess(const std::string& directory, const std::string& name, const s
     for (const std::string& argument : SplitArguments(arguments))
         commandLine.push_back(argument);
     pid_t process = 0;
-    if (const int error = spawning.Start(std::move(commandLine), !options.callersConsole, process)) {
+    const int error = options.endsWithCaller ? StartBound(folder, std::move(commandLine), process)
+                                             : spawning.Start(std::move(commandLine), !options.callersConsole, process);
+    if (error != 0) {
         errno = error;
         return false;
     }
@@ -254,6 +285,14 @@ bool TerminateByName(const std::string& name) {
     for (const ProcessInformation& process : ProcessesOf(name))
         if (process.processId != static_cast<std::uint32_t>(getpid())) all = Terminate(process) && all;
     return all;
+}
+
+bool IsRunning(const ProcessInformation& information) {
+    return information.processId != 0 && !HasEnded(information, 0);
+}
+
+std::uint32_t GetParentProcessId() {
+    return static_cast<std::uint32_t>(getppid());
 }
 
 std::uint32_t GetCurrentThreadId() {
