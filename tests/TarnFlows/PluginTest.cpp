@@ -20,11 +20,13 @@ using namespace LumenSpectrumAnalyzer;
 
 class PluginTest : public FlowsTest {
 protected:
-    /// Runs every key once, those with an argument with several; the object must stand it.
+    /// Runs every key once, those with an argument with several; the object must stand it. But the whole burn-in test,
+    /// which takes its time.
     void RunEveryKey() {
         for (const auto& row : TarnKeys::Keys())
             for (const char* argument : {"", "true", "1", "A", "-50,-50,-50", "39.0625", "nowhere/file"}) {
                 const std::string key(row.name);
+                if (key == "-start_vesper_test") continue;
                 const Answer answer = Run(key + " " + argument);
                 ASSERT_EQ(answer.output.find("Unrecognized command line option: " + key), std::string::npos) << key;
             }

@@ -134,6 +134,10 @@ TEST_F(WebTest, ATriggerSendsEveryNumberOfItsChains) {
     EXPECT_EQ(m_output, "");  // a message takes the text answer's place
 }
 
+/// Keys that answer in messages with either output; and the whole burn-in test, which ends in one.
+constexpr std::string_view AlwaysMessages =
+    "-start_vesper_test -stop_vesper_test -resume_vesper_test -vesper_get_channel_data -vesper_set_config_file";
+
 TEST_F(WebTest, WithPlainOutputEveryLineAnswersAsThePlainVariantAndSendsNothing) {
     StartWeb();
     m_flows->Init();
@@ -141,6 +145,7 @@ TEST_F(WebTest, WithPlainOutputEveryLineAnswersAsThePlainVariantAndSendsNothing)
     for (const auto& row : TarnKeys::Keys())
         for (const char* argument : {"", "true", "10", "A", "in", "-90,-90,-90"}) {
             if (row.argument.kind == TarnKeys::ArgumentKind::None && *argument) continue;
+            if (AlwaysMessages.find(row.name) != std::string_view::npos) continue;
             std::string line = std::string(row.name) + " " + argument;
             const Answer plain = Run(line);
             EXPECT_EQ(Send(line, true), Texts{}) << line;

@@ -61,6 +61,8 @@ WifiAdc::CSampleCommon& TarnWifiFlows::Sampler() {
 // Start and stop.
 
 void TarnWifiFlows::Release() {
+    m_vesperTestInProgress = false;
+    m_workload.End();  // the load never outlives the test
     m_sampler.reset();
     m_lmnSA.reset();
     m_maxHoldOn = m_channelAverageOn = false;  // the engine that they were told to is gone
@@ -112,10 +114,10 @@ void TarnWifiFlows::InitLumen() {
 void TarnWifiFlows::IdentifyPlatform() {
     constexpr const char* traceFunctionName = "TarnWifiFlows::Init";  // one of its steps
     const std::uint32_t deviceId = m_wifi->GetPlatformDeviceId();
-    m_isGLN = Holds(GlnPlatforms, deviceId);
-    m_vesperChainMode = m_isGLN ? 2 : 1;
-    m_vesperIterations = m_isGLN ? 25 : 10;
-    if (m_isGLN) {
+    m_vesper.m_isGLN = Holds(GlnPlatforms, deviceId);
+    m_vesper.m_vesperChainMode = m_vesper.m_isGLN ? VesperAThenB : VesperBothChains;
+    m_vesper.m_vesperIterations = m_vesper.m_isGLN ? 25 : 10;
+    if (m_vesper.m_isGLN) {
         TRACE(TraceInfo, "GLN platform was identified");
     } else {
         m_lmnSA->SetIsBRK(true);
@@ -123,7 +125,7 @@ void TarnWifiFlows::IdentifyPlatform() {
     }
     if (Holds(CrkPlatforms, deviceId)) {
         TRACE(TraceInfo, "CRK Detected, Changing bitconfig file");
-        m_workloadFile = CrkWorkloadFile;
+        m_vesper.m_bitcfgFile = CrkWorkloadFile;
     }
 }
 

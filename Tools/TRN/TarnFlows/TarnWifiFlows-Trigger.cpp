@@ -54,6 +54,7 @@ void TarnWifiFlows::ReadSamples() {
         m_response = PlainText::Sweep(Results().Sweep());
         ++m_consecutiveRuns;
     }
+    if (m_vesperTestInProgress) UpdateSpectrumVesper();
     if (m_consecutiveRuns >= m_maxConsecutiveRuns) {
         m_response += "\nMax number of consecutive runs is reached, reseting data.\n";
         ClearFreqPowerData();

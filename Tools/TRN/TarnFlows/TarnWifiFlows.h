@@ -18,6 +18,10 @@
 #include "Stores/GainFile.h"
 #include "Stores/Snapshot.h"
 #include "TarnCommonFlows.h"
+#include "Vesper/VesperRun.h"
+#include "Vesper/VesperSettings.h"
+#include "Vesper/VesperStore.h"
+#include "Vesper/Workload.h"
 
 namespace quayCommand {
 struct TxConfig;
@@ -148,6 +152,44 @@ public:
                                           std::int32_t& channel);
     virtual std::uint32_t ConvertChainStringToU32(std::string chain);
     virtual std::string ConvertChainU32ToString(std::uint32_t chain);
+
+    // The burn-in desense test. Messages go to the host and into the test's log.
+    /// The whole test: the workload comes up, every channel and chain is swept, the workload ends.
+    virtual void StartVesperTest();
+    /// Does nothing: this variant's test can't be paused.
+    virtual void ResumeVesperTest();
+    virtual void StopVesperTest();
+    virtual void StartBurnInTest();
+    virtual void StopBurnInTest();
+    /// 1 to 100.
+    virtual void SetVesperIterations(int value);
+    /// 1 to the number of iterations; 1 also clears max hold and average before the next capture.
+    virtual void SetCurrentVesperIteration(int value);
+    virtual void ClearVesperData();
+    /// "A" or "B", "AB", "A->B".
+    virtual void SetChainMode(std::string text);
+    /// The summary, a line for each channel.
+    virtual void ExportVesperResult(std::string path);
+    /// Average and maximum of every in-band bin.
+    virtual void DumpVesperData(std::string path);
+    /// "true" or "false", whatever the case of the letters.
+    virtual void DisableBurnInTest(std::string flag);
+    virtual void SetBitcfgFile(std::string name);
+    /// Seconds, 0 to 100.
+    virtual void SetVesperDelay(int seconds);
+    virtual void GetChannelGraphDataForVesper(std::string text);
+    virtual void SetVesperSettingsFromConfigFile(std::string path);
+    /// Files the engine's last sweep under the current channel. @throws Common::Exception whatever went wrong
+    virtual void UpdateSpectrumVesper();
+    virtual void StoreChannelForVesper(const ChainBuffers& averages, const ChainBuffers& maxHolds);
+    virtual void AddVesperTestMessage(std::string text);
+    virtual void ClearVesperTestMessages();
+    virtual void SaveVesperTestMessages(std::string path);
+    virtual void CalculateChannelAverageAndPeakForVesper(VesperKey key, std::size_t slot);
+    virtual double GetChannelAverageForVesper(VesperKey key, std::string chain);
+    virtual double GetChannelPeakForVesper(VesperKey key, std::string chain);
+    /// dB above the limit of the key's band.
+    virtual double GetDesenseValue(VesperKey key);
     virtual void GetPlatformInfo();
     virtual void DeserializeNonArrayVariables(std::string path);
     virtual void DeserializeDataBuffers(std::string path);
@@ -156,6 +198,8 @@ public:
     virtual void SaveDataToWifiFlows();
     virtual void SaveDataToLumen();
     virtual void DeleteSavedParams();
+    virtual std::size_t GetNumOfChainsForVesper();
+    virtual void SetVesperTestInProgress(bool inProgress);
 
 protected:
     // What an operation needs, or a Common::Exception that says what is missing.
@@ -180,6 +224,18 @@ protected:
     /// Texts of the settings in m_savedNonArrays; nothing behind the last line of a short file.
     /// @throws Common::Exception for a file that can't be read, or that lacks a setting between two others
     std::vector<std::optional<std::string>> SavedTexts(const std::string& path);
+
+    // Steps of the burn-in test that both variants share.
+    void WaitVesperDelay();
+    /// The delay, a first message, empty stores.
+    void OpenVesperTest();
+    /// Starts the workload, gives it its time and tells that sampling begins. A test whose workload can't be started is
+    /// stopped; the failure goes on.
+    void WarmUpVesperTest();
+    /// Stops a test whose failure is being handled; what fails here is in the log alone.
+    void AbortVesperTest(const char* operation, const char* reason);
+    /// Channel and band of the receiver.
+    VesperKey CurrentVesperKey() const;
 
     quayCommand::IWifiCommands* m_wifi = nullptr;  ///< not owned, as the next two
     quayCommand::IAdcCommands* m_adc = nullptr;
@@ -208,13 +264,13 @@ protected:
     bool m_plainOutput = false;
     std::string m_mcc;
     bool m_vesperTestInProgress = false;
-    std::string m_workloadFile = "Workload.bitcfg";
-    std::int32_t m_vesperChainMode = 2;
-    std::int32_t m_vesperIterations = 25;
-    bool m_isGLN = true;
     SavedArrays m_savedArrays;  ///< this and the next two only live while a snapshot is written or read
     std::vector<SavedValue> m_savedNonArrays;
     std::vector<std::pair<double, double>> m_savedHistRanges;  ///< (minimum, maximum) of each chain
+    VesperSettings m_vesper;
+    VesperStore m_vesperStore;
+    std::vector<std::string> m_vesperMessages;  ///< every message of the test with its time
+    Workload m_workload;
 
 private:
     void RegisterKeys();
@@ -233,6 +289,9 @@ private:
     void SetInternalGains(std::uint32_t gain);
     /// The manual gain record in the form of this hardware.
     void GiveGainToRadio();
+    /// One sweep of the plain variant's test.
+    void SweepForVesper(const VesperStep& step);
+    std::vector<VesperBand> VesperBands();
 
     static std::string SnapshotText(const std::string& path);
     void KeepRestoredSweep();

@@ -23,6 +23,7 @@ constexpr std::string_view Setting = "Settings";
 constexpr std::string_view Gain = "Gain and floor";
 constexpr std::string_view Device = "Device";
 constexpr std::string_view Run = "Measuring";
+constexpr std::string_view Desense = "Burn-in desense test";
 
 constexpr KeyArgument None{};
 constexpr KeyArgument FlagText{Text, "FLAG", "true|false"};
@@ -30,6 +31,9 @@ constexpr KeyArgument FileName{File, "FILE"};
 constexpr bool Spoils = true;
 /// What the default configuration sets back.
 constexpr std::string_view Tuning = "-band|-bandwidth|-channel|-chain|-gain_file_name";
+/// What the plain variant's test leaves as its last sweep had it.
+constexpr std::string_view TestTuning =
+    "-band|-bandwidth|-channel|-chain|-rbw|-maxhold|-channel_average|-channel_average_sweep_val";
 
 constexpr auto table = std::to_array<KeyRow>({
     {"-channel_average_sweep_val", Sets, {Int, "SWEEPS"}, Analysis, "sweeps of one averaging run, 1 to 100", Spoils},
@@ -106,8 +110,35 @@ constexpr auto table = std::to_array<KeyRow>({
     {"-get_supported_chains", Tells, None, Device, "chains as a message for a front-end"},
     {"-mcc_profile", Acts, {Text, "COUNTRY"}, Device, "two-letter country for the next -set_mcc"},
     {"-set_mcc", Acts, None, Device, "load the country's profile; resets the settings", Spoils, Tuning},
+    {"-vesper_iterations", Sets, {Int, "SWEEPS"}, Desense, "sweeps of each channel and chain, 1 to 100", Spoils},
+    {"-vesper_current_iteration",
+     Acts,
+     {Int, "NUMBER"},
+     Desense,
+     "iteration that the next trigger counts as; 1 clears max hold and average",
+     Spoils},
     {"-clear_freq_power_data", Acts, None, Run, "forget the stored channel powers"},
     {"-get_platform_info", Tells, None, Device, "the computer that this runs on"},
+    {"-set_chain_mode",
+     Sets,
+     {Text, "MODE", "A|B|AB|A->B"},
+     Desense,
+     "chains of the test: one, both at once, or A and then B",
+     Spoils},
+    {"-dump_vesper_data", WritesFile, FileName, Desense, "write average and maximum of every bin of the test"},
+    {"-export_vesper_result", WritesFile, FileName, Desense, "write each channel's desense in dB and its spurs"},
+    {"-vesper_disable_bit", Sets, FlagText, Desense, "run the test without its workload", Spoils},
+    {"-vesper_get_channel_data",
+     Tells,
+     {Text, "CHANNEL,BAND"},
+     Desense,
+     "a channel's bins as a message for a front-end; band 0, 1 or 2"},
+    {"-vesper_set_config_file", Sets, FileName, Desense, "settings of the test out of nine lines KEY,VALUE", Spoils},
+    {"-vesper_set_delay", Sets, {Int, "SECONDS"}, Desense, "wait before the test starts, 0 to 100 s", Spoils},
+    {"-vesper_save_test_messages", WritesFile, FileName, Desense, "write the test's messages"},
+    {"-start_vesper_test", Acts, None, Desense, "start the workload and the test", Spoils, TestTuning},
+    {"-stop_vesper_test", Acts, None, Desense, "end the test and its workload", Spoils},
+    {"-resume_vesper_test", Acts, None, Desense, "start the workload again and go on with the test", Spoils},
     {"-trigger_now", Triggers, None, Run, "capture and analyse one sweep", Spoils},
     {"-export_freq_power", WritesFile, FileName, Files, "write the channel powers of all triggers as a table"},
 });

@@ -10,7 +10,7 @@ using Streams::TraceInfo;
 
 void TarnWifiFlowsWeb::TriggerNow() {
     TRACE_SCOPE("TarnWifiFlowsWeb::TriggerNow");
-    ReadSamples();
+    m_vesperTestInProgress ? ReadSamplesVesper() : ReadSamples();
 }
 
 void TarnWifiFlowsWeb::ReadSamples() {

@@ -68,9 +68,7 @@ void TarnWifiFlowsWeb::GetSupportedChains() {
     Send(traceFunctionName, "Supported Chains Data", chains.Take());
 }
 
-void TarnWifiFlowsWeb::GetSupportedChannels() {
-    TRACE_SCOPE("TarnWifiFlowsWeb::GetSupportedChannels");
-    if (m_plainOutput) return TarnWifiFlows::GetSupportedChannels();
+std::string TarnWifiFlowsWeb::BandObjects(const std::function<bool(std::uint32_t, std::int32_t)>& isListed) {
     JsonText::Array bands;
     for (const std::uint32_t band : DeviceInfo().GetSupportedBands()) {
         JsonText::Array widths;
@@ -78,16 +76,27 @@ void TarnWifiFlowsWeb::GetSupportedChannels() {
             if (ChannelDatabase::BandOf(tableId) != band || rows.size() < 2) continue;
             JsonText::Array channels;
             channels.Next() += JsonText::Object({{"value", "Scan All Channels"}, {"frequency", "NA"}});
-            for (const ChannelRow& row : std::span(rows).subspan(1))
+            for (const ChannelRow& row : std::span(rows).subspan(1)) {
+                const auto channel = static_cast<std::int32_t>(row.channel);
+                if (!isListed(band, channel)) continue;
                 channels.Next() +=
-                    JsonText::Object({{"value", std::to_string(static_cast<std::int32_t>(row.channel))},
+                    JsonText::Object({{"value", std::to_string(channel)},
                                       {"frequency", std::to_string(static_cast<std::int32_t>(row.frequency))}});
+            }
             widths.Next() += R"({"bandwidth": ")" + BandwidthEnumToValue(ChannelDatabase::BandwidthOf(tableId)) +
                              R"(","channels": )" + channels.Take() + '}';
         }
         bands.Next() += R"({"band": ")" + BandText(band) + R"(","bandwidths": )" + widths.Take() + '}';
     }
-    Send(traceFunctionName, "Supported Channels Data", bands.Take());
+    const std::string objects = bands.Take();
+    return objects.substr(1, objects.size() - 2);
+}
+
+void TarnWifiFlowsWeb::GetSupportedChannels() {
+    TRACE_SCOPE("TarnWifiFlowsWeb::GetSupportedChannels");
+    if (m_plainOutput) return TarnWifiFlows::GetSupportedChannels();
+    Send(traceFunctionName, "Supported Channels Data",
+         '[' + BandObjects([](std::uint32_t, std::int32_t) { return true; }) + ']');
 }
 
 void TarnWifiFlowsWeb::GetPlatformInfo() {

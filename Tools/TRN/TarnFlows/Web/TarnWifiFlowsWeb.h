@@ -3,6 +3,8 @@
 // TarnWifiFlowsWeb-<Subject>.cpp.
 #pragma once
 
+#include <functional>
+
 #include "TarnWifiFlows.h"
 
 class TarnWifiFlowsWeb : public TarnWifiFlows {
@@ -63,6 +65,26 @@ public:
     /// @return the front-end's values, empty where the file has none
     virtual std::vector<std::string> DeserializeNonArrayAndFrontendVariables(std::string path);
 
+    // The burn-in desense test: the front-end drives it with keys, and each trigger is a sweep of it.
+    /// Prepares the test and asks the front-end for its triggers.
+    void StartVesperTest() override;
+    /// Starts the workload again and asks for further triggers; what was measured stays.
+    void ResumeVesperTest() override;
+    void StopVesperTest() override;
+    void ExportVesperResult(std::string path) override;
+    void DumpVesperData(std::string path) override;
+    /// "CHANNEL,BAND": the bins of that channel.
+    void GetChannelGraphDataForVesper(std::string text) override;
+    /// Sets what the file says and tells it to the front-end; the settings before one that is refused stay changed.
+    void SetVesperSettingsFromConfigFile(std::string path) override;
+    void AddVesperTestMessage(std::string text) override;
+    void ClearVesperTestMessages() override;
+    void SaveVesperTestMessages(std::string path) override;
+    virtual void ReadSamplesVesper();
+    /// The supported channels as an array's objects; of each band only the channels that its list names, split by ";".
+    virtual std::string GetChannelsJsonFromStr(std::string lowBand, std::string highBand, std::string ultraHighBand);
+    virtual std::string GetChainModeStr();
+
 protected:
     /// A band's name as messages write it, in GHz without the unit; empty for another number.
     static std::string BandText(std::uint32_t band);
@@ -70,6 +92,13 @@ protected:
     void Send(const char* operation, const std::string& type, std::string data);
 
 private:
+    /// The objects of the supported bands, without the array's brackets.
+    /// @param isListed  whether a channel of a band goes out
+    std::string BandObjects(const std::function<bool(std::uint32_t band, std::int32_t channel)>& isListed);
+    /// Tells the last sweep's spurs and files them.
+    void CheckSpursForVesper();
+    /// The current channel's result as members of an object, empty before its last iteration.
+    std::string ResultForVesper();
     /// In a catch block of an Update operation: ends the exception, logs and reports `failure`.
     void ReportFailure(const char* operation, const char* failure);
 
