@@ -96,7 +96,7 @@ test('the page finds a simulated tone, holds, averages, saves, and finds it agai
     await textWhere(page, '.messages', (text) => /-channel 1/.test(text));
   }
   await page.reload();
-  if (hasSnapshots) await page.locator('[data-file="snapshot.csv"]').getByText('Load').click();
+  if (hasSnapshots) await page.locator('[data-file="snapshot.csv"] button').first().click();
   await page.locator('#tab-spectrum').click();
   await textWhere(page, '.power h2', (text) => /channel 6, 2437 mhz/i.test(text));
   const again = await textWhere(page, '[data-marker="1"] .reading', (text) => /2440\.\d+ MHz/.test(text));
