@@ -6,8 +6,8 @@ import { Server } from './support.mjs';
 
 const { chromium } = createRequire(new URL('../../Tools/TRN/TarnPage/package.json', import.meta.url))('playwright-core');
 
-async function openBrowser() {
-  return chromium.launch({
+async function openBrowser(t) {
+  const browser = await chromium.launch({
     executablePath: process.env.TARN_CHROMIUM ?? '/usr/bin/chromium',
     args: [
       '--headless',
@@ -20,6 +20,8 @@ async function openBrowser() {
       '--disable-sync',
     ],
   });
+  t.after(() => browser.close());
+  return browser;
 }
 
 /** A page whose complaints and foreign requests are remembered. */
@@ -51,9 +53,10 @@ async function textWhere(page, selector, isIt) {
   }
 }
 
-test('the page finds a simulated tone, holds, averages, saves, and finds it again', { timeout: 110_000 }, async () => {
+test('the page finds a simulated tone, holds, averages, saves, and finds it again', { timeout: 110_000 }, async (t) => {
   const server = await Server.start();
-  const browser = await openBrowser();
+  t.after(() => server.process.kill('SIGKILL'));
+  const browser = await openBrowser(t);
   const page = await openPage(browser, server);
   // a running spectrum without a click
   await page.locator('.power .level').first().waitFor({ timeout: 20_000 });
@@ -107,9 +110,10 @@ test('the page finds a simulated tone, holds, averages, saves, and finds it agai
   await server.stop();
 });
 
-test('a lost connection is told, values dim, and the page comes back by itself', { timeout: 90_000 }, async () => {
+test('a lost connection is told, values dim, and the page comes back by itself', { timeout: 90_000 }, async (t) => {
   const server = await Server.start();
-  const browser = await openBrowser();
+  t.after(() => server.process.kill('SIGKILL'));
+  const browser = await openBrowser(t);
   const page = await openPage(browser, server);
   await page.locator('.power .level').first().waitFor({ timeout: 20_000 });
   const port = server.port;

@@ -29,8 +29,9 @@ function misfit(schema, value, place = '') {
   return '';
 }
 
-test('only this server’s own page and plain programs on this machine are served', async () => {
+test('only this server’s own page and plain programs on this machine are served', async (t) => {
   const server = await Server.start();
+  t.after(() => server.process.kill('SIGKILL'));
   const own = `127.0.0.1:${server.port}`;
   const cases = [
     [{ Host: own }, 200],
@@ -80,8 +81,9 @@ test('another address needs a token, and then asks every client for it', async (
   await server.stop();
 });
 
-test('files are names in one folder, whatever a line or a path says', async () => {
+test('files are names in one folder, whatever a line or a path says', async (t) => {
   const server = await Server.start();
+  t.after(() => server.process.kill('SIGKILL'));
   const outside = join(server.folder, 'outside.csv');
   const inside = (name) => join(server.folder, 'data', name);
   await server.line('-trigger_now');
@@ -115,8 +117,9 @@ test('files are names in one folder, whatever a line or a path says', async () =
   await server.stop();
 });
 
-test('ten clients with lines of a megabyte, binary and broken bodies get answers, and the server goes on', async () => {
+test('ten clients with lines of a megabyte, binary and broken bodies get answers, and the server goes on', async (t) => {
   const server = await Server.start();
+  t.after(() => server.process.kill('SIGKILL'));
   const json = { 'Content-Type': 'application/json' };
   const bodies = [
     [JSON.stringify({ line: 'x'.repeat(1 << 20) }), 413],
@@ -148,8 +151,9 @@ test('ten clients with lines of a megabyte, binary and broken bodies get answers
   await server.stop();
 });
 
-test('every message of the stream and every answer is as the API describes it', async () => {
+test('every message of the stream and every answer is as the API describes it', async (t) => {
   const server = await Server.start();
+  t.after(() => server.process.kill('SIGKILL'));
   const api = (await server.json('GET', '/api')).json;
   const stream = await server.stream();
   stream.send({ subscribe: '*' });
@@ -200,8 +204,9 @@ test('every message of the stream and every answer is as the API describes it', 
   await server.stop();
 });
 
-test('a client that doesn’t draw or doesn’t read loses sweeps, and the others lose nothing', async () => {
+test('a client that doesn’t draw or doesn’t read loses sweeps, and the others lose nothing', async (t) => {
   const server = await Server.start();
+  t.after(() => server.process.kill('SIGKILL'));
   const dead = await server.stream({ reads: false });
   dead.send({ subscribe: '*' });
   const slow = await server.stream();
@@ -229,8 +234,9 @@ test('a client that doesn’t draw or doesn’t read loses sweeps, and the other
   await server.stop();
 });
 
-test('hold, single, scan and the average are driven by the server, for every client alike', async () => {
+test('hold, single, scan and the average are driven by the server, for every client alike', async (t) => {
   const server = await Server.start();
+  t.after(() => server.process.kill('SIGKILL'));
   const one = await server.stream();
   const other = await server.stream();
   for (const stream of [one, other])

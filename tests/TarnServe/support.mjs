@@ -28,6 +28,7 @@ export class Server {
       ...air,
       ...(options.more ?? []),
     ]);
+    process.on('exit', () => server.process.kill('SIGKILL')); // also behind a test that failed
     server.complaints = '';
     server.process.stderr.on('data', (text) => (server.complaints += text));
     server.ended = new Promise((resolve) => server.process.on('exit', (code) => resolve(code)));
