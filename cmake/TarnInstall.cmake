@@ -15,3 +15,8 @@ configure_package_config_file(cmake/TarnConfig.cmake.in ${CMAKE_BINARY_DIR}/Tarn
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/TarnConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/TarnConfig.cmake ${CMAKE_BINARY_DIR}/TarnConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Tarn)
+
+# The load of the burn-in test, where the plug-in looks for it from the host program's folder.
+install(TARGETS bit MemTest64 RUNTIME DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/workload)
+install(FILES Tools/TRN/TarnWorkload/Workload.bitcfg Tools/TRN/TarnWorkload/Workload_CRK.bitcfg
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/tarn/workload)

@@ -238,6 +238,36 @@ void AddServe(CLI::App& app, ServeOptions& options) {
         "  tarn serve --bind 0.0.0.0 --token SECRET");
 }
 
+void AddVesper(CLI::App& app, VesperOptions& options) {
+    auto* command = app.add_subcommand("vesper", "Burn-in desense test: noise of every channel under load");
+    command->add_option("--config", options.request.config, "The test's nine lines KEY,VALUE")
+        ->type_name("FILE")
+        ->required();
+    command
+        ->add_option("--out", options.request.folder, "Folder for the report and the tables; made when it is missing")
+        ->type_name("DIR")
+        ->required();
+    command
+        ->add_option("--limit", options.limit,
+                     "What no level in one resolution bandwidth may exceed: dBm, or a CSV file by band, channel or "
+                     "frequency; without it 3 dB above each band's reference")
+        ->type_name("FILE|LEVEL");
+    command->add_option("--margin", options.request.margin_db, "Room to leave below the limit")
+        ->type_name("DB")
+        ->check(CLI::Range(0.0, 100.0))
+        ->capture_default_str();
+    command->add_flag("--idle-baseline", options.request.idleBaseline, "Sweep without load first, and show the rise");
+    command->add_option("--fail-on", options.failOn, "What ends with status 4")
+        ->check(CLI::IsMember({"fail", "margin", "none"}))
+        ->capture_default_str();
+    command->footer(
+        "Ctrl-C ends the load and keeps what was measured. Status 0: passed, 4: above a limit, 1: something went "
+        "wrong, 130: interrupted.\n\n"
+        "Examples:\n"
+        "  tarn vesper --config test.cfg --out results\n"
+        "  tarn --air sim:laptop vesper --config test.cfg --out results --idle-baseline");
+}
+
 void AddShell(CLI::App& app) {
     auto* command = app.add_subcommand("shell", "Type command lines, with completion, history and help");
     command->footer(
@@ -298,6 +328,7 @@ public:
     InfoOptions info;
     MeasureOptions measure;
     ServeOptions serve;
+    VesperOptions vesper;
 
     OSAL::Outcome<CommandOptions> Take(const std::string& command, const HostOptions& host);
 
@@ -325,6 +356,7 @@ OSAL::Outcome<CommandOptions> Choice::Take(const std::string& command, const Hos
     if (command == "simulate") return CommandOptions(simulate);
     if (command == "info") return CommandOptions(info);
     if (command == "serve") return CommandOptions(serve);
+    if (command == "vesper") return CommandOptions(vesper);
     return command == "measure" ? TakeMeasure() : CommandOptions(ShellOptions{});
 }
 
@@ -344,12 +376,13 @@ Request ParseArguments(std::vector<std::string> arguments) {
     AddInfo(app, choice.info);
     AddMeasure(app, choice.measure);
     AddServe(app, choice.serve);
+    AddVesper(app, choice.vesper);
     AddShell(app);
     for (CLI::App* command : app.get_subcommands({}))
         command->fallthrough();
     app.footer("The options above may stand before or behind the command. Each command has a --help with examples.");
 
-    choice.measure.command = CommandText(arguments);
+    choice.measure.command = choice.vesper.command = CommandText(arguments);
     MarkVerbatim(arguments);
     std::ranges::reverse(arguments);
     const auto refuse = [&](const std::string& reason) {

@@ -8,6 +8,7 @@
 
 #include "Console/InterruptWatch.h"
 #include "Console/Terminal.h"
+#include "Desense.h"
 #include "Measurement.h"
 #include "RadioSetup.h"
 
@@ -68,10 +69,17 @@ struct ServeOptions {
     std::string dataFolder = "tarn-data";
 };
 
+struct VesperOptions {
+    TarnMeasure::DesenseRequest request;
+    std::string limit;            ///< a level or a file; empty: the usual ones
+    std::string failOn = "fail";  ///< "fail", "margin" or "none"
+    std::string command;          ///< the program's arguments, as a shell takes them
+};
+
 struct ShellOptions {};
 
-using CommandOptions =
-    std::variant<AnalyseOptions, RunOptions, SimulateOptions, InfoOptions, MeasureOptions, ServeOptions, ShellOptions>;
+using CommandOptions = std::variant<AnalyseOptions, RunOptions, SimulateOptions, InfoOptions, MeasureOptions,
+                                    VesperOptions, ServeOptions, ShellOptions>;
 
 /// Analyses a folder of sample files and prints the table of results.
 ExitStatus Analyse(const AnalyseOptions& options, Context& context);
@@ -85,6 +93,8 @@ ExitStatus Info(const InfoOptions& options, Context& context);
 ExitStatus Measure(const MeasureOptions& options, Context& context);
 /// Serves page and API until a signal.
 ExitStatus Serve(const ServeOptions& options, Context& context);
+/// Runs the burn-in desense test and leaves its files in a folder.
+ExitStatus Vesper(const VesperOptions& options, Context& context);
 /// Reads lines from a person and runs them.
 ExitStatus RunShell(const ShellOptions& options, Context& context);
 
@@ -105,6 +115,9 @@ inline ExitStatus Execute(const MeasureOptions& options, Context& context) {
 }
 inline ExitStatus Execute(const ServeOptions& options, Context& context) {
     return Serve(options, context);
+}
+inline ExitStatus Execute(const VesperOptions& options, Context& context) {
+    return Vesper(options, context);
 }
 inline ExitStatus Execute(const ShellOptions& options, Context& context) {
     return RunShell(options, context);

@@ -1,0 +1,353 @@
+#include "Desense.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+namespace TarnMeasure {
+
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr double UsualRoom_db = 3.0;  ///< above the reference, without limits of one's own
+
+struct BandRow {
+    const char* name;      ///< of the key
+    const char* messages;  ///< as messages write it
+    const char* summary;   ///< as the summary writes it
+    double reference_dbm;
+};
+constexpr std::array<BandRow, 3> Bands{
+    {{"2.4", "2.4", "2.4 GHz", -121.0}, {"5.2", "5", "5 GHz", -122.0}, {"6-7", "6-7", "6-7 GHz", -122.0}}};
+
+std::size_t BandNumber(const std::string& band) {
+    return static_cast<std::size_t>(std::ranges::find(Bands, band, &BandRow::name) - Bands.begin());
+}
+
+std::string Quoted(const std::string& path) {
+    return '"' + path + '"';
+}
+
+/// The text of a message's member as a number; nothing without one.
+std::optional<double> NumberOf(const Json& object, const std::string& name) {
+    const auto member = object.find(name);
+    if (member == object.end() || !member->is_string()) return std::nullopt;
+    return std::strtod(member->get<std::string>().c_str(), nullptr);
+}
+
+/// The summary's desense by band and channel.
+std::map<std::pair<std::string, int>, double> ReadSummary(const std::string& path) {
+    std::map<std::pair<std::string, int>, double> values;
+    std::ifstream file(path);
+    std::string line;
+    std::getline(file, line);
+    while (std::getline(file, line)) {
+        std::array<std::string, 3> fields;
+        std::istringstream stream(line);
+        for (std::string& field : fields) {
+            std::getline(stream, field, ',');
+            field.erase(0, field.find_first_not_of(' '));
+        }
+        const auto band = std::ranges::find_if(Bands, [&](const BandRow& row) { return fields[2] == row.summary; });
+        if (band != Bands.end())
+            values[{band->name, std::atoi(fields[0].c_str())}] = std::strtod(fields[1].c_str(), nullptr);
+    }
+    return values;
+}
+
+/// One test from its configuration to its verdicts.
+class Test {
+public:
+    Test(const DesenseRequest& request, const DesenseIo& io) : m_request(request), m_io(io) {}
+
+    DesenseResult Run() {
+        if (ReadConfig()) {
+            const std::string summary = m_request.folder + "/summary.csv";
+            bool goesOn = true;
+            if (m_request.idleBaseline) {
+                goesOn = Pass("without load", "-vesper_disable_bit true -start_vesper_test");
+                if (!m_result.outOfReach) Export(true);
+                for (const auto& [key, desense] : ReadSummary(summary))
+                    m_idle[key] = desense;
+                if (goesOn) goesOn = ReadConfig();
+                for (DesenseChannel& channel : m_result.channels) {
+                    channel.levels.clear();
+                    channel.spurs.clear();
+                    channel.judgement = {};
+                }
+            }
+            if (goesOn) Pass("with load", "-start_vesper_test");
+            if (!m_result.outOfReach) Export(false);
+            if (goesOn)
+                for (const auto& [key, desense] : ReadSummary(summary))
+                    m_loaded[key] = desense;
+        }
+        Judge();
+        return std::move(m_result);
+    }
+
+private:
+    void Fail(const std::string& reason) {
+        if (m_result.trouble.empty()) m_result.trouble = reason;
+    }
+
+    /// Runs a line and passes the test's messages on. Nothing, with the reason kept, when it failed.
+    std::optional<std::vector<Json>> Line(const std::string& line, std::string* reason = nullptr) {
+        DesenseAnswer answer = m_io.run(line);
+        std::vector<Json> messages;
+        for (const std::string& text : answer.messages) {
+            Json message = Json::parse(text, nullptr, false);
+            if (!message.is_object() || !message.contains("data")) continue;
+            if (message["type"] == "Add Vesper Test Message Response") {
+                const auto& data = message["data"];
+                const std::string said = data.value("timestamp", "") + "  " + data.value("message", "");
+                m_result.messages.push_back(said);
+                m_io.message(said);
+                TakeSpur(data.value("message", ""));
+            }
+            messages.push_back(std::move(message));
+        }
+        if (answer.interrupted) m_result.interrupted = m_result.outOfReach = true;
+        if (answer.ok && !answer.interrupted) return messages;
+        if (reason)
+            *reason = answer.error;
+        else if (!answer.interrupted)
+            Fail(answer.error);
+        return std::nullopt;
+    }
+
+    static const Json* Find(const std::vector<Json>& messages, const char* type) {
+        const auto found = std::ranges::find_if(messages, [&](const Json& message) { return message["type"] == type; });
+        return found == messages.end() ? nullptr : &(*found)["data"];
+    }
+
+    bool ReadConfig() {
+        const auto messages = Line("-vesper_set_config_file " + Quoted(m_request.config));
+        const Json* settings = messages ? Find(*messages, "Vesper Settings Response") : nullptr;
+        if (!settings) return false;
+        m_result.bandwidth = settings->value("bw", "");
+        m_result.rbw_khz = settings->value("rbw", "");
+        m_result.chainMode = settings->value("chainMode", "");
+        m_result.iterations = std::atoi(settings->value("iterations", "").c_str());
+        if (!m_result.channels.empty()) return true;
+        for (const Json& band : settings->value("channels", Json::array())) {
+            const auto row =
+                std::ranges::find_if(Bands, [&](const BandRow& one) { return band.value("band", "") == one.messages; });
+            for (const Json& width : band.value("bandwidths", Json::array())) {
+                if (row == Bands.end() || width.value("bandwidth", "") != m_result.bandwidth) continue;
+                for (const Json& channel : width.value("channels", Json::array()))
+                    if (const int number = std::atoi(channel.value("value", "").c_str()); number > 0) {
+                        DesenseChannel one;
+                        one.band = row->name;
+                        one.channel = number;
+                        one.centre_mhz = NumberOf(channel, "frequency").value_or(0);
+                        m_result.channels.push_back(std::move(one));
+                    }
+            }
+        }
+        if (m_result.channels.empty())
+            Fail("the configuration names no channel that the adapter has at " + m_result.bandwidth + " MHz");
+        return !m_result.channels.empty();
+    }
+
+    std::vector<std::string> Chains() const {
+        if (m_result.chainMode == "A->B") return {"A", "B"};
+        return {m_result.chainMode};
+    }
+
+    /// One sweep of everything. False: the test ends here.
+    bool Pass(const std::string& load, const std::string& start) {
+        bool goesOn = Line(start).has_value();
+        const std::vector<std::string> chains = Chains();
+        const std::size_t sweeps = chains.size() * static_cast<std::size_t>(m_result.iterations);
+        const std::size_t total = m_result.channels.size() * sweeps;
+        std::size_t done = 0;
+        for (DesenseChannel& channel : m_result.channels) {
+            m_current = &channel;
+            for (const std::string& chain : chains) {
+                std::string reason;
+                for (int i = 1; goesOn && reason.empty() && i <= m_result.iterations; ++i) {
+                    goesOn = m_io.progress({done++, total,
+                                            channel.band + " channel " + std::to_string(channel.channel) + ", chain " +
+                                                chain + ", " + load});
+                    if (!goesOn) m_result.interrupted = true;
+                    if (goesOn) Sweep(channel, chain, i, reason);
+                    goesOn = goesOn && !m_result.outOfReach;
+                }
+                if (!reason.empty()) channel.judgement.invalid = reason;
+            }
+            if (goesOn) CheckLoad(channel, load == "with load");
+            if (goesOn) TakeGraph(channel);
+        }
+        m_current = nullptr;
+        if (!m_result.outOfReach) Line("-stop_vesper_test");
+        return goesOn && !m_result.outOfReach;
+    }
+
+    void Sweep(DesenseChannel& channel, const std::string& chain, int iteration, std::string& reason) {
+        const std::string done = std::to_string(iteration - 1);
+        const auto messages =
+            Line("-band " + channel.band + " -bandwidth " + m_result.bandwidth + " -channel " +
+                     std::to_string(channel.channel) + " -chain " + chain + " -rbw " + m_result.rbw_khz +
+                     " -channel_average true -channel_average_counter " + done + "," + done + "," + done +
+                     " -channel_average_sweep_val " + std::to_string(m_result.iterations) +
+                     " -maxhold true -vesper_current_iteration " + std::to_string(iteration) + " -trigger_now",
+                 &reason);
+        if (!messages) return;
+        const Json* response = Find(*messages, "Trigger Response Vesper");
+        if (!response || iteration < m_result.iterations) return;
+        for (const std::string& one : chain == "AB" ? std::vector<std::string>{"A", "B"} : std::vector{chain}) {
+            const std::string suffix = chain == "AB" ? one : "";
+            const auto average = NumberOf(*response, "PowerAverage" + suffix);
+            const auto peak = NumberOf(*response, "MaxPeak" + suffix);
+            if (!average || !peak) continue;
+            DesenseLevel level;
+            level.chain = one;
+            level.average_dbm = *average;
+            level.peak_dbm = *peak;
+            channel.levels.push_back(std::move(level));
+        }
+    }
+
+    /// A level that was read while the workload had died proves nothing.
+    void CheckLoad(DesenseChannel& channel, bool wantsLoad) {
+        if (!m_usesLoad) m_usesLoad = m_io.isLoaded();
+        if (wantsLoad && *m_usesLoad && !m_io.isLoaded())
+            channel.judgement.invalid = "the workload ended before its time";
+    }
+
+    void TakeGraph(DesenseChannel& channel) {
+        const auto messages = Line("-vesper_get_channel_data " + std::to_string(channel.channel) + "," +
+                                   std::to_string(BandNumber(channel.band)));
+        const Json* slots = messages ? Find(*messages, "Vesper Channel Data Response") : nullptr;
+        if (!slots) return;
+        for (std::size_t k = 0; k < std::min(slots->size(), channel.levels.size()); ++k) {
+            channel.levels[k].average = InBand((*slots)[k].value("averageData", Json::array()));
+            channel.levels[k].maximum = InBand((*slots)[k].value("maxData", Json::array()));
+        }
+    }
+
+    /// The channel's part of a spectrum, lowest frequency first.
+    std::vector<double> InBand(const Json& bins) const {
+        const double rbw_mhz = std::strtod(m_result.rbw_khz.c_str(), nullptr) / 1000.0;
+        const double width = std::strtod(m_result.bandwidth.c_str(), nullptr) / rbw_mhz;
+        const std::size_t count = std::min(bins.size(), static_cast<std::size_t>(width > 0 ? width : 0));
+        std::vector<double> inBand;
+        for (std::size_t k = (bins.size() - count) / 2; inBand.size() < count; ++k)
+            inBand.push_back(bins[k].is_number() ? bins[k].get<double>() : std::nan(""));
+        return inBand;
+    }
+
+    /// A spur is told in a message alone.
+    void TakeSpur(const std::string& text) {
+        constexpr const char* Form =
+            "A Spur found in Channel: %*f freq: %lf, Chain: %1[AB],  Spur Value: %lf, BB Freq: %lf";
+        DesenseSpur spur;
+        char chain[2] = "";
+        if (!m_current ||
+            std::sscanf(text.c_str(), Form, &spur.frequency_mhz, chain, &spur.level_dbm, &spur.baseband_mhz) != 4)
+            return;
+        spur.chain = chain;
+        const auto same = std::ranges::find_if(m_current->spurs, [&](const DesenseSpur& known) {
+            return known.chain == spur.chain && std::abs(known.frequency_mhz - spur.frequency_mhz) < 1e-6;
+        });
+        if (same == m_current->spurs.end())
+            m_current->spurs.push_back(spur);
+        else
+            same->level_dbm = std::max(same->level_dbm, spur.level_dbm);
+    }
+
+    void Export(bool isIdle) {
+        Line("-export_vesper_result " + Quoted(m_request.folder + "/summary.csv"));
+        if (isIdle) return;
+        Line("-dump_vesper_data " + Quoted(m_request.folder + "/bins.csv"));
+        Line("-vesper_save_test_messages " + Quoted(m_request.folder + "/messages.log"));
+    }
+
+    void Judge() {
+        const Limits limits = m_request.limits ? *m_request.limits : UsualLimits();
+        for (DesenseChannel& channel : m_result.channels) {
+            const std::pair key{channel.band, channel.channel};
+            if (const auto found = m_loaded.find(key); found != m_loaded.end() && !channel.levels.empty())
+                channel.desense_db = found->second;
+            if (const auto found = m_idle.find(key); found != m_idle.end()) channel.idle_db = found->second;
+            Judge(channel, limits);
+        }
+        std::ranges::stable_sort(m_result.channels, [](const DesenseChannel& a, const DesenseChannel& b) {
+            return a.desense_db.value_or(-1e9) > b.desense_db.value_or(-1e9);
+        });
+    }
+
+    void Judge(DesenseChannel& channel, const Limits& limits) {
+        std::string invalid = channel.judgement.invalid;
+        if (invalid.empty() && channel.levels.size() < (Chains()[0] == "AB" ? 2 : Chains().size()))
+            invalid = "not measured";
+        std::optional<Judgement> worst;
+        for (const DesenseLevel& level : channel.levels) {
+            Reading reading;
+            reading.band = channel.band;
+            reading.channel = channel.channel;
+            reading.bandwidth_mhz = std::strtod(m_result.bandwidth.c_str(), nullptr);
+            reading.power_dbm = level.average_dbm;
+            reading.graph = level.average;
+            reading.step_mhz = std::strtod(m_result.rbw_khz.c_str(), nullptr) / 1000.0;
+            reading.first_mhz = channel.centre_mhz - reading.bandwidth_mhz / 2;
+            const auto judged = limits.Judge(reading, m_request.margin_db);
+            if (judged && (!worst || !(judged->Excess() <= worst->Excess()))) worst = judged;
+        }
+        if (worst) channel.judgement = *worst;
+        if (!worst && invalid.empty()) invalid = "no limit is set for it";
+        if (invalid.empty()) return;
+        channel.judgement.verdict = Verdict::Invalid;
+        channel.judgement.invalid = invalid;
+    }
+
+    static Limits UsualLimits() {
+        std::string csv = "band,limit_dbm\n";
+        for (const BandRow& row : Bands)
+            csv += std::string(row.name) + "," + std::to_string(row.reference_dbm + UsualRoom_db) + "\n";
+        return *Limits::Parse(csv);
+    }
+
+    const DesenseRequest& m_request;
+    const DesenseIo& m_io;
+    DesenseResult m_result;
+    DesenseChannel* m_current = nullptr;
+    std::optional<bool> m_usesLoad;
+    std::map<std::pair<std::string, int>, double> m_idle, m_loaded;
+};
+
+}  // namespace
+
+std::optional<double> DesenseChannel::Rise() const {
+    if (!desense_db || !idle_db) return std::nullopt;
+    return *desense_db - *idle_db;
+}
+
+bool DesenseResult::Has(Verdict verdict) const {
+    return std::ranges::any_of(channels, [=](const auto& channel) { return channel.judgement.verdict == verdict; });
+}
+
+Verdict DesenseResult::Gravest() const {
+    Verdict gravest = channels.empty() ? Verdict::Invalid : Verdict::Pass;
+    for (const DesenseChannel& channel : channels)
+        gravest = Graver(gravest, channel.judgement.verdict);
+    return gravest;
+}
+
+std::optional<double> DesenseReference(const std::string& band) {
+    const std::size_t number = BandNumber(band);
+    if (number == Bands.size()) return std::nullopt;
+    return Bands[number].reference_dbm;
+}
+
+DesenseResult RunDesense(const DesenseRequest& request, const DesenseIo& io) {
+    return Test(request, io).Run();
+}
+
+}  // namespace TarnMeasure

@@ -1,0 +1,95 @@
+// The burn-in desense test, driven line by line: every channel and chain of a configuration file is swept while the
+// workload runs, on request once more before it without load, and each channel is judged.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Limits.h"
+
+namespace TarnMeasure {
+
+struct DesenseRequest {
+    std::string config;            ///< file of nine lines KEY,VALUE
+    std::string folder;            ///< gets summary.csv, bins.csv and messages.log
+    bool idleBaseline = false;     ///< sweep without load first
+    std::optional<Limits> limits;  ///< of levels in one RBW; without it 3 dB above the reference of each band
+    double margin_db = 1.0;
+};
+
+/// What a command line of the front-end variant gave.
+struct DesenseAnswer {
+    bool ok = true;
+    bool interrupted = false;           ///< a signal came, and the line didn't end: the plug-in is out of reach
+    std::string error;                  ///< one sentence
+    std::vector<std::string> messages;  ///< JSON, whole
+};
+
+/// One step of the job, for a progress line.
+struct DesenseStep {
+    std::size_t done = 0;  ///< sweeps
+    std::size_t total = 0;
+    std::string what;  ///< "5.2 channel 36, chain A, with load"
+};
+
+struct DesenseIo {
+    std::function<DesenseAnswer(const std::string& line)> run;
+    std::function<void(const std::string& text)> message;   ///< of the test, as they come
+    std::function<bool(const DesenseStep& step)> progress;  ///< false: stop here
+    std::function<bool()> isLoaded;                         ///< whether the workload runs
+};
+
+/// A bin that stands out of its neighbours.
+struct DesenseSpur {
+    double frequency_mhz = 0;
+    double baseband_mhz = 0;  ///< from the channel's centre
+    double level_dbm = 0;
+    std::string chain;
+};
+
+/// Levels of one chain in one RBW.
+struct DesenseLevel {
+    std::string chain;
+    double average_dbm = 0;
+    double peak_dbm = 0;
+    std::vector<double> average, maximum;  ///< in-band bins, dBm
+};
+
+struct DesenseChannel {
+    std::string band;  ///< "2.4", "5.2" or "6-7"
+    int channel = 0;
+    double centre_mhz = 0;
+    std::vector<DesenseLevel> levels;  ///< empty when it couldn't be measured
+    std::optional<double> desense_db;  ///< above the band's reference, out of the plug-in's summary
+    std::optional<double> idle_db;     ///< the same without load
+    std::vector<DesenseSpur> spurs;
+    Judgement judgement;
+
+    std::optional<double> Rise() const;  ///< dB that the load adds
+};
+
+struct DesenseResult {
+    std::string bandwidth, rbw_khz, chainMode;
+    int iterations = 0;
+    std::vector<DesenseChannel> channels;  ///< worst first
+    std::vector<std::string> messages;
+    std::string trouble;  ///< why it ended early, or what went wrong besides; empty: nothing
+    bool interrupted = false;
+    bool outOfReach = false;  ///< interrupted within a line that goes on
+
+    bool Has(Verdict verdict) const;
+    /// The gravest; INVALID without a channel.
+    Verdict Gravest() const;
+};
+
+/// dBm in one RBW that the test's desense is counted from; nothing for a text that is no band.
+std::optional<double> DesenseReference(const std::string& band);
+
+/// Runs the test. Whatever ends it, what was measured is in the result and in the folder's files, and the load is
+/// ended. Thread: the caller's.
+DesenseResult RunDesense(const DesenseRequest& request, const DesenseIo& io);
+
+}  // namespace TarnMeasure
