@@ -40,6 +40,12 @@ std::optional<double> Worst(const DesenseChannel& channel, double DesenseLevel::
     return worst;
 }
 
+/// The limit that it was judged by.
+std::optional<double> LimitOf(const DesenseChannel& channel) {
+    if (channel.levels.empty()) return std::nullopt;
+    return channel.judgement.limit_dbm;
+}
+
 std::string Escaped(const std::string& text) {
     std::string out;
     for (const char c : text) {
@@ -138,7 +144,7 @@ std::string Rows(const DesenseResult& result) {
     for (const DesenseChannel& one : result.channels) {
         const std::string verdict = VerdictText(one.judgement.verdict);
         html += "<tr>" + Cell(Place(one), " class='t'") + Cell(Figure(Worst(one, &DesenseLevel::average_dbm))) +
-                Cell(Figure(Worst(one, &DesenseLevel::peak_dbm))) + Cell(Figure(one.judgement.limit_dbm)) +
+                Cell(Figure(Worst(one, &DesenseLevel::peak_dbm))) + Cell(Figure(LimitOf(one))) +
                 Cell(Figure(one.desense_db)) + Cell(Figure(one.idle_db)) + Cell(Figure(one.Rise())) +
                 Cell(verdict, " class='" + verdict + "'") + Cell(Why(one), " class='t'") + "</tr>\n";
     }
@@ -161,7 +167,7 @@ std::string DesenseTable(const DesenseResult& result) {
                        Right("desense", 9) + Right("idle", 7) + Right("rise", 7) + "  verdict\n";
     for (const DesenseChannel& one : result.channels) {
         text += Left(Place(one), 22) + Right(Figure(Worst(one, &DesenseLevel::average_dbm)), 9) +
-                Right(Figure(Worst(one, &DesenseLevel::peak_dbm)), 9) + Right(Figure(one.judgement.limit_dbm), 9) +
+                Right(Figure(Worst(one, &DesenseLevel::peak_dbm)), 9) + Right(Figure(LimitOf(one)), 9) +
                 Right(Figure(one.desense_db), 9) + Right(Figure(one.idle_db), 7) + Right(Figure(one.Rise()), 7) + "  " +
                 VerdictText(one.judgement.verdict);
         if (one.judgement.verdict == Verdict::Invalid) text += ": " + one.judgement.invalid;
@@ -206,7 +212,7 @@ std::string DesenseJson(const DesenseResult& result, const DesenseOrigin& origin
                                     {"centre_mhz", one.centre_mhz},
                                     {"verdict", VerdictText(one.judgement.verdict)},
                                     {"invalid", one.judgement.invalid},
-                                    {"limit_dbm", one.judgement.limit_dbm},
+                                    {"limit_dbm", orNull(LimitOf(one))},
                                     {"desense_db", orNull(one.desense_db)},
                                     {"idle_desense_db", orNull(one.idle_db)},
                                     {"rise_db", orNull(one.Rise())},
