@@ -5,7 +5,7 @@
 #include <string>
 
 #include "Caught.h"
-#include "Environment/NamedStorage.h"
+#include "Environment/Variables.h"
 #include "Format.h"
 #include "Fuzz.h"
 

@@ -4,7 +4,7 @@
 #include <charconv>
 #include <string>
 
-#include "Environment/NamedStorage.h"
+#include "Environment/Variables.h"
 #include "Exceptions.h"
 #include "Xml/Node.h"
 

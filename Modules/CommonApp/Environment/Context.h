@@ -4,7 +4,7 @@
 #include <list>
 
 #include "CountedPtr.h"
-#include "Environment/NamedStorage.h"
+#include "Environment/Variables.h"
 
 namespace Environment {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "CountedPtr.h"
-#include "Environment/NamedStorage.h"
+#include "NamedStorage.h"
 
 namespace XML {
 

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "Environment/NamedStorage.h"
+#include "NamedStorage.h"
 
 namespace {
 
