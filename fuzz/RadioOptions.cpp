@@ -1,7 +1,7 @@
 // The texts of a radio set-up: adapter, fault plan and air. What is accepted is written out and read back the same.
 // links: QuayCommandsImpl
 #include "Adapter/AdapterDescription.h"
-#include "Air/AirKinds.h"
+#include "AirKinds.h"
 #include "Fuzz.h"
 #include "Monitor/FaultPlan.h"
 

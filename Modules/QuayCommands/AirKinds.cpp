@@ -1,4 +1,4 @@
-#include "Air/AirKinds.h"
+#include "AirKinds.h"
 
 #include <array>
 #include <string_view>

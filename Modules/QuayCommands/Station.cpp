@@ -1,6 +1,6 @@
 #include "Station.h"
 
-#include "Air/AirKinds.h"
+#include "AirKinds.h"
 
 namespace quayCommand {
 

@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "Air/AirKinds.h"
+#include "Air/Air.h"
+#include "Air/AirContext.h"
 
 namespace quayCommand {
 

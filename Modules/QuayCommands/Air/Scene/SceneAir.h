@@ -5,7 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "Air/AirKinds.h"
+#include "Air/Air.h"
+#include "Air/AirContext.h"
 #include "Air/Scene/Scene.h"
 
 namespace quayCommand {
