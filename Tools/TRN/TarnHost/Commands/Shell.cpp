@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "Commands/HostSession.h"
-#include "Console/LineEditor.h"
+#include "Commands/LineEditor.h"
 #include "Console/Present.h"
 #include "Lines/ShellHelp.h"
 #include "SettingsMemory.h"

@@ -1,4 +1,4 @@
-#include "Console/LineEditor.h"
+#include "Commands/LineEditor.h"
 
 #include <histedit.h>
 #include <poll.h>
