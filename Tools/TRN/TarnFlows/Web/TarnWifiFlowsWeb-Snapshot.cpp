@@ -147,6 +147,10 @@ void TarnWifiFlowsWeb::RestoreSetting(std::size_t place, const std::vector<std::
         default:
             setting.put({Engine(), m_gainConfig}, setting.parse(text));
     }
+    // What comes back on is the flows' own from here on, so that messages carry it.
+    using enum LumenSpectrumAnalyzer::LmnSAProperty;
+    if (place == Snapshot::IsAverage && Engine().GetProperty(Average)) m_channelAverageOn = true;
+    if (place == Snapshot::IsMaxHold && Engine().GetProperty(MaxHold)) m_maxHoldOn = true;
 }
 
 std::string TarnWifiFlowsWeb::SavedParamsNonArraysToRespStr(std::vector<std::string> frontendValues) {
