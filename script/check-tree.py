@@ -14,6 +14,7 @@ MODULES = (
     "Modules/QuayLLs/QuayShared/OSAL",
     "Modules/Singletons",
     "Modules/RadioFacts",
+    "Modules/QuayLLs/QuayShared/Publisher",
     "Modules/CommonApp",
     "Modules/QuayLLs/QuayOnBoard/Src/Shared/Api/Quay",
     "Modules/QuayFramework/Core/Classes",
@@ -28,7 +29,11 @@ MODULES = (
     "Tools/TRN/TarnFlows",
     "Tools/TRN/TarnSession",
     "Tools/TRN/TarnMeasure",
+    "Tools/TRN/TarnPage",
     "Tools/TRN/TarnServe",
+    "Tools/TRN/TarnFormat",
+    "Tools/TRN/TarnWorkload",
+    "Tools/TRN/QuayListener",
     "Tools/TRN/TarnHost",
 )
 INCLUDE = re.compile(r'#\s*include\s+"([^"]+)"')
