@@ -331,7 +331,8 @@ double ChannelPowerDbm(const std::vector<double>& spectrum, double width_mhz, do
 
 double BinMhz(const ChannelResult& channel, std::size_t bin, std::size_t bins) {
     const double step = channel.sampleRate_mhz / static_cast<double>(bins);
-    return channel.centre_mhz + (static_cast<double>(bin) - static_cast<double>(bins / 2)) * step;
+    const std::size_t centreBin = bins / 2;
+    return channel.centre_mhz + (static_cast<double>(bin) - static_cast<double>(centreBin)) * step;
 }
 
 bool Result::HasInvalid() const {

@@ -62,7 +62,7 @@ Guard::Guard(std::string address, std::uint16_t port, std::string token, std::st
 bool Guard::IsOwnHost(std::string_view host) const {
     const auto split = Split(host);
     if (!split || split->port != m_port) return false;
-    const auto [name, port] = *split;
+    const std::string_view name = split->name;
     if (SameLetters(name, m_address) || name == "[" + m_address + "]") return true;
     static constexpr auto loopbackNames = std::to_array<std::string_view>({"127.0.0.1", "localhost", "[::1]"});
     if (std::ranges::any_of(loopbackNames, [&](std::string_view own) { return SameLetters(name, own); })) return true;

@@ -14,7 +14,8 @@ TarnMeasure::Reading ReadingOf(const Tuning& tuning, const std::vector<double>& 
     reading.channel = tuning.channel;
     reading.bandwidth_mhz = TarnMeasure::WidthMhz(tuning.bandwidth);
     reading.step_mhz = tuning.rbw_khz / 1000;
-    const double first_mhz = tuning.centre_mhz - static_cast<double>(graph.size() / 2) * reading.step_mhz;
+    const std::size_t centreBin = graph.size() / 2;
+    const double first_mhz = tuning.centre_mhz - static_cast<double>(centreBin) * reading.step_mhz;
     for (std::size_t bin = 0; bin < graph.size(); ++bin) {
         const double mhz = first_mhz + static_cast<double>(bin) * reading.step_mhz;
         if (mhz < tuning.centre_mhz - reading.bandwidth_mhz / 2 || mhz > tuning.centre_mhz + reading.bandwidth_mhz / 2)

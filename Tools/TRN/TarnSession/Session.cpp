@@ -20,7 +20,6 @@ namespace TarnSession {
 namespace {
 
 using StreamsWrapper = SingletonWrapper<Streams::AppStreams>;
-using Streams::IErrorListener;
 
 constexpr std::size_t mostWarnings = 100;  ///< of one line that are kept
 

@@ -15,6 +15,7 @@ constexpr double LongestS = 1e6;
 
 const std::vector<std::string> BandNames = [] {
     std::vector<std::string> names;
+    names.reserve(RadioFacts::BandCount);
     for (const RadioFacts::Band& band : RadioFacts::Bands)
         names.emplace_back(band.name);
     return names;

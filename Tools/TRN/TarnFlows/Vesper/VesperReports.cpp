@@ -79,8 +79,9 @@ std::string AllBins(const VesperStore& store, const VesperSettings& settings, Ve
             const std::string band =
                 key.band < RadioFacts::BandCount ? std::string(RadioFacts::Bands[key.band].code) : std::string();
             const std::string head = std::to_string(key.channel) + ", " + band + ", " + chain + ", ";
-            double frequency = ChannelDatabase::GetChannelInfoByChannel(key.channel, context.bandwidth, key.band) -
-                               engine.m_Bandwidth / 2;
+            const int halfWidthMhz = engine.m_Bandwidth / 2;
+            double frequency =
+                ChannelDatabase::GetChannelInfoByChannel(key.channel, context.bandwidth, key.band) - halfWidthMhz;
             const auto average = BinsOf(store.m_vesperAverage, key, slot);
             const auto maxHold = BinsOf(store.m_vesperMaxHold, key, slot);
             const std::size_t stop =

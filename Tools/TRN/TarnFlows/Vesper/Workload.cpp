@@ -9,7 +9,6 @@
 #include "Streams/Trace.h"
 
 using Streams::ThrowLogged;
-using Streams::TraceError;
 using Streams::TraceInfo;
 
 namespace {

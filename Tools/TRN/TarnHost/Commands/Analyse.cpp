@@ -18,7 +18,6 @@ namespace TarnHost {
 namespace {
 
 namespace fs = std::filesystem;
-using TarnSession::Exchange;
 using TarnSession::Session;
 
 std::string Files(std::size_t count) {
