@@ -349,7 +349,14 @@ ProgramRun WaitingAndGetting(int signal, std::vector<std::string> options, const
         const std::string calls = Support::ReadText(journal);
         return Has(calls, "SetManual") || Has(calls, "ConfigTxRx");
     };
-    auto run = Program(options).With("TMPDIR=" + temp).Signal(signal, isReady).Run();
+    // a sanitizer would take the crash for itself
+    constexpr const char* noHandler = "_OPTIONS=handle_segv=0";
+    auto run = Program(options)
+                   .With("TMPDIR=" + temp)
+                   .With(std::string("ASAN") + noHandler)
+                   .With(std::string("TSAN") + noHandler)
+                   .Signal(signal, isReady)
+                   .Run();
     ::close(silent[0]);
     ::close(silent[1]);
     return run;
