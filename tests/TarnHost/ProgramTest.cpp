@@ -350,11 +350,10 @@ ProgramRun WaitingAndGetting(int signal, std::vector<std::string> options, const
         return Has(calls, "SetManual") || Has(calls, "ConfigTxRx");
     };
     // a sanitizer would take the crash for itself
-    constexpr const char* noHandler = "_OPTIONS=handle_segv=0";
     auto run = Program(options)
                    .With("TMPDIR=" + temp)
-                   .With(std::string("ASAN") + noHandler)
-                   .With(std::string("TSAN") + noHandler)
+                   .With("ASAN_OPTIONS=handle_segv=0")
+                   .With("TSAN_OPTIONS=handle_segv=0")
                    .Signal(signal, isReady)
                    .Run();
     ::close(silent[0]);
