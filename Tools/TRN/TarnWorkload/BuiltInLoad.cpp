@@ -80,7 +80,7 @@ void BuiltInLoad::Stream(unsigned load_percent, std::vector<std::uint64_t>& word
 std::size_t TestMemory(std::vector<std::uint64_t>& words, std::uint64_t pattern) {
     for (std::size_t k = 0; k < words.size(); ++k)
         words[k] = pattern ^ k;
-    std::atomic_thread_fence(std::memory_order_seq_cst);
+    std::atomic_signal_fence(std::memory_order_seq_cst);  // what was written is in memory before it is read back
     std::size_t wrong = 0;
     const volatile std::uint64_t* const memory = words.data();
     for (std::size_t k = 0; k < words.size(); ++k)
