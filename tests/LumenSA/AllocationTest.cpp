@@ -84,10 +84,8 @@ TEST(Allocation, MemoryThatRunsOutAnywhereInARebuildReleasesAllAndTheNextSweepRe
                 EXPECT_NE(engine.m_Spectrum[0]->val, nullptr);
             }
             failing = 0;
-            codes.AddTo(engine);
-            engine.UpdateFromLastSweep();
-            const unsigned bins = engine.m_NumOfBins;
-            EXPECT_NEAR(engine.m_Spectrum[0]->val[bins / 2 + 5 * bins / 128], 40.0, 0.01) << failures;
+            Measure(engine, codes);
+            EXPECT_NEAR(At(engine, static_cast<int>(5 * engine.m_NumOfBins / 128)), 40.0, 0.01) << failures;
         }
         EXPECT_GT(failures, rebuild ? 15u : 7u);
     }

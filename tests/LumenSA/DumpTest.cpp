@@ -1,22 +1,13 @@
 // The text files byte for byte.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <limits>
 #include <regex>
 #include <sstream>
 
 #include "EngineHelp.h"
+#include "Support/TempFolder.h"
 
 namespace {
-
-std::string ReadAll(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
 
 class Dump : public testing::Test {
 protected:
@@ -26,11 +17,11 @@ protected:
         engine.m_ChainName = "AB";
         engine.PrepareBuffers();
     }
-    void TearDown() override { std::filesystem::remove(path); }
+    std::string Written() const { return folder.Read("dump.txt"); }
 
     CLmnSA engine;
-    std::string path =
-        testing::TempDir() + "lumen_dump_" + testing::UnitTest::GetInstance()->current_test_info()->name() + ".txt";
+    const Support::TempFolder folder;
+    const std::string path = folder / "dump.txt";
 };
 
 TEST_F(Dump, SamplesStandOneALineWithEveryChainsIAndQ) {
@@ -41,7 +32,7 @@ TEST_F(Dump, SamplesStandOneALineWithEveryChainsIAndQ) {
     codes.q[1] = {0, 2, -2};
     codes.AddTo(engine, 2);
     engine.DumpIQ(path);
-    EXPECT_EQ(ReadAll(path), "12,-7,2,0,\n-12,7,-32768,2,\n1,-1,32766,-2,\n");
+    EXPECT_EQ(Written(), "12,-7,2,0,\n-12,7,-32768,2,\n1,-1,32766,-2,\n");
 }
 
 TEST_F(Dump, EnergyIsOneLineWithTheChainsOfABinSideBySide) {
@@ -55,13 +46,13 @@ TEST_F(Dump, EnergyIsOneLineWithTheChainsOfABinSideBySide) {
             expected << value << ",";
         }
     engine.DumpSpectrum(path);
-    EXPECT_EQ(ReadAll(path), expected.str());
-    EXPECT_EQ(ReadAll(path).substr(0, 31), "-87.3125,-86.3125,1.04858e+06,1");
+    EXPECT_EQ(Written(), expected.str());
+    EXPECT_EQ(Written().substr(0, 31), "-87.3125,-86.3125,1.04858e+06,1");
     engine.m_ChannelIndex = 1;
     engine.DumpMaxHold(path);
-    EXPECT_EQ(ReadAll(path), expected.str());
+    EXPECT_EQ(Written(), expected.str());
     engine.DumpEnergy(path, static_cast<LmnSAExportType>(2));
-    EXPECT_EQ(ReadAll(path), "");
+    EXPECT_EQ(Written(), "");
 }
 
 TEST_F(Dump, TheBinFileHasALineForEachInBandBinAndAnEmptyOneForZero) {
@@ -70,26 +61,24 @@ TEST_F(Dump, TheBinFileHasALineForEachInBandBinAndAnEmptyOneForZero) {
     engine.m_Spectrum[1]->val[95] = -1e-9;
     engine.DumpSpectrumByRBW(path);
     const std::string time = "[0-9]{2}/[0-9]{2}/[0-9]{4} [0-9]{2}:[0-9]{2}:[0-9]{2}";
-    EXPECT_TRUE(std::regex_match(
-        ReadAll(path),
-        std::regex("Channel,Chain,Power,RBW,BW,Sample Rate,Trigger Time\n2427, A, -80.5, 312.5, 20, 40, " + time +
-                   "\n\n2427.62, A, -81, 312.5, 20, 40, " + time + "\n\n{124}2446.69, B, -1e-09, 312.5, 20, 40, " +
-                   time + "\n")));
+    const std::string head = "Channel,Chain,Power,RBW,BW,Sample Rate,Trigger Time\n", end = ", 312.5, 20, 40, " + time;
+    EXPECT_TRUE(std::regex_match(Written(), std::regex(head + "2427, A, -80.5" + end + "\n\n2427.62, A, -81" + end +
+                                                       "\n\n{124}2446.69, B, -1e-09" + end + "\n")));
     engine.m_Bandwidth = 320;
     engine.DumpSpectrumByRBW(path);
-    EXPECT_EQ(ReadAll(path), "Channel,Chain,Power,RBW,BW,Sample Rate,Trigger Time\n");
+    EXPECT_EQ(Written(), head);
 }
 
 TEST_F(Dump, PeaksAreSplitByAnEmptyLineForEachChain) {
     engine.DumpPeaks(path);
-    EXPECT_EQ(ReadAll(path), "Frequency,Power\n\n\n") << "before the first search";
+    EXPECT_EQ(Written(), "Frequency,Power\n\n\n") << "before the first search";
     std::fill_n(engine.m_Spectrum[0]->val, 128, -100);
     engine.m_Spectrum[0]->val[48] = -40;
     engine.m_Spectrum[0]->val[80] = -30.25;
     engine.m_Spectrum[1]->val[64] = 7;
     engine.FindMaxPoints();
     engine.DumpPeaks(path);
-    EXPECT_EQ(ReadAll(path), "Frequency,Power\n2442,-30.25\n2432,-40\n\n2437,7\n\n");
+    EXPECT_EQ(Written(), "Frequency,Power\n2442,-30.25\n2432,-40\n\n2437,7\n\n");
 }
 
 TEST_F(Dump, AFileThatCannotBeMadeIsNotReported) {

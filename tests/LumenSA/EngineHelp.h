@@ -45,6 +45,17 @@ inline Codes ToneSweep(double amplitude, int bin, std::size_t length = 128) {
     return codes;
 }
 
+/// Takes a sweep in and measures it.
+inline void Measure(CLmnSA& engine, const Codes& codes, unsigned chains = 1) {
+    codes.AddTo(engine, chains);
+    engine.UpdateFromLastSweep();
+}
+
+/// Value of the bin that lies `bin` bins above the centre.
+inline double At(const CLmnSA& engine, int bin) {
+    return engine.m_Spectrum[0]->val[static_cast<int>(engine.m_NumOfBins / 2) + bin];
+}
+
 inline void Tune(CLmnSA& engine, double sampleRate, double rbw, int bandwidth, double centre = 5180) {
     engine.m_SampleRate = sampleRate;
     engine.m_RBW = rbw;

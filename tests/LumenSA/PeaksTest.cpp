@@ -43,21 +43,13 @@ PeakList SearchByHand(const std::vector<double>& band, int window, int lastStart
 
 TEST(Peaks, TheBandsIndicesFollowFromItsShareOfTheSampleRate) {
     CLmnSA engine;
-    for (const auto& [bandwidth, rate, bins, first, last] : {std::tuple{20, 40.0, 1024u, 256, 768},
-                                                             {20, 80.0, 512u, 192, 320},
-                                                             {40, 40.0, 1024u, 0, 1024},
-                                                             {80, 80.0, 2048u, 0, 2048},
-                                                             {160, 160.0, 4096u, 0, 4096},
-                                                             {160, 320.0, 8192u, 2048, 6144},
-                                                             {20, 160.0, 1001u, 437, 562},
-                                                             {320, 320.0, 8192u, 0, 0},
-                                                             {0, 40.0, 1024u, 0, 0},
-                                                             {30, 40.0, 1024u, 0, 0},
-                                                             {160, 40.0, 1024u, 0, 1024},
-                                                             {20, 0.0, 1024u, 0, 0},
-                                                             {20, NAN, 1024u, 0, 0}}) {
-        int start = -1;
-        int end = -1;
+    const std::tuple<int, double, unsigned, int, int> cases[] = {
+        {20, 40, 1024, 256, 768},  {20, 80, 512, 192, 320},      {40, 40, 1024, 0, 1024},   {80, 80, 2048, 0, 2048},
+        {160, 160, 4096, 0, 4096}, {160, 320, 8192, 2048, 6144}, {20, 160, 1001, 437, 562}, {320, 320, 8192, 0, 0},
+        {0, 40, 1024, 0, 0},       {30, 40, 1024, 0, 0},         {160, 40, 1024, 0, 1024},  {20, 0, 1024, 0, 0},
+        {20, NAN, 1024, 0, 0}};
+    for (const auto& [bandwidth, rate, bins, first, last] : cases) {
+        int start = -1, end = -1;
         engine.CalculateFreqIndices(bandwidth, rate, bins, &start, &end);
         EXPECT_EQ(std::pair(start, end), std::pair(first, last)) << bandwidth << " of " << rate;
     }
@@ -108,8 +100,7 @@ TEST(Peaks, TheSearchEqualsTheSearchByHandToTheLastBitInAllThreeBuffers) {
             CLmnSA engine;
             Flat(engine, rate, rbw, bandwidth);
             engine.m_WindowSize = window;
-            int start = 0;
-            int end = 0;
+            int start = 0, end = 0;
             engine.CalculateFreqIndices(bandwidth, rate, engine.m_NumOfBins, &start, &end);
             if (end - start - 3 * window <= 0) continue;
             const std::pair<double*, LmnSAProperty> sources[] = {
@@ -128,26 +119,28 @@ TEST(Peaks, TheSearchEqualsTheSearchByHandToTheLastBitInAllThreeBuffers) {
 
 TEST(Peaks, ASpurStandsMoreThanTenAboveItsNeighboursAndAboveTheFloor) {
     CLmnSA engine;
-    const auto spurs = [&](const std::vector<double>& powers) {
-        std::list<SpurRecord> candidates;
+    // The powers of neighbours, and the spurs among them, each with its neighbours' mean. Nothing at the floor or ten
+    // above exactly; three neighbours at the edge.
+    using Pairs = std::vector<std::pair<double, double>>;
+    const std::pair<std::vector<double>, Pairs> cases[] = {
+        {{-120, -120, -120, -108.5, -120, -120, -120}, {{-108.5, -120}}},
+        {{-120, -120, -120, -109, -120, -120, -120}, {}},
+        {{-60, -60, -60, -50, -60, -60, -60}, {}},
+        {{-60, -60, -60, -49.5, -60, -60, -60}, {{-49.5, -60}}},
+        {{-40, -60, -61, -62, 0, -60}, {{-40, -61}, {0, -60.75}}},
+        {{-50}, {}},
+        {{NAN, -50, NAN}, {}},
+        {{}, {}}};
+    for (const auto& [powers, expected] : cases) {
+        std::list<SpurRecord> candidates, spurs;
         for (const double power : powers)
             candidates.push_back({36, 0, 5180, "A", power, 0});
-        std::list<SpurRecord> out;
-        engine.CheckSpurs(candidates, out);
-        std::vector<std::pair<double, double>> result;
-        for (const SpurRecord& spur : out)
-            result.emplace_back(spur.power, spur.neighbourAverage);
-        return result;
-    };
-    using Pairs = std::vector<std::pair<double, double>>;
-    EXPECT_EQ(spurs({-120, -120, -120, -108.5, -120, -120, -120}), (Pairs{{-108.5, -120}}));
-    EXPECT_EQ(spurs({-120, -120, -120, -109, -120, -120, -120}), Pairs{}) << "at the floor exactly";
-    EXPECT_EQ(spurs({-60, -60, -60, -50, -60, -60, -60}), Pairs{}) << "ten above exactly";
-    EXPECT_EQ(spurs({-60, -60, -60, -49.5, -60, -60, -60}), (Pairs{{-49.5, -60}}));
-    EXPECT_EQ(spurs({-40, -60, -61, -62, 0, -60}), (Pairs{{-40, -61}, {0, -60.75}})) << "three neighbours at the edge";
-    EXPECT_EQ(spurs({-50}), Pairs{});
-    EXPECT_EQ(spurs({NAN, -50, NAN}), Pairs{});
-    EXPECT_EQ(spurs({}), Pairs{});
+        engine.CheckSpurs(candidates, spurs);
+        Pairs found;
+        for (const SpurRecord& spur : spurs)
+            found.emplace_back(spur.power, spur.neighbourAverage);
+        EXPECT_EQ(found, expected) << testing::PrintToString(powers);
+    }
 }
 
 TEST(Peaks, SpursCarryDecibelsWhetherTheSpectrumWasLeftLinearOrNot) {
@@ -161,8 +154,7 @@ TEST(Peaks, SpursCarryDecibelsWhetherTheSpectrumWasLeftLinearOrNot) {
         engine.m_Gain = {30, 10, 0};
         engine.SetVesperTestInProgress(linear);
         engine.SetIsBRK(linear);
-        codes.AddTo(engine, 2);
-        engine.UpdateFromLastSweep();
+        Measure(engine, codes, 2);
         for (const SpurRecord& tone :
              {SpurRecord{36, 0, 5186.25, "A", 60 - 30, 0}, {36, 0, 5186.5625, "B", 40 - 10, 0}}) {
             const std::list<SpurRecord> spurs = engine.GetSpurByRBW();

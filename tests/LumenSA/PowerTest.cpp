@@ -12,11 +12,8 @@ namespace {
 
 struct Power : testing::Test {
     Power() { Tune(engine, 40, 312.5, 20); }
-    void Feed(const Codes& codes) {
-        codes.AddTo(engine);
-        engine.UpdateFromLastSweep();
-    }
-    double At(int bin) { return engine.m_Spectrum[0]->val[64 + bin]; }
+    void Feed(const Codes& codes) { Measure(engine, codes); }
+    double Read(int bin) { return At(engine, bin); }
     CLmnSA engine;
 };
 
@@ -26,7 +23,7 @@ TEST_F(Power, ChannelPowerIsTheTotalOverTheBandOnBothSidesOfTheCentre) {
         Feed(ToneSweep(1000, bin));
         double total = 0;
         for (int k = -32; k <= 32; ++k)
-            total += std::pow(10, At(k) / 10);
+            total += std::pow(10, Read(k) / 10);
         EXPECT_NEAR(engine.GetChannelPowerPerChain(0), 10 * std::log10(total), 1e-9) << bin;
         EXPECT_EQ(engine.GetChannelPowerPerChain(0) > 52.9, inBand) << bin;
     }
@@ -57,26 +54,25 @@ TEST_F(Power, MaxHoldKeepsTheStrongestOfEachBinForEachChannelAndIsPreferredForPo
     std::vector<double> held(128);
     double* out[] = {held.data()};
     engine.UpdateMaxHold(out);
-    EXPECT_NEAR(held[64 + 3], 60, 0.01);
-    EXPECT_NEAR(held[64 - 7], 60, 0.01);
+    for (const int bin : {3, -7})
+        EXPECT_NEAR(held[64 + bin], 60, 0.01);
     EXPECT_NEAR(engine.GetChannelPowerPerChain(0), 60 + 10 * std::log10(2), 0.01);
     engine.m_ChannelIndex = 1;
     engine.UpdateMaxHold(out);
     EXPECT_EQ(held, std::vector<double>(128, -KELP_MAXABS_64F));
     engine.MaxHoldClear();
-    EXPECT_EQ(engine.m_MaxHold[0][0]->val[64 + 3], -KELP_MAXABS_64F);
-    EXPECT_EQ(engine.m_ChannelPowerMaxHold[0][0]->val[3], -KELP_MAXABS_64F);
+    for (const double cleared : {engine.m_MaxHold[0][0]->val[64 + 3], engine.m_ChannelPowerMaxHold[0][0]->val[3]})
+        EXPECT_EQ(cleared, -KELP_MAXABS_64F);
 }
 
 TEST_F(Power, TheRunningAverageWeighsByTheCallersCounter) {
     engine.SetProperty(LmnSAProperty::Average, true);
-    double decibels = 0;
-    double linear = 0;
+    double decibels = 0, linear = 0;
     for (unsigned n = 0; n < 4; ++n) {
         engine.SetChannelAverageCounterPerChain(0, n);
         Feed(ToneSweep(100 * (n + 1), 9));
-        decibels += At(9) / 4;
-        linear += std::pow(10, At(9) / 10) / 4;
+        decibels += Read(9) / 4;
+        linear += std::pow(10, Read(9) / 10) / 4;
     }
     EXPECT_EQ(engine.m_ChannelAverageCounter[0], 3u);
     EXPECT_NEAR(engine.m_Average[0]->val[64 + 9], decibels, 1e-9);
@@ -84,7 +80,7 @@ TEST_F(Power, TheRunningAverageWeighsByTheCallersCounter) {
     EXPECT_NEAR(engine.GetChannelPowerPerChain(0), 10 * std::log10(linear), 0.01);
     engine.SetChannelAverageCounterPerChain(0, 0);  // starts anew
     engine.UpdateFromLastSweep();
-    EXPECT_NEAR(engine.m_Average[0]->val[64 + 9], At(9), 1e-12);
+    EXPECT_NEAR(engine.m_Average[0]->val[64 + 9], Read(9), 1e-12);
     engine.AverageClear();
     EXPECT_EQ(engine.m_Average[0]->val[64 + 9], 0);
     EXPECT_EQ(engine.m_ChannelPowerAverage[0]->val[9], 0);
@@ -103,7 +99,7 @@ TEST_F(Power, TheBurnInFiguresLeaveOutKnownSpikesAndNeverDivideByZero) {
     Feed(noisyTone(-32));  // on the spike
     const double* const band = engine.m_Spectrum[0]->val + 32;
     EXPECT_NEAR(engine.GetChannelAverageVesper(0), std::accumulate(band + 1, band + 64, 0.0) / 63, 1e-9);
-    EXPECT_EQ(engine.GetChannelPeakVesper(0), std::max(*std::max_element(band + 1, band + 64), At(-64)));
+    EXPECT_EQ(engine.GetChannelPeakVesper(0), std::max(*std::max_element(band + 1, band + 64), Read(-64)));
     Feed(noisyTone(-31));
     EXPECT_NEAR(engine.GetChannelPeakVesper(0), 60, 0.01);
     EXPECT_EQ(engine.GetChannelPeakFreqVesper(0), 2400.3125);
@@ -111,15 +107,14 @@ TEST_F(Power, TheBurnInFiguresLeaveOutKnownSpikesAndNeverDivideByZero) {
 
     engine.m_Bandwidth = 320;  // no bins in band
     engine.UpdateFromLastSweep();
-    EXPECT_EQ(engine.GetChannelAverageVesper(0), At(-64));
-    EXPECT_EQ(engine.GetChannelPeakVesper(0), At(-64));
+    EXPECT_TRUE(engine.GetChannelAverageVesper(0) == Read(-64) && engine.GetChannelPeakVesper(0) == Read(-64));
     EXPECT_EQ(engine.GetChannelPeakFreqVesper(0), 2410 - 160);
 
     engine.SetIsBRK(true);  // values stay linear until LinearToLog
     engine.UpdateFromLastSweep();
-    EXPECT_NEAR(At(-31), 1e6, 2000);
+    EXPECT_NEAR(Read(-31), 1e6, 2000);
     engine.LinearToLog(engine.m_Spectrum[0]->val, 0);
-    EXPECT_NEAR(At(-31), 60, 0.01);
+    EXPECT_NEAR(Read(-31), 60, 0.01);
     for (const auto& getter :
          {&CLmnSA::GetChannelAverageVesper, &CLmnSA::GetChannelPeakVesper, &CLmnSA::GetChannelPeakFreqVesper})
         for (const unsigned chain : {3u, 4u})
@@ -149,8 +144,7 @@ TEST_F(Power, TwentyBucketsSpanTheRangeOfIAndQTogether) {
     codes.q[0].assign(128, 3);
     Feed(codes);
     engine.UpdateHistogram(outs, outs + 1, outs + 2, &range);
-    EXPECT_EQ(range, (std::pair{0.0, 0.0}));
-    EXPECT_EQ(both[0], 256);
+    EXPECT_TRUE(range == std::pair(0.0, 0.0) && both[0] == 256);
 }
 
 }  // namespace

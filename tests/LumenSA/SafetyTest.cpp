@@ -22,18 +22,10 @@ bool LockIsFree(CLmnSA& engine) {
 
 TEST(Safety, SettingsThatGiveNoTransformReleaseAllAndLeaveTheLock) {
     const double infinity = std::numeric_limits<double>::infinity();
-    for (const auto& [rate, rbw, chains] : {std::tuple{0.0, 39.0625, 1},
-                                            {40.0, 0.0, 1},
-                                            {NAN, 39.0625, 1},
-                                            {40.0, NAN, 1},
-                                            {infinity, 39.0625, 1},
-                                            {-40.0, 39.0625, 1},
-                                            {40.0, 100.0, 1},
-                                            {40.0, 40000.0, 1},
-                                            {1e12, 1.0, 1},
-                                            {40.0, 312.5, 0},
-                                            {40.0, 312.5, -1},
-                                            {40.0, 312.5, 4}}) {
+    const std::tuple<double, double, int> settings[] = {
+        {0, 39.0625, 1}, {40, 0, 1},     {NAN, 39.0625, 1}, {40, NAN, 1},   {infinity, 39.0625, 1}, {-40, 39.0625, 1},
+        {40, 100, 1},    {40, 40000, 1}, {1e12, 1, 1},      {40, 312.5, 0}, {40, 312.5, -1},        {40, 312.5, 4}};
+    for (const auto& [rate, rbw, chains] : settings) {
         SCOPED_TRACE(std::to_string(rate) + "/" + std::to_string(rbw) + "/" + std::to_string(chains));
         CLmnSA engine;
         Tune(engine, 40, 312.5, 20);
@@ -58,9 +50,8 @@ TEST(Safety, SettingsThatGiveNoTransformReleaseAllAndLeaveTheLock) {
         EXPECT_NE(ThrownPointer([&] { ToneSweep(100, 5, 1024).AddTo(engine); }), NothingThrown);
         EXPECT_TRUE(engine.m_isInit);
         Tune(engine, 40, 312.5, 20);  // and it recovers
-        ToneSweep(100, 5, 1024).AddTo(engine);
-        engine.UpdateFromLastSweep();
-        EXPECT_NEAR(engine.m_Spectrum[0]->val[64 + 5], 40, 0.01);
+        Measure(engine, ToneSweep(100, 5, 1024));
+        EXPECT_NEAR(At(engine, 5), 40, 0.01);
     }
 }
 
@@ -94,15 +85,14 @@ TEST(Safety, CopiesBeforeASweepOrBeyondTheBuffersThrowAndTouchNothing) {
     double* out[] = {room.data(), room.data(), room.data()};
     std::pair<double, double> range[3];
     CLmnSA engine;
-    const std::function<void()> copies[] = {[&] { engine.UpdateSpectrum(out); },
-                                            [&] { engine.UpdateMaxHold(out); },
-                                            [&] { engine.UpdateChannelAverage(out); },
-                                            [&] { engine.UpdateIQ(out, out); },
-                                            [&] { engine.UpdateHistogram(out, out, out, range); },
-                                            [&] { engine.SaveSpectrum(out); },
-                                            [&] { engine.SaveMaxHold(out); },
-                                            [&] { engine.SaveChannelAverage(out); },
-                                            [&] { engine.SaveHistogram(out, out, out, range); }};
+    // clang-format off
+    const std::function<void()> copies[] = {
+        [&] { engine.UpdateSpectrum(out); }, [&] { engine.UpdateMaxHold(out); },
+        [&] { engine.UpdateChannelAverage(out); }, [&] { engine.UpdateIQ(out, out); },
+        [&] { engine.UpdateHistogram(out, out, out, range); }, [&] { engine.SaveSpectrum(out); },
+        [&] { engine.SaveMaxHold(out); }, [&] { engine.SaveChannelAverage(out); },
+        [&] { engine.SaveHistogram(out, out, out, range); }};
+    // clang-format on
     for (const auto& copy : copies)
         EXPECT_EQ(ThrownValue(copy), "No sweep has been taken yet");
     PeakList peaks[3];
@@ -123,14 +113,11 @@ TEST(Safety, CopiesBeforeASweepOrBeyondTheBuffersThrowAndTouchNothing) {
 TEST(Safety, ASweepShorterThanOneTransformAndABadChannelIndexAreRefused) {
     CLmnSA engine;
     Tune(engine, 40, 312.5, 20);
-    ToneSweep(100, 5, 128).AddTo(engine);
-    engine.UpdateFromLastSweep();
-    ToneSweep(100, 5, 127).AddTo(engine);
-    EXPECT_EQ(ThrownPointer([&] { engine.UpdateFromLastSweep(); }), "A sweep of 127 samples is too short for 128 bins");
-    EXPECT_TRUE(std::isnan(engine.m_Spectrum[0]->val[64 + 5]) && std::isnan(engine.GetChannelPowerPerChain(0)))
-        << "not the sweep's before";
-    ToneSweep(100, 5, 128).AddTo(engine);
-    EXPECT_NO_THROW(engine.UpdateFromLastSweep());
+    Measure(engine, ToneSweep(100, 5));
+    EXPECT_EQ(ThrownPointer([&] { Measure(engine, ToneSweep(100, 5, 127)); }),
+              "A sweep of 127 samples is too short for 128 bins");
+    EXPECT_TRUE(std::isnan(At(engine, 5)) && std::isnan(engine.GetChannelPowerPerChain(0))) << "not the sweep's before";
+    EXPECT_NO_THROW(Measure(engine, ToneSweep(100, 5)));
     engine.m_ChannelIndex = 2;
     std::vector<double> room(128);
     double* out[] = {room.data()};

@@ -19,10 +19,9 @@ TEST_F(Sweep, CodesAreCutTowardZeroToTheirLow16BitsInEveryForm) {
     codes.AddTo(engine);
     const double expected[][2] = {{1, 0}, {-1, 0}, {4464, -1}, {-4464, 1}, {0, 2}, {0, -2}, {32767, 1}, {-32767, -1}};
     for (int n = 0; n < 8; ++n) {
-        EXPECT_EQ(engine.m_ISweep[0]->val[n], expected[n][0]) << n;
-        EXPECT_EQ(engine.m_QSweep[0]->val[n], expected[n][1]) << n;
-        EXPECT_EQ(engine.m_CurrSweep[0]->val[2 * n], expected[n][0]) << n;
-        EXPECT_EQ(engine.m_CurrSweep[0]->val[2 * n + 1], expected[n][1]) << n;
+        const double* const pair = engine.m_CurrSweep[0]->val + 2 * n;
+        EXPECT_TRUE(engine.m_ISweep[0]->val[n] == expected[n][0] && engine.m_QSweep[0]->val[n] == expected[n][1]) << n;
+        EXPECT_TRUE(pair[0] == expected[n][0] && pair[1] == expected[n][1]) << n;
         EXPECT_EQ(engine.m_Chain[0][n].I, expected[n][0]) << n;
     }
     for (int n = 8; n < 18; ++n)
@@ -70,13 +69,12 @@ TEST_F(Sweep, AnEmptyChainIsRefusedAndTheEngineStaysAsItWas) {
     EXPECT_EQ(engine.m_Spectrum[0]->val, nullptr);
     EXPECT_EQ(engine.m_Chain[0][5].I, 1);
     EXPECT_EQ(ThrownPointer([&] { Codes(0).AddTo(engine); }), "Received empty ADC Samples.");
-    ToneSweep(100, 5, 128).AddTo(engine);
-    engine.UpdateFromLastSweep();
+    Measure(engine, ToneSweep(100, 5));
     codes.i[0][200] = 1;
     EXPECT_EQ(ThrownPointer([&] { codes.AddTo(engine, 2); }), "Received empty ADC Samples.");
     EXPECT_TRUE(engine.m_NumOfSamples == 128 && engine.m_SweepLen == 128) << "of the sweep before";
     EXPECT_NEAR(engine.m_ISweep[0]->val[0], 100, 1);
-    EXPECT_NEAR(engine.m_Spectrum[0]->val[64 + 5], 40.0, 0.01);
+    EXPECT_NEAR(At(engine, 5), 40.0, 0.01);
     EXPECT_NE(ThrownPointer([&] { codes.AddTo(engine, 4); }), NothingThrown);
     EXPECT_NE(ThrownPointer([&] { engine.AddSweep(nullptr, nullptr, 16, 1); }), NothingThrown);
 }
@@ -87,10 +85,9 @@ TEST_F(Sweep, MaxHoldAndAverageSurviveEqualSettingsAndALongerSweepButNoRebuild) 
     engine.m_MaxHold[0][1]->val[7] = 3;
     engine.m_Average[0]->val[7] = 4;
     for (const unsigned length : {1024u, 5000u, 500u, 5000u}) {
-        ToneSweep(100, 5, length).AddTo(engine);
-        engine.UpdateFromLastSweep();
+        Measure(engine, ToneSweep(100, 5, length));
         EXPECT_EQ(engine.m_NumOfSubBuffers, length / 128);
-        EXPECT_NEAR(engine.m_Spectrum[0]->val[64 + 5], 40.0, 0.01) << length;
+        EXPECT_NEAR(At(engine, 5), 40.0, 0.01) << length;
         EXPECT_EQ(engine.m_MaxHold[0][1]->val[7] + engine.m_Average[0]->val[7], 3 + 4);
     }
     Codes two = ToneSweep(100, 5, 1024);
