@@ -19,10 +19,11 @@ Reals guarded(int length) {
     return Reals(static_cast<std::size_t>(length) + 2, kGuard);
 }
 
-void expectVector(const Reals& actual, int length, double (*expected)(int), const char* what) {
+/// A status that is no error, and a vector of so many values that it filled.
+void expectVector(KelpStatus status, const Reals& actual, int length, double (*expected)(int)) {
+    EXPECT_EQ(kelpStsNoErr, status);
     for (int k = 0; k < length + 2; k++)
-        EXPECT_EQ(k < length ? expected(k) : kGuard, actual[static_cast<std::size_t>(k)])
-            << what << " " << length << " at " << k;
+        EXPECT_EQ(k < length ? expected(k) : kGuard, actual[static_cast<std::size_t>(k)]) << length << " at " << k;
 }
 
 TEST_P(VectorOfEachKernel, primitives_do_each_element_and_no_more_at_lengths_around_the_lane_width) {
@@ -37,35 +38,20 @@ TEST_P(VectorOfEachKernel, primitives_do_each_element_and_no_more_at_lengths_aro
             codes[static_cast<std::size_t>(k)] = static_cast<Kelp16s>(k % 2 ? -32768 + k : 32767 - k);
         }
         Reals a = guarded(n), b = guarded(n);
-        EXPECT_EQ(kelpStsNoErr, kelpsMagnitude_64fc(cplx.data(), a.data(), n));
-        expectVector(
-            a, n, [](int k) { return 5.0 * k; }, "magnitude");
-        EXPECT_EQ(kelpStsNoErr, kelpsSqr_64f_I(a.data(), n));
-        expectVector(
-            a, n, [](int k) { return 25.0 * k * k; }, "square");
-        EXPECT_EQ(kelpStsNoErr, kelpsCplxToReal_64fc(cplx.data(), a.data(), b.data(), n));
-        expectVector(
-            a, n, [](int k) { return 3.0 * k; }, "real part");
-        expectVector(
-            b, n, [](int k) { return -4.0 * k; }, "imaginary part");
-        EXPECT_EQ(kelpStsNoErr, kelpsConvert_16s64f_Sfs(codes.data(), a.data(), n, 1));
-        expectVector(
-            a, n, [](int k) { return (k % 2 ? -32768.0 + k : 32767.0 - k) / 2.0; }, "conversion");
-        EXPECT_EQ(kelpStsNoErr, kelpsMulC_64f(src.data(), 10.0, a.data(), n));
-        expectVector(
-            a, n, [](int k) { return 10.0 * k - 25.0; }, "product");
-        EXPECT_EQ(kelpStsNoErr, kelpsSubC_64f_I(5.0, a.data(), n));
-        expectVector(
-            a, n, [](int k) { return 10.0 * k - 30.0; }, "difference");
-        EXPECT_EQ(kelpStsNoErr, kelpsCopy_64f(src.data(), b.data(), n));
-        expectVector(
-            b, n, [](int k) { return k - 2.5; }, "copy");
-        EXPECT_EQ(kelpStsNoErr, kelpsZero_64f(a.data(), n));
-        expectVector(
-            a, n, [](int) { return 0.0; }, "zero");
-        EXPECT_EQ(kelpStsNoErr, kelpsSet_64f(-KELP_MAXABS_64F, a.data(), n));
-        expectVector(
-            a, n, [](int) { return std::bit_cast<double>(0xFFEFFFFFFFFFFFFF); }, "set");
+        const auto expectB = [&](KelpStatus status, double (*expected)(int)) { expectVector(status, b, n, expected); };
+        const auto expectA = [&](KelpStatus status, double (*expected)(int)) { expectVector(status, a, n, expected); };
+        expectA(kelpsMagnitude_64fc(cplx.data(), a.data(), n), [](int k) { return 5.0 * k; });
+        expectA(kelpsSqr_64f_I(a.data(), n), [](int k) { return 25.0 * k * k; });
+        expectA(kelpsCplxToReal_64fc(cplx.data(), a.data(), b.data(), n), [](int k) { return 3.0 * k; });
+        expectB(kelpStsNoErr, [](int k) { return -4.0 * k; });
+        expectA(kelpsConvert_16s64f_Sfs(codes.data(), a.data(), n, 1),
+                [](int k) { return (k % 2 ? -32768.0 + k : 32767.0 - k) / 2.0; });
+        expectA(kelpsMulC_64f(src.data(), 10.0, a.data(), n), [](int k) { return 10.0 * k - 25.0; });
+        expectA(kelpsSubC_64f_I(5.0, a.data(), n), [](int k) { return 10.0 * k - 30.0; });
+        expectB(kelpsCopy_64f(src.data(), b.data(), n), [](int k) { return k - 2.5; });
+        expectA(kelpsZero_64f(a.data(), n), [](int) { return 0.0; });
+        expectA(kelpsSet_64f(-KELP_MAXABS_64F, a.data(), n),
+                [](int) { return std::bit_cast<double>(0xFFEFFFFFFFFFFFFF); });
         Complexes copy(size + 1, kGuard);
         EXPECT_EQ(kelpStsNoErr, kelpsCopy_64fc(cplx.data(), copy.data(), n));
         EXPECT_TRUE(std::equal(copy.begin(), copy.end() - 1, cplx.begin()) && copy.back() == kGuard) << n;
@@ -122,59 +108,35 @@ TEST_P(VectorOfEachKernel, log10_errs_by_less_than_one_unit_in_the_last_place) {
 }
 
 TEST_P(VectorOfEachKernel, log10_of_special_values_leaves_the_other_lanes_alone) {
-    const struct {
-        double value, logarithm;
-        KelpStatus status;
-    } cases[] = {{0.0, -kInf, 18},
-                 {-0.0, -kInf, 18},
-                 {-1.0, kNan, 0},
-                 {-kInf, kNan, 0},
-                 {kNan, kNan, 0},
-                 {kInf, kInf, 0},
-                 {1.0, 0.0, 0},
-                 {KELP_MAXABS_64F, 308.25471555991674, 0},
-                 {5e-324, -323.3062153431158, 0}};
-    for (const auto& c : cases) {
-        for (const int n : kLengths) {
+    // clang-format off
+    const std::tuple<double, double, KelpStatus> cases[] = {
+        {0, -kInf, 18}, {-0.0, -kInf, 18}, {-1, kNan, 0}, {-kInf, kNan, 0}, {kNan, kNan, 0}, {kInf, kInf, 0}, {1, 0, 0},
+        {KELP_MAXABS_64F, 308.25471555991674, 0}, {5e-324, -323.3062153431158, 0}};
+    // clang-format on
+    for (const auto& [value, logarithm, status] : cases)
+        for (const int n : kLengths)
             for (int place = 0; place < n; place++) {
                 Reals x(static_cast<std::size_t>(n), 1000.0), y = guarded(n);
-                x[static_cast<std::size_t>(place)] = c.value;
-                ASSERT_EQ(c.status, kelpsLog10_64f_A53(x.data(), y.data(), n)) << c.value;
+                x[static_cast<std::size_t>(place)] = value;
+                ASSERT_EQ(status, kelpsLog10_64f_A53(x.data(), y.data(), n)) << value;
                 for (int k = 0; k < n + 2; k++) {
-                    const double expected = k == place ? c.logarithm : k < n ? 3.0 : kGuard;
+                    const double expected = k == place ? logarithm : k < n ? 3.0 : kGuard;
                     const double actual = y[static_cast<std::size_t>(k)];
-                    ASSERT_TRUE(std::isnan(expected) ? std::isnan(actual) : actual == expected)
-                        << c.value << " " << actual;
+                    ASSERT_TRUE(std::isnan(expected) ? std::isnan(actual) : actual == expected) << value << actual;
                 }
             }
-        }
-    }
 }
 
 TEST_P(VectorOfEachKernel, intake_cuts_samples_toward_zero_and_keeps_the_low_16_bits) {
-    const std::pair<double, int> cases[] = {{1.9, 1},
-                                            {-1.9, -1},
-                                            {-0.5, 0},
-                                            {32767.9, 32767},
-                                            {32768.0, -32768},
-                                            {-32769.0, 32767},
-                                            {65536.0, 0},
-                                            {-65537.5, -1},
-                                            {2147483647.5, -1},
-                                            {2147483648.0, 0},
-                                            {-2147483649.0, -1},
-                                            {0x1p40 + 5.0, 5},
-                                            {-0x1p40 - 5.0, -5},
-                                            {0x1p62, 0},
-                                            {0x1p52 + 3.0, 3},
-                                            {0x1p63, 0},
-                                            {-0x1p63, 0},
-                                            {1.5e300, 0},
-                                            {kInf, 0},
-                                            {-kInf, 0},
-                                            {kNan, 0}};
-    for (const auto& [value, expected] : cases) {
-        for (const int n : kLengths) {
+    // clang-format off
+    const std::pair<double, int> cases[] = {
+        {1.9, 1}, {-1.9, -1}, {-0.5, 0}, {32767.9, 32767}, {32768.0, -32768}, {-32769.0, 32767}, {65536.0, 0},
+        {-65537.5, -1}, {2147483647.5, -1}, {2147483648.0, 0}, {-2147483649.0, -1}, {0x1p40 + 5.0, 5},
+        {-0x1p40 - 5.0, -5}, {0x1p62, 0}, {0x1p52 + 3.0, 3}, {0x1p63, 0}, {-0x1p63, 0}, {1.5e300, 0}, {kInf, 0},
+        {-kInf, 0}, {kNan, 0}};
+    // clang-format on
+    for (const auto& [value, expected] : cases)
+        for (const int n : kLengths)
             for (int place = 0; place < n; place++) {
                 Reals i(static_cast<std::size_t>(n), 100.5), q(static_cast<std::size_t>(n), -200.5);
                 i[static_cast<std::size_t>(place)] = value;
@@ -187,8 +149,6 @@ TEST_P(VectorOfEachKernel, intake_cuts_samples_toward_zero_and_keeps_the_low_16_
                 }
                 ASSERT_TRUE(iq[2 * static_cast<std::size_t>(n)] == 9 && iq.back() == 9);
             }
-        }
-    }
 }
 
 TEST_P(VectorOfEachKernel, intake_sums_subtracts_and_fans_out_pairs) {
@@ -209,11 +169,9 @@ TEST_P(VectorOfEachKernel, intake_sums_subtracts_and_fans_out_pairs) {
         EXPECT_EQ(1, iq.back());
         Complexes cplx(static_cast<std::size_t>(n) + 1, kGuard);
         Reals i = guarded(n), q = guarded(n);
-        EXPECT_EQ(kelpStsNoErr, kelpsFanOut_16s64f(iq.data(), cplx.data(), i.data(), q.data(), n));
-        expectVector(
-            i, n, [](int k) { return 6.0 * k - 32768.0; }, "I");
-        expectVector(
-            q, n, [](int k) { return -10.0 * k - 12.0; }, "Q");
+        const KelpStatus status = kelpsFanOut_16s64f(iq.data(), cplx.data(), i.data(), q.data(), n);
+        expectVector(status, i, n, [](int k) { return 6.0 * k - 32768.0; });
+        expectVector(status, q, n, [](int k) { return -10.0 * k - 12.0; });
         for (std::size_t k = 0; k < cplx.size(); k++)
             EXPECT_EQ(k + 1 < cplx.size() ? Kelp64fc(i[k], q[k]) : kGuard, cplx[k]);
     }
@@ -232,13 +190,11 @@ TEST(Vector, last_pair_that_is_not_zero_is_found_by_either_part) {
 }
 
 TEST(Vector, max_order_counts_the_bits_of_the_largest_size) {
-    const std::pair<std::vector<Kelp32s>, int> cases[] = {{{0}, 0},
-                                                          {{1}, 1},
-                                                          {{4095}, 12},
-                                                          {{4096}, 13},
-                                                          {{0, -4096, 3}, 13},
-                                                          {{2147483647}, 31},
-                                                          {{-2147483647 - 1}, 32}};
+    // clang-format off
+    const std::pair<std::vector<Kelp32s>, int> cases[] = {
+        {{0}, 0}, {{1}, 1}, {{4095}, 12}, {{4096}, 13}, {{0, -4096, 3}, 13}, {{2147483647}, 31},
+        {{-2147483647 - 1}, 32}};
+    // clang-format on
     for (const auto& [values, expected] : cases) {
         int order = -1;
         EXPECT_EQ(kelpStsNoErr, kelpsMaxOrder_32s(values.data(), static_cast<int>(values.size()), &order));
