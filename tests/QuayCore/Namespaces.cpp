@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <tuple>
 
 #include "CoreStart.h"
 #include "Exceptions.h"
@@ -32,28 +33,17 @@ TEST(Namespaces, FindByPlainNestedAbsoluteAndBrokenPaths) {
     ASSERT_TRUE(root.Add(".TestTree.a_1.leaf", deep));
     auto* tree = dynamic_cast<INamespace*>(root.Find("TestTree"));
     ASSERT_NE(tree, nullptr);
-    struct Case {
-        INamespace* from;
-        const char* path;
-        IInterface* expected;
-    };
-    const Case cases[] = {
-        {&root, "TestTop", top},
-        {&root, "TestTree.a_1.leaf", deep},
-        {tree, "a_1.leaf", deep},
-        {tree, ".TestTop", top},
-        {tree, "..TestTree.a_1.leaf", deep},
-        {tree, "TestTop", nullptr},  // names don't reach upwards
-        {&root, "", nullptr},
-        {&root, ".", nullptr},
-        {&root, "TestTop.more", nullptr},  // a value has nothing below it
-        {&root, "TestTop.", top},
-        {&root, "TestTree.b.leaf", nullptr},
-        {&root, "TestTree.a", nullptr},    // no part of a name is enough
-        {&root, "TestTree-TestTop", top},  // what stands behind the name starts at the root again
-    };
-    for (const Case& one : cases)
-        EXPECT_EQ(one.from->Find(one.path), one.expected) << one.path;
+    // Names don't reach upwards; a value has nothing below it; no part of a name is enough; what stands behind a name
+    // starts at the root again.
+    // clang-format off
+    const std::tuple<INamespace*, const char*, IInterface*> cases[] = {
+        {&root, "TestTop", top}, {&root, "TestTree.a_1.leaf", deep}, {tree, "a_1.leaf", deep}, {tree, ".TestTop", top},
+        {tree, "..TestTree.a_1.leaf", deep}, {tree, "TestTop", nullptr}, {&root, "", nullptr}, {&root, ".", nullptr},
+        {&root, "TestTop.more", nullptr}, {&root, "TestTop.", top}, {&root, "TestTree.b.leaf", nullptr},
+        {&root, "TestTree.a", nullptr}, {&root, "TestTree-TestTop", top}};
+    // clang-format on
+    for (const auto& [from, path, expected] : cases)
+        EXPECT_EQ(from->Find(path), expected) << path;
 
     std::string rest = "a-1.b";
     EXPECT_EQ(root.CutName(rest), "a");
@@ -160,20 +150,17 @@ TEST(ValueReferences, InTemplatesAreExpandedFromTheLastToTheFirst) {
     space->Add("number2", new Value("$(Test.number)"));
     space->Add("part", new Value("number"));
     const std::pair<const char*, const char*> cases[] = {
-        {"$(Test.number)", "42"},
-        {"a$(Test.number)b$(Test.plain)c", "a42btextc"},
-        {"[$(Test.empty)]", "[]"},
+        // clang-format off
+        {"$(Test.number)", "42"}, {"a$(Test.number)b$(Test.plain)c", "a42btextc"}, {"[$(Test.empty)]", "[]"},
         {"$(No.Such.Value) ${1}", "$(No.Such.Value) ${1}"},
-        {"$(Test)", "$(Test)"},  // a namespace is no value
-        {"$(Services)", "$(Services)"},
-        {"x $(Test.number", "x 42"},            // no closing parenthesis: the name runs to the end
-        {"$($(Test.number)", "$(42"},           // the inner one first, then the name "42"
-        {"$(Test.$(Test.part))", "42"},         // the inner one completes the outer one
-        {"$(Test.number2)", "$(Test.number)"},  // what was put in is not searched again
-        {"$(.Test.number)$()$", "42$()$"},
-        {"$$(Test.number)", "$42"},
-        {"$(", "$("},
-    };
+        // A namespace is no value.
+        {"$(Test)", "$(Test)"}, {"$(Services)", "$(Services)"},
+        // No closing parenthesis: the name runs to the end. The inner one first, then the name "42".
+        {"x $(Test.number", "x 42"}, {"$($(Test.number)", "$(42"},
+        // The inner one completes the outer one; what was put in is not searched again.
+        {"$(Test.$(Test.part))", "42"}, {"$(Test.number2)", "$(Test.number)"},
+        {"$(.Test.number)$()$", "42$()$"}, {"$$(Test.number)", "$42"}, {"$(", "$("}};
+    // clang-format on
     for (const auto& [text, expected] : cases)
         EXPECT_EQ(Common::Format(text).Text(), expected) << text;
     EXPECT_EQ((Common::Format("${1}") % "$(Test.number)").Text(), "$(Test.number)") << "arguments are not expanded";

@@ -72,6 +72,13 @@ TEST_F(Services, LiveFromTheFirstQueryToTheLastRelease) {
     EXPECT_EQ(events, "+a -a ");
     domain.Release("a");  // one too many
     EXPECT_EQ(domain.Find("a"), nullptr);
+    domain.Query("a");
+    domain.Register("a", std::make_shared<Maker<IService>>([] { return new Probe("second", {}); }));
+    domain.Release("a");
+    domain.Query("a");
+    EXPECT_EQ(events, "+a -a +a -a +second ") << "what a replaced creator made goes the way it came";
+    domain.Unregister("a");
+    EXPECT_FALSE(domain.IsRegistered("a"));
 }
 
 TEST_F(Services, HoldWhatTheyQueryUntilTheyGo) {
@@ -110,8 +117,8 @@ TEST_F(Services, ThatComeBackToTheirOwnNameAreRefused) {
     const std::string where = " in Core::ServiceDomain::CreateHolder";
     EXPECT_EQ(LocatedText([&] { domain.Query("self"); }), "Circular dependance detected! Please check self" + where);
     EXPECT_EQ(events, "+self +helper -helper -self ") << "nothing is left behind";
-    EXPECT_EQ(LocatedText([&] { domain.Query("y"); }), "Circular dependance detected! Please check y" + where);
-    EXPECT_EQ(LocatedText([&] { domain.Query("y"); }), "Circular dependance detected! Please check y" + where);
+    for (int attempt = 0; attempt < 2; ++attempt)
+        EXPECT_EQ(LocatedText([&] { domain.Query("y"); }), "Circular dependance detected! Please check y" + where);
     EXPECT_EQ(domain.GetServices()->Next(), nullptr);
     Offer(domain, "y");
     EXPECT_NE(domain.Query("x"), nullptr) << "mended by the later registration";
@@ -187,18 +194,6 @@ TEST_F(Services, OfOuterAndInnerDomainsAreReachedThroughEachOther) {
     low.Attach(high);
     EXPECT_NE(LocatedText([&] { high.Attach(low); }), "nothing thrown") << "a ring of domains would ask for ever";
     low.Detach();
-}
-
-TEST_F(Services, MadeByAReplacedCreatorGoTheWayTheyCame) {
-    ServiceDomain domain;
-    Offer(domain, "a");
-    domain.Query("a");
-    domain.Register("a", std::make_shared<Maker<IService>>([] { return new Probe("second", {}); }));
-    domain.Release("a");
-    domain.Query("a");
-    EXPECT_EQ(events, "+a -a +second ");
-    domain.Unregister("a");
-    EXPECT_FALSE(domain.IsRegistered("a"));
 }
 
 TEST(StartUp, LeavesTheServiceDomainAndNoLogDevice) {

@@ -26,60 +26,40 @@ using namespace Core;
 using Support::LocatedText;
 using namespace TestTypes;
 
+/// What a value shows that started as `start` and read a text; nothing for a text that it mustn't take.
 template <ValueType T>
-std::string Read(const std::string& text, T start) {
-    TypedValue<T> value(start);
-    const bool taken = value.FromString(text);
-    return (taken ? "read " : "kept ") + value.ToString();
+void ExpectReads(const T& start, std::initializer_list<std::pair<const char*, const char*>> cases) {
+    const std::string before = TypedValue<T>(start).ToString();
+    for (const auto& [text, shown] : cases) {
+        TypedValue<T> value(start);
+        EXPECT_EQ(value.FromString(text), shown != nullptr) << text;
+        EXPECT_EQ(value.ToString(), shown ? shown : before) << text;
+    }
 }
 
 TEST(Values, ReadTheWholeTextOrKeepWhatTheyHad) {
-    const std::tuple<std::string, std::string> cases[] = {
-        {Read("0x10", 1), "read 16"},
-        {Read("16", 1), "read 16"},
-        {Read("16 ", 1), "kept 1"},
-        {Read("0xfF", 1), "read 255"},
-        {Read("-0x10", 1), "kept 1"},
-        {Read("0x", 1), "kept 1"},
-        {Read("", 1), "kept 1"},
-        {Read("2147483648", 1), "kept 1"},
-        {Read("-2147483648", 1), "read -2147483648"},
-        {Read("-9223372036854775808", 1LL), "read -9223372036854775808"},
-        {Read("18446744073709551615", 1ULL), "read 18446744073709551615"},
-        {Read("65", 'a'), "read 65"},
-        {Read("-128", '\1'), "read -128"},
-        {Read("128", '\1'), "kept 1"},
-        {Read("A", '\1'), "kept 1"},
-        {Read("255", static_cast<unsigned char>(1)), "read 255"},
-        {Read("256", static_cast<unsigned char>(1)), "kept 1"},
-        {Read("32768", static_cast<short>(1)), "kept 1"},
-        {Read("true", false), "read true"},
-        {Read("1", false), "kept false"},
-        {Read("truer", false), "kept false"},
-        {Read("1e6", 0.5), "read 1e+06"},
-        {Read("3.14159265", 0.5), "read 3.14159"},
-        {Read("0x10", 0.5), "kept 0.5"},
-        {Read("2.5dB", 0.5), "kept 0.5"},
-        {Read("", std::string("old")), "read "},
-        {Read("Amber", red), "read Amber"},
-        {Read("amber", red), "kept Red"},
-        {Read("warm", red), "read Amber"},
-        {Read("", red), "kept Red"},
-        {Read("{}", std::set<Value>{Value(1)}), "kept "}};
-    for (std::size_t index = 0; index < std::size(cases); ++index)
-        EXPECT_EQ(std::get<0>(cases[index]), std::get<1>(cases[index])) << "case " << index;
+    constexpr const char* kept = nullptr;
+    // clang-format off
+    ExpectReads(1, {{"0x10", "16"}, {"16", "16"}, {"16 ", kept}, {"0xfF", "255"}, {"-0x10", kept}, {"0x", kept},
+                    {"", kept}, {"2147483648", kept}, {"-2147483648", "-2147483648"}});
+    ExpectReads(1LL, {{"-9223372036854775808", "-9223372036854775808"}});
+    ExpectReads(1ULL, {{"18446744073709551615", "18446744073709551615"}});
+    ExpectReads('\1', {{"65", "65"}, {"-128", "-128"}, {"128", kept}, {"A", kept}});
+    ExpectReads(static_cast<unsigned char>(1), {{"255", "255"}, {"256", kept}});
+    ExpectReads(static_cast<short>(1), {{"32768", kept}});
+    ExpectReads(false, {{"true", "true"}, {"1", kept}, {"truer", kept}});
+    ExpectReads(0.5, {{"1e6", "1e+06"}, {"3.14159265", "3.14159"}, {"0x10", kept}, {"2.5dB", kept}});
+    ExpectReads(std::string("old"), {{"", ""}});
+    ExpectReads(red, {{"Amber", "Amber"}, {"amber", kept}, {"warm", "Amber"}, {"", kept}});
+    ExpectReads(std::set<Value>{Value(1)}, {{"{}", kept}});
+    // clang-format on
     EXPECT_EQ(TypedValue<EColour>(noColour).ToString(), "");
 }
 
 TEST(Values, OfDifferentTypesCompareAndAssignThroughTheirTexts) {
     const Value colour(amber), number(9), text("9"), name("warm"), shortNumber(static_cast<short>(9)), empty;
-    struct Case {
-        const Value& left;
-        const Value& right;
-        bool equal;
-        bool less;
-    };
-    const Case cases[] = {
+    const std::tuple<Value, Value, bool, bool> cases[] = {
+        // equal, less
         {number, shortNumber, true, false},  // "9" and "9"
         {number, text, true, false},
         {colour, name, true, false},        // the text names the member
@@ -91,9 +71,9 @@ TEST(Values, OfDifferentTypesCompareAndAssignThroughTheirTexts) {
         {Value(red), Value("Blue"), false, true},
         {number, empty, false, true},  // a null sorts by the operation's own rule
     };
-    for (const Case& one : cases) {
-        EXPECT_EQ(one.left.Get()->Equals(one.right.Get()), one.equal) << one.left.ToString() << one.right.ToString();
-        EXPECT_EQ(one.left.Get()->LessThan(one.right.Get()), one.less) << one.left.ToString() << one.right.ToString();
+    for (const auto& [left, right, equal, less] : cases) {
+        EXPECT_EQ(left.Get()->Equals(right.Get()), equal) << left.ToString() << right.ToString();
+        EXPECT_EQ(left.Get()->LessThan(right.Get()), less) << left.ToString() << right.ToString();
     }
     EXPECT_TRUE(empty < number && !(number < empty) && !(empty < empty)) << "an empty handle sorts first";
 
@@ -157,10 +137,10 @@ TEST(Values, OfAnotherTypeAreRefusedWithALoggedException) {
     printer->AddDevice("test", &log);
     Value text("5");
     const Value other = text;
-    EXPECT_EQ(LocatedText([&] { text.GetRef<int>(); }), "Incompatible value type in Core::Value::GetRef");
-    EXPECT_EQ(LocatedText([&] { Value().GetRef<int>(); }), "Incompatible value type in Core::Value::GetRef");
-    EXPECT_EQ(LocatedText([&] { text.GetMutableRef<long>(); }),
-              "Incompatible value type in Core::Value::GetMutableRef");
+    const std::string where = "Incompatible value type in Core::Value::Get";
+    EXPECT_EQ(LocatedText([&] { text.GetRef<int>(); }), where + "Ref");
+    EXPECT_EQ(LocatedText([&] { Value().GetRef<int>(); }), where + "Ref");
+    EXPECT_EQ(LocatedText([&] { text.GetMutableRef<long>(); }), where + "MutableRef");
     EXPECT_EQ(text.ToString(), "5");
     printer->RemoveDevice("test");
     EXPECT_EQ(log.lines, std::vector<std::string>(3, "Incompatible value type"));
@@ -174,23 +154,13 @@ TEST(Values, AreMadeFromDescriptions) {
         const std::unique_ptr<IValue> value(factory.Create(description));
         return value ? "'" + value->ToString() + "'" : "null";
     };
+    // clang-format off
     const std::pair<const char*, const char*> cases[] = {
-        {"{int:5}", "'5'"},
-        {"{nosuch:5}", "null"},
-        {"int", "'0'"},
-        {"{int}", "'0'"},
-        {"{int:}", "'0'"},
-        {"{int:x}", "'0'"},
-        {"{string:a:b}", "'a:b'"},
-        {"int:5", "null"},
-        {"{", "null"},
-        {"{}", "null"},
-        {"", "null"},
-        {"{Colour:warm}", "'Amber'"},
-        {"{uint8:0xff}", "'255'"},
-        {"{int8:-1}", "'-1'"},
-        {"{uint64:0xFFFFFFFFFFFFFFFF}", "'18446744073709551615'"},
-    };
+        {"{int:5}", "'5'"}, {"{nosuch:5}", "null"}, {"int", "'0'"}, {"{int}", "'0'"}, {"{int:}", "'0'"},
+        {"{int:x}", "'0'"}, {"{string:a:b}", "'a:b'"}, {"int:5", "null"}, {"{", "null"}, {"{}", "null"}, {"", "null"},
+        {"{Colour:warm}", "'Amber'"}, {"{uint8:0xff}", "'255'"}, {"{int8:-1}", "'-1'"},
+        {"{uint64:0xFFFFFFFFFFFFFFFF}", "'18446744073709551615'"}};
+    // clang-format on
     for (const auto& [description, expected] : cases)
         EXPECT_EQ(made(description), expected) << description;
     EXPECT_TRUE(factory.IsKnown("{int:5}"));
