@@ -23,35 +23,17 @@ struct Size {
     std::size_t texts;
 };
 
-constexpr Size sizes[] = {{"Wifi.Band", 3, 6},
-                          {"Wifi.BandWidth", 20, 40},
-                          {"Wifi.BandWidthMode", 5, 5},
-                          {"Wifi.ControlChannel", 16, 16},
-                          {"Wifi.Rate", 12 + 24 + 10 + 16 + 16, 2 * 12 + 24 + 10 + 16 + 16},
-                          {"Wifi.Modulation", 6, 6},
-                          {"Wifi.TransmissionMode", 5, 5},
-                          {"Wifi.Antenna", 7, 7},
-                          {"Wifi.AntennaDiversity", 3, 6},
-                          {"Wifi.WorkMode", 5, 10},
-                          {"Wifi.PowerMode", 2, 4},
-                          {"Wifi.SendPacketsMode", 3, 6},
-                          {"Wifi.FreqMode", 2, 2},
-                          {"Wifi.Tx.PaCoreMode", 5, 5},
-                          {"Wifi.RegulatoryState", 2, 2},
-                          {"Wifi.ResourceUnit", 10, 19},
-                          {"Wifi.GuardInterval", 3, 6},
-                          {"Wifi.LTF", 3, 6},
-                          {"Wifi.LpiMode", 3, 3},
-                          {"Wifi.MCC", 26 * 26, 26 * 26},
-                          {"BT.AntennaDiversity", 2, 2},
-                          {"BT.BT5Mode", 4, 8},
-                          {"BT.PowerMode", 2, 2},
-                          {"CsLePhy", 2, 2},
-                          {"CsMode", 4, 4},
-                          {"BT.Gap", 4, 8},
-                          {"BT.Pattern", 8, 16},
-                          {"BT.PacketType", 12, 24},
-                          {"BT.WorkMode", 11, 20}};
+// clang-format off
+constexpr Size sizes[] = {
+    {"Wifi.Band", 3, 6}, {"Wifi.BandWidth", 20, 40}, {"Wifi.BandWidthMode", 5, 5}, {"Wifi.ControlChannel", 16, 16},
+    {"Wifi.Rate", 12 + 24 + 10 + 16 + 16, 2 * 12 + 24 + 10 + 16 + 16}, {"Wifi.Modulation", 6, 6},
+    {"Wifi.TransmissionMode", 5, 5}, {"Wifi.Antenna", 7, 7}, {"Wifi.AntennaDiversity", 3, 6}, {"Wifi.WorkMode", 5, 10},
+    {"Wifi.PowerMode", 2, 4}, {"Wifi.SendPacketsMode", 3, 6}, {"Wifi.FreqMode", 2, 2}, {"Wifi.Tx.PaCoreMode", 5, 5},
+    {"Wifi.RegulatoryState", 2, 2}, {"Wifi.ResourceUnit", 10, 19}, {"Wifi.GuardInterval", 3, 6}, {"Wifi.LTF", 3, 6},
+    {"Wifi.LpiMode", 3, 3}, {"Wifi.MCC", 26 * 26, 26 * 26}, {"BT.AntennaDiversity", 2, 2}, {"BT.BT5Mode", 4, 8},
+    {"BT.PowerMode", 2, 2}, {"CsLePhy", 2, 2}, {"CsMode", 4, 4}, {"BT.Gap", 4, 8}, {"BT.Pattern", 8, 16},
+    {"BT.PacketType", 12, 24}, {"BT.WorkMode", 11, 20}};
+// clang-format on
 
 TEST(Enumerations, AreWalkedBothWaysByNameWithoutAMemberOrTextMissing) {
     ValueFactory& factory = ValueFactory::Instance();
@@ -75,9 +57,9 @@ TEST(Enumerations, AreWalkedBothWaysByNameWithoutAMemberOrTextMissing) {
         ASSERT_NE(read, nullptr);
         std::set<std::string> shown;
         for (const Core::Value& member : members) {
-            EXPECT_TRUE(read->FromString(member.ToString())) << size.typeName << " " << member.ToString();
-            EXPECT_TRUE(read->Equals(member.Get())) << size.typeName << " " << member.ToString();
-            EXPECT_TRUE(shown.insert(member.ToString()).second) << size.typeName << " " << member.ToString();
+            const std::string text = member.ToString();
+            EXPECT_TRUE(read->FromString(text) && read->Equals(member.Get())) << size.typeName << " " << text;
+            EXPECT_TRUE(shown.insert(text).second) << size.typeName << " " << text;
         }
         for (const std::string& text : texts) {
             EXPECT_FALSE(text.empty()) << size.typeName;
@@ -110,12 +92,11 @@ TEST(Enumerations, OfWidthsCarryTheirTextInTheirBits) {
         EXPECT_EQ(value, whole | control << 5 | partial << 10 | duplicated << 11) << text;
         const std::string brief = text.substr(0, text.find(' ')) + (duplicated ? "dup" : "");
         EXPECT_EQ(Read<Wifi::EBandWidth>(brief), value);
-        EXPECT_EQ(static_cast<int>(GetBaseWidth(static_cast<Wifi::EBandWidth>(value))), whole * 33) << text;
         const auto width = static_cast<Wifi::EBandWidth>(value);
-        const int mhz = partial ? second : first;
+        EXPECT_EQ(static_cast<int>(GetBaseWidth(width)), whole * 33) << text;
         EXPECT_EQ(10 * IsWidth10(width) + 20 * IsWidth20(width) + 40 * IsWidth40(width) + 80 * IsWidth80(width) +
                       160 * IsWidth160(width) + 320 * IsWidth320(width),
-                  mhz);
+                  partial ? second : first);
     }
 }
 
@@ -130,6 +111,7 @@ TEST(Enumerations, WithARuleFollowIt) {
         EXPECT_EQ(Shown<Wifi::EAntenna>(mask), chains);
     }
     using Wifi::ERate;
+    bool (*const haveStreams[])(ERate) = {Wifi::IsHtOneStreamRate, Wifi::IsHtTwoStreamRate, Wifi::IsHtThreeStreamRate};
     int legacy = 0, ht = 0, streams[3] = {};
     for (int value = -1; value <= 80; ++value) {
         const ERate rate{value};
@@ -141,10 +123,7 @@ TEST(Enumerations, WithARuleFollowIt) {
         legacy += IsLegacyRate(rate);
         ht += IsHtRate(rate);
         for (int count = 0; count < 3; ++count)  // HT0 to HT7 have one stream, HT8 to HT15 two
-            streams[count] += (count == 0   ? IsHtOneStreamRate(rate)
-                               : count == 1 ? IsHtTwoStreamRate(rate)
-                                            : IsHtThreeStreamRate(rate)) &&
-                              std::stoi(text.substr(2)) / 8 == count;
+            streams[count] += haveStreams[count](rate) && std::stoi(text.substr(2)) / 8 == count;
     }
     EXPECT_TRUE(legacy == 12 && ht == 24 && streams[0] == 8 && streams[1] == 8 && streams[2] == 8);
     const std::pair<int, const char*> rates[] = {
@@ -152,17 +131,14 @@ TEST(Enumerations, WithARuleFollowIt) {
         {48, "HE0_DCM"}, {51, "HE2"},   {52, "HE3"},     {62, "HE11"}, {63, "EHT0"}, {78, "EHT15"}};
     for (const auto& [value, text] : rates)
         EXPECT_EQ(Shown<ERate>(value), text);
-    EXPECT_EQ(Read<ERate>("HE2_DCM"), -999);
-    EXPECT_EQ(Read<ERate>(""), -999);
+    EXPECT_TRUE(Read<ERate>("HE2_DCM") == -999 && Read<ERate>("") == -999);
 }
 
 TEST(Enumerations, ShowTheFirstTextAndReadAll) {
-    using namespace BackEnd;
     EXPECT_EQ(shownBeforeMain, "5 GHz");
     EXPECT_EQ(Shown<Wifi::EBand>(3), "");
-    EXPECT_EQ(Read<Wifi::EBand>("6-7"), 2);
-    EXPECT_EQ(Read<Wifi::EBand>("6-7 GHz"), 2);
-    EXPECT_EQ(Read<Wifi::EBand>("6-7 ghz"), -999);
+    for (const auto& [text, value] : {std::pair{"6-7", 2}, {"6-7 GHz", 2}, {"6-7 ghz", -999}})
+        EXPECT_EQ(Read<Wifi::EBand>(text), value) << text;
     EXPECT_EQ(Shown<Wifi::EFreqMode>(1), " KHz");
     EXPECT_EQ(Read<Wifi::EPowerMode>("Automatic driver settings"), 2);
     EXPECT_EQ(Shown<Wifi::EPowerMode>(2), "Wifi.DriverControl");
@@ -172,8 +148,7 @@ TEST(Enumerations, ShowTheFirstTextAndReadAll) {
     EXPECT_EQ(Shown<Bluetooth::EMode>(14), "Bluetooth Low Energy Modulated Tx (With Hopping)");
     EXPECT_EQ(Read<Bluetooth::EMode>("Bluetooth Low Energy Modulated Tx (With Hopping)"), 14);
     const Core::Value band(Wifi::EBand{1});
-    EXPECT_TRUE(band.Get()->Equals(Core::Value("5").Get()));
-    EXPECT_FALSE(band.Get()->Equals(Core::Value("2.4").Get()));
+    EXPECT_TRUE(band.Get()->Equals(Core::Value("5").Get()) && !band.Get()->Equals(Core::Value("2.4").Get()));
 }
 
 }  // namespace
