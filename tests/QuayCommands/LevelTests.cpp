@@ -22,60 +22,45 @@ TEST(Levels, AToneReadsItsLevelAtEveryGainAndOnEveryChannelOfTheDefaultAdapter) 
         {2, 0, {1, 69, 233}, 5950},        {2, 1, {3, 227}, 5950},   {2, 2, {7, 215}, 5950},
         {2, 3, {15, 207}, 5950},           {2, 4, {31, 191}, 5950},
     };
-    const Folder folder;
-    for (const auto& c : cases) {
+    for (const auto& c : cases)
         for (const auto channel : c.channels) {
-            const double centre = c.startMhz + 5.0 * channel;
-            const auto scene =
-                folder.Write("tone.json", "{\"tones\": [{\"frequency_mhz\": " + std::to_string(centre + 2.5) +
-                                              ", \"level_dbm\": -60}]}");
-            UseRadio("samples=4096", "sim:" + scene);
-            for (std::uint32_t gain = 0; gain <= 5; ++gain) {
+            UseScene(Tone(c.startMhz + 5.0 * channel + 2.5, -60), "samples=4096");
+            for (std::uint32_t gain = 0; gain <= 5; ++gain)
                 for (std::uint32_t preLna = 0; preLna <= 1; ++preLna) {
                     const Tuning tuning{c.band, c.bandwidth, channel, 3, preLna, gain};
                     const auto chains = Capture(tuning);
                     ASSERT_EQ(chains.size(), 2u);
-                    const double rate = RateMhz(c.bandwidth);
-                    EXPECT_NEAR(TonePowerDb(chains[0], 2.5, rate) - GainDb(tuning, "A"), -60.0, 0.5)
-                        << c.band << " " << c.bandwidth << " " << channel << " gain " << gain << preLna;
-                    EXPECT_NEAR(TonePowerDb(chains[1], 2.5, rate) - GainDb(tuning, "B"), -60.0, 0.5)
-                        << c.band << " " << c.bandwidth << " " << channel << " gain " << gain << preLna;
+                    for (const std::size_t chain : {0u, 1u})
+                        EXPECT_NEAR(ToneDbm(chains[chain], 2.5, tuning, chain == 0 ? "A" : "B"), -60.0, 0.5)
+                            << c.band << " " << c.bandwidth << " " << channel << " gain " << gain << preLna;
                 }
-            }
         }
-    }
 }
 
 TEST(Levels, AToneHasTheAmplitudeOfTheHandWorkedGain) {
     // Chain A, 2.4 GHz, channel 6: 124 + 0.0401 * 6 - 1.9574 = 122.2832 dB, so -60 dBm are 10^(62.2832 / 20) codes.
-    const Folder folder;
-    UseRadio("", "sim:" + folder.Write("t.json", R"({"tones": [{"frequency_mhz": 2439.5, "level_dbm": -60}]})"));
+    UseScene(Tone(2439.5, -60));
     const auto x = Capture({}).at(0);
     EXPECT_NEAR(std::abs(ToneOf(x, 2.5 / 40.0, 0, x.size())), 1300.65, 3.0);
 }
 
 TEST(Levels, ASingleChainBUsesTheGainOfChainB) {
-    const Folder folder;
-    UseRadio("", "sim:" + folder.Write("t.json", R"({"chain_offsets_db": [0, -7],
-        "tones": [{"frequency_mhz": 2439.5, "level_dbm": -60, "chain_offsets_db": [1, 2]}]})"));
-    const Tuning a{0, 0, 6, 1}, b{0, 0, 6, 2};
-    EXPECT_NEAR(TonePowerDb(Capture(a).at(0), 2.5, 40.0) - GainDb(a, "A"), -59.0, 0.2);
-    EXPECT_NEAR(TonePowerDb(Capture(b).at(0), 2.5, 40.0) - GainDb(b, "B"), -65.0, 0.2);
+    UseScene(R"({"chain_offsets_db": [0, -7],
+        "tones": [{"frequency_mhz": 2439.5, "level_dbm": -60, "chain_offsets_db": [1, 2]}]})");
+    EXPECT_NEAR(ToneDbm(Capture({0, 0, 6, 1}).at(0), 2.5, {}, "A"), -59.0, 0.2);
+    EXPECT_NEAR(ToneDbm(Capture({0, 0, 6, 2}).at(0), 2.5, {}, "B"), -65.0, 0.2);
 }
 
 TEST(Levels, TheNoiseFloorIsThermalNoiseAndTheFigureAtEachRateAndGain) {
-    const Folder folder;
-    UseRadio("", "sim:" + folder.Write("n.json", R"({"noise_figure_db": [6, 9]})"));
+    UseScene(R"({"noise_figure_db": [6, 9]})");
     for (const std::uint32_t bandwidth : {0u, 2u, 4u}) {
         for (const std::uint32_t internalGain : {0u, 5u}) {
             const Tuning tuning{2, bandwidth, bandwidth == 0 ? 1u : bandwidth == 2 ? 7u : 31u, 3, 0, internalGain};
             const auto chains = Capture(tuning);
             for (const std::size_t chain : {0u, 1u}) {
-                double power = 0.0;
-                for (const auto& x : chains.at(chain))
-                    power += std::norm(x) / static_cast<double>(chains[chain].size());
+                const double power = PowerDb(chains.at(chain), 0, chains[chain].size());
                 const double expected = -174.0 + Db(RateMhz(bandwidth) * 1e6) + (chain == 0 ? 6.0 : 9.0);
-                EXPECT_NEAR(Db(power) - GainDb(tuning, chain == 0 ? "A" : "B"), expected, 0.2) << bandwidth;
+                EXPECT_NEAR(power - GainDb(tuning, chain == 0 ? "A" : "B"), expected, 0.2) << bandwidth;
             }
             // Independent receivers: no common part beyond chance.
             std::complex<double> common;
@@ -111,8 +96,7 @@ TEST(Levels, NoiseIsNormalInItsMomentsAndItsTail) {
 }
 
 TEST(Levels, CodesClipAtSixteenBits) {
-    const Folder folder;
-    UseRadio("", "sim:" + folder.Write("t.json", R"({"tones": [{"frequency_mhz": 2439.5, "level_dbm": -20}]})"));
+    UseScene(Tone(2439.5, -20));
     double low = 0.0, high = 0.0;
     const auto samples = Capture({}).at(0);
     for (const auto& x : samples) {
@@ -125,24 +109,22 @@ TEST(Levels, CodesClipAtSixteenBits) {
 }
 
 TEST(Levels, WhatLiesBeyondTheSpanIsNotFoldedIn) {
-    const Folder folder;
     // All around a receiver that spans 2417 to 2457 MHz, and strong.
-    UseRadio("samples=16384", "sim:" + folder.Write("t.json", R"({
+    UseScene(R"({
         "tones": [{"frequency_mhz": 2416.9, "level_dbm": -50}, {"frequency_mhz": 2458, "level_dbm": -50}],
         "combs": [{"fundamental_mhz": 100, "level_dbm": -40, "rolloff_db_per_decade": 0},
                   {"fundamental_mhz": 617, "level_dbm": -40, "spread_percent": 0.4, "rolloff_db_per_decade": 0}],
         "accessPoints": [{"band": "5.2", "channel": 36, "width_mhz": 20, "level_dbm": -40},
                          {"band": "2.4", "channel": 14, "width_mhz": 20, "level_dbm": -40}],
-        "noise": [{"points": [{"mhz": 2300, "dbm_per_mhz": -60}, {"mhz": 2416, "dbm_per_mhz": -60}]}]})"));
-    const Tuning tuning;
-    EXPECT_NEAR(ChannelPowerDb(Capture(tuning).at(0), 40.0, 40.0) - GainDb(tuning, "A"), -91.0, 0.5);
+        "noise": [{"points": [{"mhz": 2300, "dbm_per_mhz": -60}, {"mhz": 2416, "dbm_per_mhz": -60}]}]})",
+             "samples=16384");
+    EXPECT_NEAR(ChannelPowerDb(Capture({}).at(0), 40.0, 40.0) - GainDb({}, "A"), -91.0, 0.5);
 }
 
 TEST(Levels, ANetworksSkirtsAreNotFoldedToTheFarSideOfTheSpan) {
-    const Folder folder;
     // Channel 9 reaches over the lower end of what channel 13's receiver spans: its skirts lie below, not above.
-    UseRadio("", "sim:" + folder.Write("t.json", R"({"noise_figure_db": 0, "accessPoints": [
-        {"band": "2.4", "channel": 9, "width_mhz": 20, "level_dbm": -40}]})"));
+    UseScene(R"({"noise_figure_db": 0, "accessPoints": [
+        {"band": "2.4", "channel": 9, "width_mhz": 20, "level_dbm": -40}]})");
     const Tuning tuning{0, 0, 13};
     const auto x = Capture(tuning).at(0);
     const auto densityDbm = [&](double lowMhz, double highMhz) {
@@ -158,9 +140,7 @@ TEST(Levels, ANetworksSkirtsAreNotFoldedToTheFarSideOfTheSpan) {
 }
 
 TEST(Levels, AnAccessPointInPartOfTheSpanKeepsOnlyThatPart) {
-    const Folder folder;
-    UseRadio("", "sim:" + folder.Write("t.json", R"({"accessPoints": [
-        {"band": "5.2", "channel": 50, "width_mhz": 160, "level_dbm": -50}]})"));
+    UseScene(R"({"accessPoints": [{"band": "5.2", "channel": 50, "width_mhz": 160, "level_dbm": -50}]})");
     // Channel 36 spans 5160 to 5200 MHz of the 5170 to 5330: 20 MHz in the channel are an eighth of the power.
     const Tuning narrow{1, 0, 36};
     EXPECT_NEAR(ChannelPowerDb(Capture(narrow).at(0), 20.0, 40.0) - GainDb(narrow, "A"), -59.0, 0.6);
@@ -169,44 +149,30 @@ TEST(Levels, AnAccessPointInPartOfTheSpanKeepsOnlyThatPart) {
 }
 
 TEST(Levels, HarmonicsFallOffByDecadesAndKeepTheirPowerWhenSpread) {
-    const Folder folder;
-    UseRadio("", "sim:" + folder.Write("c.json", R"({"combs": [
-        {"fundamental_mhz": 10, "level_dbm": -20, "rolloff_db_per_decade": 20}]})"));
-    const Tuning six;  // 2417 to 2457 MHz: harmonics 242 to 245
-    const auto x = Capture(six).at(0);
+    UseScene(R"({"combs": [{"fundamental_mhz": 10, "level_dbm": -20, "rolloff_db_per_decade": 20}]})");
+    const auto x = Capture({}).at(0);  // 2417 to 2457 MHz: harmonics 242 to 245
     for (const int harmonic : {242, 243, 244, 245})
-        EXPECT_NEAR(TonePowerDb(x, harmonic * 10.0 - 2437.0, 40.0) - GainDb(six, "A"),
-                    -20.0 - 20.0 * std::log10(harmonic), 0.2)
-            << harmonic;
+        EXPECT_NEAR(ToneDbm(x, harmonic * 10.0 - 2437.0, {}), -20.0 - 20.0 * std::log10(harmonic), 0.2) << harmonic;
 
-    UseRadio("", "sim:" + folder.Write("s.json", R"({"combs": [{"fundamental_mhz": 270, "level_dbm": -60,
-        "level_harmonic": 9, "spread_percent": 0.5, "modulation_khz": 31.5}]})"));
-    const auto spread = Capture({0, 0, 4}).at(0);  // centre 2427; the harmonic sweeps from 2417.85 to 2430
-    const double gain = GainDb({0, 0, 4}, "A");
-    EXPECT_NEAR(ChannelPowerDb(spread, 20.0, 40.0) - gain, -60.0, 0.5);
-    EXPECT_LT(TonePowerDb(spread, 3.0, 40.0) - gain, -70.0) << "no line is left at the top of the sweep";
-    // Even in frequency: a quarter of the sweep (3.0375 MHz) holds a quarter of the power.
-    Samples moved(spread.size());
-    for (std::size_t n = 0; n < spread.size(); ++n)  // 2423.925, the middle, to the centre
-        moved[n] = spread[n] * std::polar(1.0, 2.0 * std::numbers::pi * 3.075 / 40.0 * static_cast<double>(n));
-    EXPECT_NEAR(ChannelPowerDb(moved, 6.075, 40.0) - gain, -63.0, 0.6);
+    UseScene(R"({"combs": [{"fundamental_mhz": 270, "level_dbm": -60,
+        "level_harmonic": 9, "spread_percent": 0.5, "modulation_khz": 31.5}]})");
+    const Tuning four{0, 0, 4};  // centre 2427; the harmonic sweeps from 2417.85 to 2430
+    const auto spread = Capture(four).at(0);
+    EXPECT_NEAR(ChannelPowerDb(spread, 20.0, 40.0) - GainDb(four, "A"), -60.0, 0.5);
+    EXPECT_LT(ToneDbm(spread, 3.0, four), -70.0) << "no line is left at the top of the sweep";
+    // Even in frequency: around its middle, 2423.925, half of the sweep's 12.15 MHz holds half of the power.
+    EXPECT_NEAR(ChannelPowerDb(Retuned(spread, -3.075, 40.0), 6.075, 40.0) - GainDb(four, "A"), -63.0, 0.6);
 }
 
 TEST(Levels, ShapedNoiseHasItsDensityInItsPlace) {
-    const Folder folder;
-    UseRadio("", "sim:" + folder.Write("n.json", R"({"noise": [{"points": [
-        {"mhz": 2427, "dbm_per_mhz": -80}, {"mhz": 2447, "dbm_per_mhz": -80}]}]})"));
-    const Tuning tuning;
-    const auto x = Capture(tuning).at(0);
-    EXPECT_NEAR(ChannelPowerDb(x, 40.0, 40.0) - GainDb(tuning, "A"), -67.0, 0.2);
-    EXPECT_NEAR(ChannelPowerDb(x, 10.0, 40.0) - GainDb(tuning, "A"), -69.85, 0.3);  // 33 bins of 0.3125 MHz
+    UseScene(R"({"noise": [{"points": [{"mhz": 2427, "dbm_per_mhz": -80}, {"mhz": 2447, "dbm_per_mhz": -80}]}]})");
+    const auto x = Capture({}).at(0);
+    const double gain = GainDb({}, "A");
+    EXPECT_NEAR(ChannelPowerDb(x, 40.0, 40.0) - gain, -67.0, 0.2);
+    EXPECT_NEAR(ChannelPowerDb(x, 10.0, 40.0) - gain, -69.85, 0.3);  // 33 bins of 0.3125 MHz
     // As strong in each stretch of the capture: no trace of the blocks it is made of.
-    for (std::size_t first = 0; first + 8192 <= x.size(); first += 8192) {
-        double power = 0.0;
-        for (std::size_t n = first; n < first + 8192; ++n)
-            power += std::norm(x[n]) / 8192.0;
-        EXPECT_NEAR(Db(power) - GainDb(tuning, "A"), -67.0, 0.5) << first;
-    }
+    for (std::size_t first = 0; first + 8192 <= x.size(); first += 8192)
+        EXPECT_NEAR(PowerDb(x, first, 8192) - gain, -67.0, 0.5) << first;
 }
 
 }  // namespace

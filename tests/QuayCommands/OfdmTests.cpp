@@ -1,8 +1,8 @@
 // The frames are 802.11 OFDM: found by their structure, as a receiver would.
 #include "TestRadio.h"
 
-#include <algorithm>
 #include <numeric>
+#include <set>
 
 #include "Air/Scene/Ofdm.h"
 
@@ -11,29 +11,28 @@ using namespace radiotest;
 namespace {
 
 /// One access point alone, far above the noise, heard on its own channel.
-Samples OneNetwork(const Folder& folder, const Tuning& tuning, const std::string& fields) {
+Samples OneNetwork(const Tuning& tuning, const std::string& fields) {
     const char* bands[] = {"2.4", "5.2", "6-7"};
     const auto text = "{\"noise_figure_db\": 0, \"accessPoints\": [{\"band\": \"" + std::string(bands[tuning.band]) +
                       "\", \"channel\": " + std::to_string(tuning.channel) +
                       ", \"width_mhz\": " + std::to_string(20 << tuning.bandwidth) + ", \"level_dbm\": -50" + fields +
                       "}]}";
-    UseRadio("", "sim:" + folder.Write("one.json", text));
+    UseScene(text);
     return Capture(tuning).at(0);
 }
 
-/// Where frames begin: the first sample of each stretch far above the noise, after silence.
-std::vector<std::size_t> FrameStarts(const Samples& x, double threshold, std::size_t silence) {
-    std::vector<std::size_t> starts;
-    std::size_t quiet = 0;
-    for (std::size_t n = 0; n < x.size(); ++n) {
-        if (std::abs(x[n]) < threshold) {
-            ++quiet;
-            continue;
-        }
-        if (quiet >= silence) starts.push_back(n);
-        quiet = 0;
+/// Where a frame begins of which `us` microseconds follow: the first sample above a share of the mean amplitude, after
+/// 2 us of silence; the end when there is none.
+std::size_t FirstFrame(const Samples& x, const Tuning& tuning, double share, double us) {
+    const double rate = RateMhz(tuning.bandwidth);
+    const double threshold = share * std::pow(10.0, (-50 + GainDb(tuning, "A")) / 20);
+    double quiet = 0;
+    for (std::size_t n = 0; static_cast<double>(n) + us * rate < static_cast<double>(x.size()); ++n) {
+        const bool isLoud = std::abs(x[n]) >= threshold;
+        if (isLoud && quiet >= 2 * rate) return n;
+        quiet = isLoud ? 0 : quiet + 1;
     }
-    return starts;
+    return x.size();
 }
 
 /// Likeness of a stretch and the one `lag` later, 1 for equal.
@@ -48,17 +47,13 @@ double Likeness(const Samples& x, std::size_t first, std::size_t lag, std::size_
 }
 
 TEST(Ofdm, FramesOpenWithTheTwoTrainingFieldsAndHaveACyclicPrefixInEachSymbol) {
-    const Folder folder;
     for (const auto& tuning :
          {Tuning{0, 0, 6}, Tuning{1, 1, 38}, Tuning{1, 2, 42}, Tuning{1, 3, 50}, Tuning{2, 4, 63}}) {
-        const auto x = OneNetwork(folder, tuning, R"(, "duty": 0.5, "frames": [{"length_us": 60}])");
+        const auto x = OneNetwork(tuning, R"(, "duty": 0.5, "frames": [{"length_us": 60}])");
         const double rate = RateMhz(tuning.bandwidth);
         const auto us = [&](double time) { return static_cast<std::size_t>(std::lround(time * rate)); };
-        const auto starts = FrameStarts(x, 0.4 * std::pow(10.0, (-50 + GainDb(tuning, "A")) / 20), us(2));
-        const auto first =
-            std::find_if(starts.begin(), starts.end(), [&](std::size_t n) { return n + us(60) < x.size(); });
-        ASSERT_NE(first, starts.end());
-        const auto start = *first;
+        const auto start = FirstFrame(x, tuning, 0.4, 60);
+        ASSERT_LT(start, x.size());
         // 8 us short training with a period of 0.8 us: 16 samples at 20 MHz.
         EXPECT_GT(Likeness(x, start + 2, us(0.8), us(7.1)), 0.99) << rate;
         EXPECT_LT(std::fabs(Likeness(x, start + 2, us(0.4), us(7.1))), 0.9) << rate;
@@ -74,7 +69,7 @@ TEST(Ofdm, FramesOpenWithTheTwoTrainingFieldsAndHaveACyclicPrefixInEachSymbol) {
 }
 
 /// Subcarriers with power in the data of a frame, from the first symbol behind the signal symbol.
-std::vector<int> HeardSubcarriers(const Samples& x, std::size_t start, double rate) {
+std::set<int> HeardSubcarriers(const Samples& x, std::size_t start, double rate) {
     const auto period = static_cast<std::size_t>(std::lround(3.2 * rate));
     const auto body = start + static_cast<std::size_t>(std::lround(20.8 * rate));
     const int half = static_cast<int>(period / 2);
@@ -82,40 +77,34 @@ std::vector<int> HeardSubcarriers(const Samples& x, std::size_t start, double ra
     for (int k = -half + 1; k < half; ++k)
         powers.push_back(std::norm(ToneOf(x, k / static_cast<double>(period), body, period)));
     const double mean = std::accumulate(powers.begin(), powers.end(), 0.0) / static_cast<double>(powers.size());
-    std::vector<int> heard;
+    std::set<int> heard;
     for (int k = -half + 1; k < half; ++k)
-        if (powers[static_cast<std::size_t>(k + half - 1)] > mean / 100.0) heard.push_back(k);
+        if (powers[static_cast<std::size_t>(k + half - 1)] > mean / 100.0) heard.insert(k);
     return heard;
 }
 
 TEST(Ofdm, DataStandsOnTheSubcarriersOfTheStandard) {
-    const Folder folder;
     const auto both = [](std::vector<std::pair<int, int>> ranges) {
-        std::vector<int> out;
+        std::set<int> out;
         for (const auto& [from, to] : ranges)
-            for (int k = from; k <= to; ++k) {
-                out.push_back(k);
-                out.push_back(-k);
-            }
-        std::sort(out.begin(), out.end());
+            for (int k = from; k <= to; ++k)
+                out.insert({k, -k});
         return out;
     };
     struct Case {
         Tuning tuning;
         std::string fields;
-        std::vector<int> subcarriers;
+        std::set<int> subcarriers;
     };
     for (const auto& c : {Case{{0, 0, 6}, ", \"legacy\": true", both({{1, 26}})}, Case{{0, 0, 6}, "", both({{1, 28}})},
                           Case{{1, 1, 38}, "", both({{2, 58}})}, Case{{1, 2, 42}, "", both({{2, 122}})},
                           Case{{1, 3, 50}, "", both({{6, 126}, {130, 250}})},
                           Case{{2, 4, 63}, "", both({{6, 126}, {130, 250}, {262, 382}, {386, 506}})}}) {
-        const auto x = OneNetwork(folder, c.tuning, c.fields + R"(, "duty": 0.5, "frames": [{"length_us": 60}])");
+        const auto x = OneNetwork(c.tuning, c.fields + R"(, "duty": 0.5, "frames": [{"length_us": 60}])");
         const double rate = RateMhz(c.tuning.bandwidth);
-        const double amplitude = std::pow(10.0, (-50 + GainDb(c.tuning, "A")) / 20);
-        const auto starts = FrameStarts(x, 0.1 * amplitude, static_cast<std::size_t>(rate * 2));
-        ASSERT_FALSE(starts.empty());
-        ASSERT_LT(static_cast<double>(starts[0]) + 24 * rate, static_cast<double>(x.size()));
-        EXPECT_EQ(HeardSubcarriers(x, starts[0], rate), c.subcarriers) << 20 * (1 << c.tuning.bandwidth);
+        const auto start = FirstFrame(x, c.tuning, 0.1, 24);
+        ASSERT_LT(start, x.size());
+        EXPECT_EQ(HeardSubcarriers(x, start, rate), c.subcarriers) << 20 * (1 << c.tuning.bandwidth);
     }
 }
 
@@ -145,25 +134,19 @@ TEST(Ofdm, TheTrainingFieldsAreThoseOfTheStandardAndHavePowerOne) {
 }
 
 TEST(Ofdm, ANetworkStandsAtItsPlaceInAWiderReceiver) {
-    const Folder folder;
-    UseRadio("", "sim:" + folder.Write("t.json", R"({"accessPoints": [
-        {"band": "5.2", "channel": 36, "width_mhz": 20, "level_dbm": -55, "frames": [{"length_us": 100}]}]})"));
+    UseScene(R"({"accessPoints": [
+        {"band": "5.2", "channel": 36, "width_mhz": 20, "level_dbm": -55, "frames": [{"length_us": 100}]}]})");
     const Tuning tuning{1, 2, 42};  // centre 5210; channel 36 lies 30 MHz below
     const auto x = Capture(tuning).at(0);
-    Samples moved(x.size());
-    for (std::size_t n = 0; n < x.size(); ++n)
-        moved[n] = x[n] * std::polar(1.0, 2.0 * std::numbers::pi * 30.0 / 80.0 * static_cast<double>(n));
     const double gain = GainDb(tuning, "A");
-    EXPECT_NEAR(ChannelPowerDb(moved, 20.0, 80.0) - gain, -55.0, 0.3);
+    EXPECT_NEAR(ChannelPowerDb(Retuned(x, -30.0, 80.0), 20.0, 80.0) - gain, -55.0, 0.3);
     EXPECT_LT(ChannelPowerDb(x, 35.0, 80.0) - gain, -70.0) << "the rest of the span has but the sidelobes";
 }
 
 TEST(Ofdm, FramesFillTheirShareOfTheTime) {
-    const Folder folder;
     for (const double duty : {0.3, 0.6, 1.0}) {
-        const auto x = OneNetwork(folder, {0, 0, 6},
-                                  ", \"duty\": " + std::to_string(duty) +
-                                      R"(, "frames": [{"length_us": 40, "count": 3}, {"length_us": 100}])");
+        const auto x = OneNetwork({0, 0, 6}, ", \"duty\": " + std::to_string(duty) +
+                                                 R"(, "frames": [{"length_us": 40, "count": 3}, {"length_us": 100}])");
         const double gain = GainDb({0, 0, 6}, "A");
         EXPECT_NEAR(ChannelPowerDb(x, 20.0, 40.0) - gain, -50.0 + Db(duty), 0.5) << duty;
     }

@@ -30,6 +30,18 @@ inline void UseRadio(const std::string& adapter, const std::string& air) {
     ASSERT_FALSE(reason) << *reason;
 }
 
+/// Hears a scene, given by its text.
+inline void UseScene(const std::string& text, const std::string& adapter = "") {
+    const Folder folder;
+    UseRadio(adapter, "sim:" + folder.Write("scene.json", text));
+}
+
+/// A scene of one tone.
+inline std::string Tone(double frequencyMhz, double levelDbm) {
+    return "{\"tones\": [{\"frequency_mhz\": " + std::to_string(frequencyMhz) +
+           ", \"level_dbm\": " + std::to_string(levelDbm) + "}]}";
+}
+
 /// Why the set-up is refused; "accepted" if it isn't.
 inline std::string ReasonOf(const quayCommand::RadioSetup& setup) {
     return quayCommand::SetUpRadio(setup).value_or("accepted");
@@ -76,8 +88,24 @@ inline std::complex<double> ToneOf(const Samples& x, double turnsPerSample, std:
     return sum / static_cast<double>(count);
 }
 
-inline double TonePowerDb(const Samples& x, double offsetMhz, double rateMhz) {
-    return Db(std::norm(ToneOf(x, offsetMhz / rateMhz, 0, x.size())));
+/// Level of a tone at the antenna of the default adapter's chain.
+inline double ToneDbm(const Samples& x, double offsetMhz, const Tuning& tuning, const char* chain = "A") {
+    return Db(std::norm(ToneOf(x, offsetMhz / RateMhz(tuning.bandwidth), 0, x.size()))) - GainDb(tuning, chain);
+}
+
+/// Mean power of `count` samples from `first`.
+inline double PowerDb(const Samples& x, std::size_t first, std::size_t count) {
+    double power = 0.0;
+    for (std::size_t n = first; n < first + count; ++n)
+        power += std::norm(x[n]) / static_cast<double>(count);
+    return Db(power);
+}
+
+/// The samples as a receiver hears them that is tuned `offsetMhz` higher.
+inline Samples Retuned(Samples x, double offsetMhz, double rateMhz) {
+    for (std::size_t n = 0; n < x.size(); ++n)
+        x[n] *= std::polar(1.0, -2.0 * std::numbers::pi * offsetMhz / rateMhz * static_cast<double>(n));
+    return x;
 }
 
 /// Power within +-width / 2 of the centre, by direct transforms of blocks of 128 samples without a window.
