@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cmath>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 
@@ -150,18 +152,28 @@ CLI::Validator RbwReader() {
         "");
 }
 
+CLI::Validator NotEmpty() {
+    return {[](std::string& text) { return std::string(text.empty() ? "needs a value" : ""); }, ""};
+}
+
+/// A range alone takes "nan".
+CLI::Validator NotNan() {
+    return {[](std::string& text) {
+                return std::string(std::isnan(std::strtod(text.c_str(), nullptr)) ? "'" + text + "' is no number" : "");
+            },
+            ""};
+}
+
 void AddMeasure(CLI::App& app, MeasureOptions& options) {
     auto* command = app.add_subcommand("measure", "Measure channels: power, graphs, peaks, a picture");
     TarnMeasure::Request& request = options.request;
-    const auto notEmpty =
-        CLI::Validator([](std::string& text) { return std::string(text.empty() ? "needs a value" : ""); }, "");
     command
         ->add_option("--band", request.band, "Band in GHz: 2.4, 5.2 or 6-7; without it the first that has the channels")
         ->type_name("GHZ")
         ->transform(Reader(TarnMeasure::ReadBand));
     command->add_option("--channel,--channels", request.channels, "Channel numbers such as 1,6,36-48, or all")
         ->type_name("LIST")
-        ->check(notEmpty);
+        ->check(NotEmpty());
     command->add_option("--bandwidth", request.bandwidth, "Channel width in MHz: 20, 40, 80, 160 or 320")
         ->type_name("MHZ")
         ->transform(Reader(TarnMeasure::ReadBandwidth))
@@ -185,15 +197,17 @@ void AddMeasure(CLI::App& app, MeasureOptions& options) {
     command->add_option("--peak-excursion", request.peakExcursion_db, "How far a peak stands out of what is around it")
         ->type_name("DB")
         ->check(CLI::Range(0.5, 100.0))
+        ->check(NotNan())
         ->capture_default_str();
     command
         ->add_option("--limit", options.limit,
                      "What no level may exceed: dBm over the channel, or a CSV file by band, channel or frequency")
         ->type_name("FILE|LEVEL")
-        ->check(notEmpty);
+        ->check(NotEmpty());
     command->add_option("--margin", request.margin_db, "Room to leave below the limit")
         ->type_name("DB")
         ->check(CLI::Range(0.0, 100.0))
+        ->check(NotNan())
         ->capture_default_str();
     command
         ->add_option("--keys", request.setup,
@@ -202,10 +216,10 @@ void AddMeasure(CLI::App& app, MeasureOptions& options) {
         ->type_name("LINE");
     command->add_option("--picture", options.picture, "Draw into a file that ends in .png, .svg or .pdf")
         ->type_name("FILE")
-        ->check(notEmpty);
+        ->check(NotEmpty());
     command->add_option("--csv", options.csv, "Write every bin into a CSV file, - for standard output")
         ->type_name("FILE")
-        ->check(notEmpty);
+        ->check(NotEmpty());
     command->add_flag("--json", options.json, "Print JSON instead of the table");
     command->footer(
         "Power is in dBm over the channel, graphs and peaks in dBm in one RBW. Ctrl-C keeps what was measured.\n"
@@ -251,10 +265,12 @@ void AddVesper(CLI::App& app, VesperOptions& options) {
         ->add_option("--limit", options.limit,
                      "What no level in one resolution bandwidth may exceed: dBm, or a CSV file by band, channel or "
                      "frequency; without it 3 dB above each band's reference")
-        ->type_name("FILE|LEVEL");
+        ->type_name("FILE|LEVEL")
+        ->check(NotEmpty());
     command->add_option("--margin", options.request.margin_db, "Room to leave below the limit")
         ->type_name("DB")
         ->check(CLI::Range(0.0, 100.0))
+        ->check(NotNan())
         ->capture_default_str();
     command->add_flag("--idle-baseline", options.request.idleBaseline, "Sweep without load first, and show the rise");
     command->add_option("--fail-on", options.failOn, "What ends with status 4")
