@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "Program.h"
@@ -11,7 +12,7 @@ namespace {
 
 constexpr const char* Config =
     "bw,20\nrbw,312.5\nchainMode,A->B\niterations,2\nbitcfg,Workload.bitcfg\ndisableBit,true\n"
-    "LBChannels,[1;6]\nHBChannels,[36]\nUHBChannels,[]\n";
+    "LBChannels,[1;6;99]\nHBChannels,[36]\nUHBChannels,[]\n";
 
 TEST(Vesper, JudgesEachChannelAndLeavesItsFiles) {
     const Support::TempFolder folder;
@@ -24,6 +25,7 @@ TEST(Vesper, JudgesEachChannelAndLeavesItsFiles) {
     };
     const auto passed = with({"--limit", "-60", "--idle-baseline"});
     EXPECT_EQ(passed.status, 0) << passed.err;
+    EXPECT_NE(passed.err.find("2.4 GHz channel 99"), std::string::npos) << passed.err;
     EXPECT_NE(passed.out.find("verdict: PASS"), std::string::npos) << passed.out;
     const auto json = nlohmann::json::parse(folder.Read("out/result.json"), nullptr, false);
     ASSERT_EQ(json.value("channels", nlohmann::json::array()).size(), 3u);
@@ -53,8 +55,10 @@ TEST(Vesper, RefusesWhatItCannotRun) {
     const auto run = Tarn({"vesper", "--config", config, "--out", folder / "out"});
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.err.find("Failed to parse file"), std::string::npos) << run.err;
+    EXPECT_FALSE(std::filesystem::exists(folder / "out/junit.xml"));  // nothing was tested
     EXPECT_EQ(Tarn({"vesper", "--config", config}).status, 2);
-    EXPECT_EQ(Tarn({"vesper", "--config", config, "--out", folder / "out", "--limit", "x"}).status, 2);
+    for (const auto& [option, value] : {std::pair{"--limit", "x"}, {"--limit", ""}, {"--margin", "nan"}})
+        EXPECT_EQ(Tarn({"vesper", "--config", config, "--out", folder / "out", option, value}).status, 2) << option;
 }
 
 }  // namespace

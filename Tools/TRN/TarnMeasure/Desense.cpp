@@ -14,16 +14,19 @@ namespace {
 
 using Json = nlohmann::json;
 
+constexpr int ConfigLines = 9;
 constexpr double UsualRoom_db = 3.0;  ///< above the reference, without limits of one's own
 
 struct BandRow {
     const char* name;      ///< of the key
     const char* messages;  ///< as messages write it
     const char* summary;   ///< as the summary writes it
+    const char* list;      ///< key of its channels in the configuration
     double reference_dbm;
 };
-constexpr std::array<BandRow, 3> Bands{
-    {{"2.4", "2.4", "2.4 GHz", -121.0}, {"5.2", "5", "5 GHz", -122.0}, {"6-7", "6-7", "6-7 GHz", -122.0}}};
+constexpr std::array<BandRow, 3> Bands{{{"2.4", "2.4", "2.4 GHz", "LBChannels", -121.0},
+                                        {"5.2", "5", "5 GHz", "HBChannels", -122.0},
+                                        {"6-7", "6-7", "6-7 GHz", "UHBChannels", -122.0}}};
 
 std::size_t BandNumber(const std::string& band) {
     return static_cast<std::size_t>(std::ranges::find(Bands, band, &BandRow::name) - Bands.begin());
@@ -70,10 +73,8 @@ public:
             const std::string summary = m_request.folder + "/summary.csv";
             bool goesOn = true;
             if (m_request.idleBaseline) {
-                goesOn = Pass("without load", "-vesper_disable_bit true -start_vesper_test");
-                if (!m_result.outOfReach) Export(true);
-                for (const auto& [key, desense] : ReadSummary(summary))
-                    m_idle[key] = desense;
+                goesOn = Pass("-vesper_disable_bit true -start_vesper_test");
+                if (Export(true)) m_idle = ReadSummary(summary);
                 if (goesOn) goesOn = ReadConfig();
                 for (DesenseChannel& channel : m_result.channels) {
                     channel.levels.clear();
@@ -81,11 +82,8 @@ public:
                     channel.judgement = {};
                 }
             }
-            if (goesOn) Pass("with load", "-start_vesper_test");
-            if (!m_result.outOfReach) Export(false);
-            if (goesOn)
-                for (const auto& [key, desense] : ReadSummary(summary))
-                    m_loaded[key] = desense;
+            if (goesOn) Pass("-start_vesper_test");
+            if (Export(false) && goesOn) m_loaded = ReadSummary(summary);
         }
         Judge();
         return std::move(m_result);
@@ -108,6 +106,7 @@ private:
                 const std::string said = data.value("timestamp", "") + "  " + data.value("message", "");
                 m_result.messages.push_back(said);
                 m_io.message(said);
+                m_hasStartedLoad |= data.value("message", "") == "BurnInTest process started.";
                 TakeSpur(data.value("message", ""));
             }
             messages.push_back(std::move(message));
@@ -152,7 +151,29 @@ private:
         }
         if (m_result.channels.empty())
             Fail("the configuration names no channel that the adapter has at " + m_result.bandwidth + " MHz");
+        else
+            TellMissing();
         return !m_result.channels.empty();
+    }
+
+    /// The plug-in leaves out without a word what the adapter hasn't.
+    void TellMissing() {
+        std::ifstream file(m_request.config);
+        std::string line;
+        for (int k = 0; k < ConfigLines && std::getline(file, line); ++k) {
+            const std::size_t comma = line.find(',');
+            const auto row = std::ranges::find_if(
+                Bands, [&](const BandRow& band) { return line.compare(0, comma, band.list) == 0; });
+            if (row == Bands.end() || comma == std::string::npos) continue;
+            std::istringstream list(line.substr(comma + 1));
+            list.ignore();  // the bracket
+            for (int number = 0; list >> number; list.ignore())
+                if (std::ranges::none_of(m_result.channels, [&](const DesenseChannel& one) {
+                        return one.channel == number && one.band == row->name;
+                    }))
+                    m_io.message("left out, for the adapter hasn't it at " + m_result.bandwidth + " MHz: " + row->name +
+                                 " GHz channel " + std::to_string(number));
+        }
     }
 
     std::vector<std::string> Chains() const {
@@ -160,8 +181,10 @@ private:
         return {m_result.chainMode};
     }
 
+    std::size_t ChainCount() const { return Chains()[0] == "AB" ? 2 : Chains().size(); }
+
     /// One sweep of everything. False: the test ends here.
-    bool Pass(const std::string& load, const std::string& start) {
+    bool Pass(const std::string& start) {
         bool goesOn = Line(start).has_value();
         const std::vector<std::string> chains = Chains();
         const std::size_t sweeps = chains.size() * static_cast<std::size_t>(m_result.iterations);
@@ -174,14 +197,15 @@ private:
                 for (int i = 1; goesOn && reason.empty() && i <= m_result.iterations; ++i) {
                     goesOn = m_io.progress({done++, total,
                                             channel.band + " channel " + std::to_string(channel.channel) + ", chain " +
-                                                chain + ", " + load});
+                                                chain + ", iteration " + std::to_string(i) +
+                                                (m_hasStartedLoad ? ", loaded" : ", idle")});
                     if (!goesOn) m_result.interrupted = true;
                     if (goesOn) Sweep(channel, chain, i, reason);
                     goesOn = goesOn && !m_result.outOfReach;
                 }
                 if (!reason.empty()) channel.judgement.invalid = reason;
             }
-            if (goesOn) CheckLoad(channel, load == "with load");
+            if (goesOn) CheckLoad(channel);
             if (goesOn) TakeGraph(channel);
         }
         m_current = nullptr;
@@ -215,10 +239,8 @@ private:
     }
 
     /// A level that was read while the workload had died proves nothing.
-    void CheckLoad(DesenseChannel& channel, bool wantsLoad) {
-        if (!m_usesLoad) m_usesLoad = m_io.isLoaded();
-        if (wantsLoad && *m_usesLoad && !m_io.isLoaded())
-            channel.judgement.invalid = "the workload ended before its time";
+    void CheckLoad(DesenseChannel& channel) {
+        if (m_hasStartedLoad && !m_io.isLoaded()) channel.judgement.invalid = "the workload ended before its time";
     }
 
     void TakeGraph(DesenseChannel& channel) {
@@ -226,9 +248,11 @@ private:
                                    std::to_string(BandNumber(channel.band)));
         const Json* slots = messages ? Find(*messages, "Vesper Channel Data Response") : nullptr;
         if (!slots) return;
-        for (std::size_t k = 0; k < std::min(slots->size(), channel.levels.size()); ++k) {
-            channel.levels[k].average = InBand((*slots)[k].value("averageData", Json::array()));
-            channel.levels[k].maximum = InBand((*slots)[k].value("maxData", Json::array()));
+        for (DesenseLevel& level : channel.levels) {
+            const std::size_t slot = ChainCount() == 2 && level.chain == "B" ? 1 : 0;
+            if (slot >= slots->size()) continue;
+            level.average = InBand((*slots)[slot].value("averageData", Json::array()));
+            level.maximum = InBand((*slots)[slot].value("maxData", Json::array()));
         }
     }
 
@@ -253,6 +277,7 @@ private:
             std::sscanf(text.c_str(), Form, &spur.frequency_mhz, chain, &spur.level_dbm, &spur.baseband_mhz) != 4)
             return;
         spur.chain = chain;
+        spur.frequency_mhz = m_current->centre_mhz + spur.baseband_mhz;  // the message rounds the frequency itself
         const auto same = std::ranges::find_if(m_current->spurs, [&](const DesenseSpur& known) {
             return known.chain == spur.chain && std::abs(known.frequency_mhz - spur.frequency_mhz) < 1e-6;
         });
@@ -262,18 +287,21 @@ private:
             same->level_dbm = std::max(same->level_dbm, spur.level_dbm);
     }
 
-    void Export(bool isIdle) {
-        Line("-export_vesper_result " + Quoted(m_request.folder + "/summary.csv"));
-        if (isIdle) return;
+    /// False: the summary is not of this test.
+    bool Export(bool isIdle) {
+        if (m_result.outOfReach) return false;
+        const bool isWritten = Line("-export_vesper_result " + Quoted(m_request.folder + "/summary.csv")).has_value();
+        if (isIdle) return isWritten;
         Line("-dump_vesper_data " + Quoted(m_request.folder + "/bins.csv"));
         Line("-vesper_save_test_messages " + Quoted(m_request.folder + "/messages.log"));
+        return isWritten;
     }
 
     void Judge() {
         const Limits limits = m_request.limits ? *m_request.limits : UsualLimits();
         for (DesenseChannel& channel : m_result.channels) {
             const std::pair key{channel.band, channel.channel};
-            if (const auto found = m_loaded.find(key); found != m_loaded.end() && !channel.levels.empty())
+            if (const auto found = m_loaded.find(key); found != m_loaded.end() && channel.levels.size() >= ChainCount())
                 channel.desense_db = found->second;
             if (const auto found = m_idle.find(key); found != m_idle.end()) channel.idle_db = found->second;
             Judge(channel, limits);
@@ -285,8 +313,7 @@ private:
 
     void Judge(DesenseChannel& channel, const Limits& limits) {
         std::string invalid = channel.judgement.invalid;
-        if (invalid.empty() && channel.levels.size() < (Chains()[0] == "AB" ? 2 : Chains().size()))
-            invalid = "not measured";
+        if (invalid.empty() && channel.levels.size() < ChainCount()) invalid = "not measured";
         std::optional<Judgement> worst;
         for (const DesenseLevel& level : channel.levels) {
             Reading reading;
@@ -301,6 +328,7 @@ private:
             if (judged && (!worst || !(judged->Excess() <= worst->Excess()))) worst = judged;
         }
         if (worst) channel.judgement = *worst;
+        channel.hasLimit = worst.has_value();
         if (!worst && invalid.empty()) invalid = "no limit is set for it";
         if (invalid.empty()) return;
         channel.judgement.verdict = Verdict::Invalid;
@@ -318,7 +346,7 @@ private:
     const DesenseIo& m_io;
     DesenseResult m_result;
     DesenseChannel* m_current = nullptr;
-    std::optional<bool> m_usesLoad;
+    bool m_hasStartedLoad = false;
     std::map<std::pair<std::string, int>, double> m_idle, m_loaded;
 };
 

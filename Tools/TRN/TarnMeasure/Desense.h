@@ -32,7 +32,7 @@ struct DesenseAnswer {
 struct DesenseStep {
     std::size_t done = 0;  ///< sweeps
     std::size_t total = 0;
-    std::string what;  ///< "5.2 channel 36, chain A, with load"
+    std::string what;  ///< "5.2 channel 36, chain A, iteration 2, loaded"
 };
 
 struct DesenseIo {
@@ -67,6 +67,7 @@ struct DesenseChannel {
     std::optional<double> idle_db;     ///< the same without load
     std::vector<DesenseSpur> spurs;
     Judgement judgement;
+    bool hasLimit = false;  ///< a level was held against a limit
 
     std::optional<double> Rise() const;  ///< dB that the load adds
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstring>
 #include <nlohmann/json.hpp>
 
 namespace TarnMeasure {
@@ -12,7 +13,7 @@ namespace {
 std::string Figure(double value, int digits = 1) {
     char text[64];
     std::snprintf(text, sizeof text, "%.*f", digits, value);
-    return text;
+    return std::strspn(text, "-0.") == std::strlen(text) && text[0] == '-' ? text + 1 : text;  // no "-0.0"
 }
 
 std::string Figure(const std::optional<double>& value) {
@@ -42,7 +43,7 @@ std::optional<double> Worst(const DesenseChannel& channel, double DesenseLevel::
 
 /// The limit that it was judged by.
 std::optional<double> LimitOf(const DesenseChannel& channel) {
-    if (channel.levels.empty()) return std::nullopt;
+    if (!channel.hasLimit) return std::nullopt;
     return channel.judgement.limit_dbm;
 }
 
@@ -77,6 +78,7 @@ std::string Cell(const std::string& text, const std::string& more = "") {
 /// A bar for each channel; the scale begins at 0 dB.
 std::string Chart(const DesenseResult& result) {
     double top = 1.0;
+    const bool hasIdle = std::ranges::any_of(result.channels, [](const auto& one) { return one.idle_db.has_value(); });
     for (const DesenseChannel& channel : result.channels)
         top = std::max(top, std::max(channel.desense_db.value_or(0), channel.idle_db.value_or(0)));
     std::vector<const DesenseChannel*> order;
@@ -96,6 +98,9 @@ std::string Chart(const DesenseResult& result) {
         const double x = 50 + static_cast<double>(k) * width;
         bar(x, 0.85, one.desense_db.value_or(0), VerdictText(one.judgement.verdict),
             Place(one) + ": " + Figure(one.desense_db) + " dB");
+        if (one.desense_db && order.size() < 40)
+            svg += "<text x='" + Figure(x) + "' y='" + Figure(200 - std::clamp(*one.desense_db / top, 0.0, 1.0) * 190) +
+                   "'>" + Figure(*one.desense_db) + "</text>\n";
         if (one.idle_db)
             bar(x, 0.4, *one.idle_db, "idle", Place(one) + " without load: " + Figure(one.idle_db) + " dB");
         if (k == 0 || order[k - 1]->band != one.band || order.size() < 40)
@@ -103,7 +108,8 @@ std::string Chart(const DesenseResult& result) {
         if (k == 0 || order[k - 1]->band != one.band)
             svg += "<text x='" + Figure(x) + "' y='238'>" + one.band + " GHz</text>\n";
     }
-    return svg + "<text x='0' y='20'>" + Figure(top) + " dB</text><text x='0' y='205'>0 dB</text></svg>\n";
+    return svg + "<text x='0' y='20'>" + Figure(top) + " dB</text><text x='0' y='205'>0 dB</text></svg>\n" +
+           (hasIdle ? "<p>Dark: without load.</p>\n" : "");
 }
 
 std::string Line(const std::vector<double>& bins, double low, double high, const std::string& type) {
@@ -117,12 +123,16 @@ std::string Line(const std::vector<double>& bins, double low, double high, const
     return "<polyline class='" + type + "' points='" + points + "'/>";
 }
 
+/// A spectrum shows at least so much, for a flat floor to look flat.
+constexpr double LeastSpan_db = 10.0;
+
 std::string Spectrum(const DesenseChannel& channel, const DesenseLevel& level, double width_mhz) {
     double low = 1e9, high = -1e9;
     for (const auto* bins : {&level.average, &level.maximum})
         for (const double value : *bins)
             if (std::isfinite(value)) low = std::min(low, value), high = std::max(high, value);
     if (!(low < high)) return {};
+    low = std::min(low, high - LeastSpan_db);
     return "<figure><figcaption>" + Escaped(Place(channel) + ", chain " + level.chain) +
            "</figcaption><svg viewBox='0 0 500 175'>" + Line(level.maximum, low, high, "maximum") +
            Line(level.average, low, high, "average") + "<text x='0' y='15'>" + Figure(high) +
@@ -133,7 +143,9 @@ std::string Spectrum(const DesenseChannel& channel, const DesenseLevel& level, d
 
 constexpr const char* Style =
     "body{font:14px sans-serif;margin:2em;max-width:70em}table{border-collapse:collapse}td,th{padding:2px 10px;"
-    "border-bottom:1px solid #ccc;text-align:right}td.t,th.t{text-align:left}svg{width:100%}svg text{font-size:11px}"
+    "border-bottom:1px solid #ccc;text-align:right}td.t,th.t{text-align:left}"
+    "td{overflow-wrap:anywhere}td:first-child,td:nth-child(8){white-space:nowrap}svg{width:100%}svg "
+    "text{font-size:11px}"
     "figure{display:inline-block;width:46%;margin:1%;break-inside:avoid}tr{break-inside:avoid}"
     ".PASS{fill:#2a7d3f;color:#2a7d3f}.MARGIN{fill:#b07a00;color:#b07a00}.FAIL{fill:#b3261e;color:#b3261e}"
     ".INVALID{fill:#777;color:#777}.idle{fill:#333;opacity:.6}polyline{fill:none;stroke:#1f5fa8}"
@@ -272,7 +284,7 @@ std::string DesenseHtml(const DesenseResult& result, const DesenseOrigin& origin
                                       {"chain mode", result.chainMode},
                                       {"sweeps a channel and chain", std::to_string(result.iterations)}})
         html += "<tr>" + Cell(name, " class='t'") + Cell(value, " class='t'") + "</tr>\n";
-    html += "</table>\n<h2>Spectra: average, and the maximum above it</h2>\n";
+    html += "</table>\n<h2>Spectra in dBm: average, and the maximum above it</h2>\n";
     const double width_mhz = std::strtod(result.bandwidth.c_str(), nullptr);
     for (const DesenseChannel& one : result.channels)
         for (const DesenseLevel& level : one.levels)

@@ -18,8 +18,11 @@ namespace {
 namespace fs = std::filesystem;
 using namespace TarnMeasure;
 
-/// How long a line may take to end after Ctrl-C before it is given up: a sweep does, the wait for the workload doesn't.
-constexpr auto lineGrace = std::chrono::seconds(2);
+/// How long a line that runs may take to end after Ctrl-C before it is given up: a sweep does, the wait for the
+/// workload doesn't.
+constexpr auto lineGrace = std::chrono::milliseconds(300);
+/// The same for a line that ends the load or keeps what was measured.
+constexpr auto keepingGrace = std::chrono::seconds(2);
 constexpr const char* workloadName = "bit";
 
 std::string UtcText() {
@@ -29,10 +32,27 @@ std::string UtcText() {
     return text;
 }
 
+/// From Ctrl-C on, an end by force waits until the results are kept.
+class Keeping {
+public:
+    explicit Keeping(InterruptWatch& watch) : m_watch(watch) {}
+    /// True once a signal came.
+    bool HasBegun() {
+        if (!m_finishing && m_watch.IsRequested()) m_finishing.emplace(m_watch);
+        return m_finishing.has_value();
+    }
+
+private:
+    InterruptWatch& m_watch;
+    std::optional<InterruptWatch::Finishing> m_finishing;
+};
+
 DesenseAnswer RunKeys(TarnSession::Session& session, TarnSession::KeepingSink& sink, const std::string& line,
-                      Context& context) {
+                      Keeping& keeping, Context& context) {
     DesenseAnswer answer;
-    const auto exchange = PendingLine(session, line).Wait(context.watch, lineGrace);
+    const std::chrono::milliseconds grace = keeping.HasBegun() ? keepingGrace : lineGrace;
+    const auto exchange = PendingLine(session, line).Wait(context.watch, grace);
+    keeping.HasBegun();
     if (!exchange) {
         answer.interrupted = true;
         return answer;
@@ -44,11 +64,11 @@ DesenseAnswer RunKeys(TarnSession::Session& session, TarnSession::KeepingSink& s
 }
 
 DesenseResult RunWithProgress(const DesenseRequest& request, TarnSession::Session& session,
-                              TarnSession::KeepingSink& sink, Context& context) {
+                              TarnSession::KeepingSink& sink, Keeping& keeping, Context& context) {
     StatusLine status(context.console.err);
     const auto start = std::chrono::steady_clock::now();
     DesenseIo io;
-    io.run = [&](const std::string& line) { return RunKeys(session, sink, line, context); };
+    io.run = [&](const std::string& line) { return RunKeys(session, sink, line, keeping, context); };
     io.message = [&](const std::string& text) {
         if (status.IsOn() && text.find("Sampling channel") != std::string::npos) return;  // the progress says it
         status.Clear();
@@ -57,7 +77,7 @@ DesenseResult RunWithProgress(const DesenseRequest& request, TarnSession::Sessio
     io.progress = [&](const DesenseStep& step) {
         status.Show(step.what + ": " +
                     ProgressText(step.done, step.total, std::chrono::steady_clock::now() - start, "sweeps"));
-        return !context.watch.IsRequested();
+        return !keeping.HasBegun();
     };
     io.isLoaded = [] { return OSAL::IsProcessRunning(workloadName, false); };
     return RunDesense(request, io);
@@ -107,8 +127,11 @@ ExitStatus Vesper(const VesperOptions& options, Context& context) {
                                session->AirText(),
                                OSAL::GetComputerName() + ", " + OSAL::GetProcessorBrand(),
                                options.command};
-    const DesenseResult result = RunWithProgress(request, *session, sink, context);
+    Keeping keeping(context.watch);
+    const DesenseResult result = RunWithProgress(request, *session, sink, keeping, context);
     if (session->Busy()) AbandonLine(*session, context);
+    if (result.channels.empty() && !result.interrupted)
+        return Refuse("'" + request.config + "': " + result.trouble, context);
     if (!result.trouble.empty()) context.console.Say(result.trouble);
     if (result.interrupted) context.console.Say("interrupted; what was measured is kept");
     const bool filesAreFine = WriteReports(result, options, origin, context);
