@@ -71,6 +71,7 @@ TEST_F(LogFile, GetsTheLinesOfScopesAndMessagesWhileItIsOpen) {
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 3);
     const auto second = folder.Read("b.txt");
     EXPECT_EQ(std::count(second.begin(), second.end(), '\n'), 1);
+    EXPECT_EQ(fs::status(folder / "a.txt").permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
 TEST_F(LogFile, DoesNotEvaluateMessagesWithoutALog) {
@@ -91,6 +92,7 @@ TEST_F(LogFile, RotatesAtExactly50MiBUnderSuccessiveNumbers) {
     WriteOne("in the new file");
     EXPECT_EQ(counter, 1u);
     EXPECT_GT(fs::file_size(folder / "a0.txt"), limit);
+    EXPECT_EQ(fs::status(folder / "a0.txt").permissions(), fs::perms::owner_read | fs::perms::owner_write);
     EXPECT_LT(fs::file_size(path), 200u);
     EXPECT_NE(Support::ReadText(path).find("in the new file"), std::string::npos);
 

@@ -122,6 +122,8 @@ TEST_F(Files, PathsThatNameNoFileGiveNoHandle) {
     EXPECT_FALSE(OSAL::CFile(pipe).Open());
     fs::create_symlink("a", m_folder + "link");
     EXPECT_EQ(OSAL::OpenFile(m_folder + "link", OSAL::Append | OSAL::NoLink, true), OSAL::InvalidFile);
+    Make("other", "y");
+    EXPECT_EQ(OSAL::CopyFile(m_folder + "other", m_folder + "link", OSAL::NoLink), OSAL::Failure);
     fs::create_hard_link(m_folder + "a", m_folder + "b");
     EXPECT_EQ(OSAL::OpenFile(m_folder + "b", OSAL::ReadWrite | OSAL::NoLink, false), OSAL::InvalidFile);
     EXPECT_EQ(TextOf(m_folder + "a"), "x") << "refused before it is emptied";

@@ -67,29 +67,24 @@ SyncObjectsOSAL::ILock& AppStreams::GetLock() {
     return Shared().lock;
 }
 
-void AppStreams::Reopen(const std::string& path, std::ios_base::openmode mode) {
-    auto* stream = dynamic_cast<std::ofstream*>(logStream.load());
-    if (!stream) {
-        m_ownLog = std::make_unique<std::ofstream>();
-        stream = m_ownLog.get();
-    }
-    if (stream->is_open()) stream->close();
-    stream->clear();
-    stream->open(path, mode | std::ios_base::out);
-    logStream = stream;
-    logPath = path;
-}
-
-void AppStreams::OpenLogFile(const std::string& path, std::ios_base::openmode mode) {
+bool AppStreams::OpenLogFile(const std::string& path, std::ios_base::openmode mode) {
+    auto& streams = Shared();
+    auto opened = std::make_unique<LogFile>();
     const LogLock guard(GetLock());
-    if (!OSAL::IsLink(path)) Shared().Reopen(path, mode);
+    opened->Open(path, mode);
+    const bool isOpen = opened->good();
+    // only asked why the opening failed: it refused the link itself
+    if (!isOpen && OSAL::IsLink(path)) return false;
+    streams.logStream = opened.get();
+    streams.m_ownLog = std::move(opened);
+    streams.logPath = path;
+    return isOpen;
 }
 
 void AppStreams::CloseLogFile() {
     auto& streams = Shared();
     const LogLock guard(GetLock());
-    auto* stream = dynamic_cast<std::ofstream*>(streams.logStream.exchange(nullptr));
-    if (stream && stream->is_open()) stream->close();
+    streams.logStream = nullptr;
     streams.m_ownLog.reset();
 }
 

@@ -3,13 +3,13 @@
 
 #include <atomic>
 #include <cstdint>
-#include <fstream>
 #include <memory>
 #include <string>
 
 #include "OSAL/Locks.h"
 #include "SingletonSlots.h"
 #include "Streams/DebugPrint.h"
+#include "Streams/LogFile.h"
 #include "Streams/Streams.h"
 
 namespace Streams {
@@ -57,9 +57,9 @@ public:
     static std::string GetLogPath();
     static SyncObjectsOSAL::ILock& GetLock();
 
-    /// Opens the flow trace file, or another one in its place. A failed opening leaves a log stream in the failed
-    /// state; a path that is a link changes nothing.
-    static void OpenLogFile(const std::string& path, std::ios_base::openmode mode = std::ios_base::out);
+    /// Opens the flow trace file, or another one in its place; true when it is open. A failed opening leaves a log
+    /// stream in the failed state; a path that is a link changes nothing.
+    static bool OpenLogFile(const std::string& path, std::ios_base::openmode mode = std::ios_base::out);
     static void CloseLogFile();
 
     std::ostream* errorStream = nullptr;
@@ -83,10 +83,8 @@ public:
     unsigned rotationCounter = 0;
 
 private:
-    void Reopen(const std::string& path, std::ios_base::openmode mode);
-
     StreamDevice m_defaultDevice;
-    std::unique_ptr<std::ofstream> m_ownLog;
+    std::unique_ptr<LogFile> m_ownLog;
 };
 
 /// Writes one line of the flow trace, under the lock of the caller; moves a file of 50 MiB away first.

@@ -19,18 +19,15 @@ bool Rotate(std::ostream& stream, const std::string& path) {
 
     auto& counter = SingletonWrapper<AppStreams>::accessObject()->rotationCounter;
     const std::string numbered = path.substr(0, path.find(".txt")) + std::to_string(counter) + ".txt";
-    if (!OSAL::IsLink(numbered)) OSAL::CopyFile(path, numbered);  // what a link leads to isn't ours to replace
+    OSAL::CopyFile(path, numbered, OSAL::NoLink | OSAL::Private);  // what a link leads to isn't ours to replace
     ++counter;
     if (OSAL::IsLink(path)) {
         refusedPath = path;
         return false;
     }
-    if (auto* file = dynamic_cast<std::ofstream*>(&stream)) {
-        file->close();
-        file->clear();
-        file->open(path, std::ios_base::out | std::ios_base::trunc);
-        file->close();
-        file->open(path, std::ios_base::out | std::ios_base::app);  // another process may write the same file
+    if (auto* file = dynamic_cast<LogFile*>(&stream)) {
+        file->Open(path, std::ios_base::out);
+        file->Open(path, std::ios_base::app);  // another process may write the same file
     }
     return true;
 }

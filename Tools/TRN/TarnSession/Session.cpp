@@ -37,10 +37,8 @@ std::vector<std::string> TextLines(const std::string& text) {
 
 OSAL::Outcome<> OpenLog(const std::string& path) {
     if (path.empty()) return {};
+    if (Streams::AppStreams::OpenLogFile(path, std::ios_base::app)) return {};
     if (OSAL::IsLink(path)) return OSAL::Refusal{"the log file '" + path + "' is a link"};
-    Streams::AppStreams::OpenLogFile(path, std::ios_base::app);
-    const std::ostream* log = StreamsWrapper::accessObject()->logStream;
-    if (log && log->good()) return {};
     return OSAL::Refusal{"can't write the log file '" + path + "'"};
 }
 

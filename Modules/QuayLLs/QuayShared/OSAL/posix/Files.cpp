@@ -91,13 +91,13 @@ bool IsLink(const std::string& path) {
     return S_ISLNK(status.st_mode) || (S_ISREG(status.st_mode) && status.st_nlink > 1);
 }
 
-int CopyFile(const std::string& from, const std::string& to) {
-    const Closer source{OpenFile(from, ReadOnly, true)};
+int CopyFile(const std::string& from, const std::string& to, unsigned extra) {
+    const Closer source{OpenFile(from, ReadOnly | extra, true)};
     if (source.handle == InvalidFile) return Failure;
     // Opened without emptying it first: a file copied onto itself would be lost.
     struct stat status;
     const bool exists = StatOf(to, status);
-    const Closer target{OpenFile(to, ReadWrite, exists)};
+    const Closer target{OpenFile(to, ReadWrite | extra, exists)};
     if (target.handle == InvalidFile || IsSameFile(source.handle, target.handle)) return Failure;
     if (exists && ftruncate(static_cast<int>(target.handle), 0) != 0) return Failure;
     return CopyContents(source.handle, target.handle);
@@ -157,7 +157,7 @@ FileHandle OpenFile(const std::string& path, unsigned mode, bool openExisting) {
     if (!IsUsable(path) || !FlagsOf(mode, openExisting, flags)) return InvalidFile;
     int file;
     do {
-        file = open(path.c_str(), flags, 0666);
+        file = open(path.c_str(), flags, mode & Private ? 0600 : 0666);
     } while (file < 0 && errno == EINTR);
     if (file < 0) return InvalidFile;
     // A pipe would swallow what fits and then wait for ever.
@@ -181,6 +181,13 @@ int ReadFile(FileHandle file, std::uint64_t position, void* data, std::size_t si
         if (count == 0) break;
         got += static_cast<std::size_t>(count);
     }
+    return Success;
+}
+
+int FileSize(FileHandle file, std::uint64_t& size) {
+    struct stat status;
+    if (fstat(static_cast<int>(file), &status) != 0) return Failure;
+    size = static_cast<std::uint64_t>(status.st_size);
     return Success;
 }
 
