@@ -39,7 +39,14 @@ std::size_t AKey::MatchLimit(const TokenList& tokens) {
 }
 
 bool AKey::Extract(TokenList& tokens, Position& position) {
-    for (auto token = tokens.begin(); token != tokens.end(); ++token) {
+    auto first = tokens.begin();
+    const bool isFound = ExtractFrom(tokens, first);
+    if (isFound) position = first;
+    return isFound;
+}
+
+bool AKey::ExtractFrom(TokenList& tokens, Position& position) const {
+    for (auto token = position; token != tokens.end(); ++token) {
         std::string captures = *token;
         if (!WildcardMatch(GetName(), captures, captureSeparator)) continue;
         const auto behind = tokens.erase(token);
@@ -67,7 +74,7 @@ void Key::Parse(TokenList& tokens) {
     const std::string reportedKey = tokens.empty() ? std::string() : tokens.front();
     const auto limit = MatchLimit(tokens);
     std::size_t matches = 0;
-    for (Position position; matches < limit && Extract(tokens, position); ++matches) {
+    for (auto position = tokens.begin(); matches < limit && ExtractFrom(tokens, position); ++matches) {
         LoadArguments(tokens, position, reportedKey);
         OnMatched(m_arguments);
     }

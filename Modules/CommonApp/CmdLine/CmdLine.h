@@ -132,6 +132,9 @@ public:
     virtual bool Extract(TokenList& tokens, Position& position);
 
 protected:
+    /// As `Extract`, of the tokens from `position` on. A key goes on where it was, for what is before doesn't match: a
+    /// long line takes no longer than its length.
+    bool ExtractFrom(TokenList& tokens, Position& position) const;
     /// More matches of one key than this aren't possible, as each takes a character or a token away; but for a pattern
     /// of wildcards alone, which finds its own captures again and again.
     static std::size_t MatchLimit(const TokenList& tokens);

@@ -105,7 +105,7 @@ void ACommand::PrintFootNote() {
 
 void Processor::CmdLineKey::Parse(CmdLine::TokenList& tokens) {
     auto matchesLeft = MatchLimit(tokens);
-    for (CmdLine::Position position; matchesLeft > 0 && Extract(tokens, position); --matchesLeft) {
+    for (auto position = tokens.begin(); matchesLeft > 0 && ExtractFrom(tokens, position); --matchesLeft) {
         auto arguments = MakeCounted<Environment::Variables>();
         for (unsigned i = 1; i <= m_command->GetArgumentCount(); ++i) {
             if (position == tokens.end()) throw new CmdLine::Exceptions::ArgumentMissingException(m_command->GetName());
