@@ -132,7 +132,7 @@ TEST(Shell, AnswersAPipeAsThePluginDoesAndEndsWithItsStatus) {
                              "help -rbw\n"
                              "!repeat 2 -get_channel_average\n"
                              "!status\n"
-                             "-bogus\n"
+                             "-triger_now\n"
                              "nonsense\n"
                              "exit\n"
                              "-get_platform_info\n")
@@ -145,7 +145,7 @@ TEST(Shell, AnswersAPipeAsThePluginDoesAndEndsWithItsStatus) {
     EXPECT_FALSE(Has(run.out, "tarn>")) << "a prompt is for people";
     EXPECT_EQ(run.err,
               "tarn: the reading keys of a line run before its trigger: send them on a line of their own\n"
-              "tarn: Unrecognized command line option: -bogus\n"
+              "tarn: Unrecognized command line option: -triger_now; did you mean '-trigger_now'?\n"
               "tarn: 'nonsense' isn't known here; help tells what is\n");
     EXPECT_EQ(Program({"shell"}).Input("quit").Run().status, 0);
 }

@@ -1,5 +1,7 @@
 #include "Commands/HostSession.h"
 
+#include "Lines/ShellHelp.h"
+
 namespace TarnHost {
 
 using TarnSession::Exchange;
@@ -57,6 +59,11 @@ std::optional<Exchange> PendingLine::Wait(const InterruptWatch& watch, std::chro
 void AbandonLine(Session& session, Context& context) {
     session.Abandon();
     context.hasAbandoned = true;
+}
+
+std::string FailureText(const Exchange& exchange) {
+    const bool isUnknown = exchange.error.starts_with("Unrecognized command line option");
+    return ErrorSentence(exchange) + (isUnknown ? Meant(exchange.left) : "");
 }
 
 void SayWarnings(const Exchange& exchange, const std::string& place, Context& context) {

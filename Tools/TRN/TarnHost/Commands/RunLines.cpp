@@ -51,7 +51,7 @@ void LineRunner::Show(const Exchange& exchange, const std::string& place) {
     console.out.Flush();
     // A failed line's output is the error once more behind "ERROR:"; a person reads it once, here.
     if (exchange.exitCode != 0) {
-        console.Say(place + ": " + ErrorSentence(exchange));
+        console.Say(place + ": " + FailureText(exchange));
     } else {
         SayWarnings(exchange, place, m_context);
     }

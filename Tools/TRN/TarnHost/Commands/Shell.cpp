@@ -33,6 +33,7 @@ public:
 private:
     OSAL::Outcome<> Open(const HostOptions& options);
     bool RunLine(const std::string& line);
+    void SayUnknown(const std::string& command);
     void RunOwn(const std::string& command, const std::string& rest);
     bool RunKeys(const std::string& line);
     bool TakeAnswer();
@@ -94,7 +95,7 @@ bool Shell::TakeAnswer() {
     m_running.reset();
     if (answer->exitCode != 0) {
         m_hasFailed = true;
-        Say(ErrorSentence(*answer));
+        Say(FailureText(*answer));
         return false;
     }
     m_settings.Take(line);
@@ -152,6 +153,11 @@ void Shell::ShowStatus() {
     Print(text);
 }
 
+void Shell::SayUnknown(const std::string& command) {
+    const std::string meant = Meant(command);
+    Say("'" + command + "' isn't known here" + (meant.empty() ? "; help tells what is" : meant));
+}
+
 void Shell::RunOwn(const std::string& command, const std::string& rest) {
     if (command == "help" || command == "!help" || command == "?")
         Print(rest.empty() ? HelpText() : HelpText(rest));
@@ -166,7 +172,7 @@ void Shell::RunOwn(const std::string& command, const std::string& rest) {
     else if (command == "!raw" && (rest == "on" || rest == "off"))
         m_isRaw = rest == "on";
     else
-        Say("'" + command + "' isn't known here; help tells what is");
+        SayUnknown(command);
 }
 
 bool Shell::RunLine(const std::string& line) {

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "KeyTable.h"
+#include "Lines/Suggest.h"
 #include "PlainText.h"
 
 namespace TarnHost {
@@ -131,6 +132,16 @@ std::string HelpText(std::string_view name) {
             near += "  " + Usage(key) + "  " + std::string(key.help) + "\n";
     const std::string none = "There is no key " + asked + ".";
     return near.empty() ? none + " help keys lists them all.\n" : none + " These come near:\n" + near;
+}
+
+std::string Meant(std::string_view line) {
+    const std::vector<std::string> words = Split(line, ' ');
+    if (words.empty()) return {};
+    const auto key = std::ranges::find_if(words, [](const std::string& word) { return word.starts_with('-'); });
+    auto names = KeyNames();
+    names.insert(names.end(), ownCommands.begin(), ownCommands.end());
+    const std::string& word = key == words.end() ? words.front() : *key;
+    return TarnKeys::FindKey(word) ? std::string() : DidYouMean(word, names);
 }
 
 std::vector<std::string> Completions(std::string_view beforeCursor) {

@@ -17,6 +17,10 @@ std::string KeyListText();
 /// out.
 std::string HelpText(std::string_view key);
 
+/// "; did you mean 'NAME'?" for the first word of `line` that begins as a key does, else for its first word; empty when
+/// no key and no command of the shell is near.
+std::string Meant(std::string_view line);
+
 /// Ends that the text before the cursor can take: whole replacements of its last word, sorted. Keys, values of the key
 /// before, entries of folders, the shell's own commands.
 std::vector<std::string> Completions(std::string_view beforeCursor);
