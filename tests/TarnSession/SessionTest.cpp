@@ -128,6 +128,8 @@ TEST(Record, AFailedLineAlwaysHasASentence) {
 
 TEST(Record, HoldsEveryFieldAndReplacesWhatIsNoUtf8) {
     const Exchange exchange{"-a \"b\"", 256, "ERROR:\n\t\x01", "bad \xFF byte", "-a", {}};
+    EXPECT_EQ(nlohmann::json::parse(RecordText({"", 0, "", "", "", {"a", "b"}}, {}))["warnings"],
+              nlohmann::json::array({"a", "b"}));
     KeepingSink received;
     received.messages = {"{\"x\":1}"};
     const auto record = nlohmann::json::parse(RecordText(exchange, received));

@@ -197,7 +197,8 @@ Json Paths() {
                                   {"left", text},
                                   {"messages", ArrayOf(text)},
                                   {"printed", ArrayOf(text)},
-                                  {"printedErrors", ArrayOf(text)}});
+                                  {"printedErrors", ArrayOf(text)},
+                                  {"warnings", ArrayOf(text), true}});
     const Json lineBody = ObjectOf({{"line", text}, {"plain", flag, true}});
     const Json runBody = ObjectOf(
         {{"mode", {{"enum", {"run", "hold", "single", "scan"}}}}, {"sweeps", whole, true}, {"allBands", flag, true}});

@@ -17,12 +17,13 @@ std::string ErrorSentence(const Exchange& exchange) {
 
 std::string RecordText(const Exchange& exchange, const KeepingSink& received) {
     using Json = nlohmann::ordered_json;
-    const Json record = {
+    Json record = {
         {"line", exchange.line},       {"exitCode", exchange.exitCode},
         {"output", exchange.output},   {"error", exchange.error},
         {"left", exchange.left},       {"messages", received.messages},
         {"printed", received.printed}, {"printedErrors", received.printedErrors},
     };
+    if (!exchange.warnings.empty()) record["warnings"] = exchange.warnings;
     return record.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
