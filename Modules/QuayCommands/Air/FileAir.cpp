@@ -57,14 +57,15 @@ OSAL::Outcome<FileAir::Recording> ReadRecording(const fs::path& path, std::size_
 }
 
 /// The files of `path` in the order in which they are heard.
-OSAL::Outcome<std::vector<fs::path>> FilesOf(const fs::path& path) {
+OSAL::Outcome<std::vector<std::string>> FilesOf(const fs::path& path) {
     std::error_code error;
     if (!fs::exists(path, error)) return OSAL::Refusal{Common::Format("${1}: can't be read") % path.string()};
-    if (!fs::is_directory(path, error)) return std::vector{path};
-    std::vector<fs::path> files;
+    if (!fs::is_directory(path, error)) return std::vector{path.string()};
+    std::vector<std::string> files;  // of a million entries, fs::path takes far more room and time to sort
     for (fs::directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error)) {
         const auto name = entry->path().filename().string();
-        if (entry->is_regular_file() && !name.starts_with('.') && name != "result.csv") files.push_back(entry->path());
+        if (entry->is_regular_file() && !name.starts_with('.') && name != "result.csv")
+            files.push_back(entry->path().string());
     }
     if (error || files.empty())
         return OSAL::Refusal{Common::Format("${1}: ${2}") % path.string() %
@@ -102,8 +103,8 @@ OSAL::Outcome<FileAir> FileAir::Open(const std::string& path, StoredTuning tunin
     for (const auto& file : files.Value()) {
         Stored stored;
         if (tuning == StoredTuning::ByName) {
-            auto told = TuningOf(file.filename().string());
-            if (told.IsRefused()) return OSAL::Refusal{Common::Format("${1}: ${2}") % file.string() % told.Reason()};
+            auto told = TuningOf(fs::path(file).filename().string());
+            if (told.IsRefused()) return OSAL::Refusal{Common::Format("${1}: ${2}") % file % told.Reason()};
             if (!*told) continue;
             stored.tuning = *told;
         }
