@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <vector>
 
 #include "Support/TempFolder.h"
+#include "Support/Thrown.h"
 
 namespace {
 
@@ -27,28 +27,18 @@ TEST(AdcFile, AParameterStandsBetweenItsKeyAndTheNextUnderscore) {
 TEST(AdcFile, ABadSampleEndsInTheConversionsFailure) {
     const Support::TempFolder folder;
     const std::string path = folder / "samples.txt";
-    const auto failure = [&](const std::string& text) -> std::string {
+    double i[3], q[3];
+    const auto failure = [&](const std::string& text) {
         folder.Write("samples.txt", text);
-        std::vector<double> i(3), q(3);
-        try {
-            EXPECT_EQ(AdcFile::ReadAdcFile(path, i.data(), q.data(), 3), 2u);
-            return std::to_string(static_cast<int>(i[1])) + "," + std::to_string(static_cast<int>(q[1]));
-        } catch (const std::invalid_argument& error) {
-            return std::string("invalid: ") + error.what();
-        } catch (const std::out_of_range& error) {
-            return std::string("range: ") + error.what();
-        } catch (const std::length_error& error) {
-            return std::string("length: ") + error.what();
-        }
+        return Support::ThrownText([&] { EXPECT_EQ(AdcFile::ReadAdcFile(path, i, q, 3), 2u); });
     };
-    EXPECT_EQ(failure("1 ,2\n-3 ,4"), "-3,4");
-    EXPECT_EQ(failure("1 ,2\nx\n"), "invalid: invalid stod argument");
-    EXPECT_EQ(failure("1 ,1e400\n"), "range: stod argument out of range");
-    EXPECT_EQ(failure("1 ,2\n" + std::string(2000000, '7')),
-              "length: " + path + ":2: the line has no end within 1048576 bytes");
-    double i = 0, q = 0;
-    EXPECT_THROW(AdcFile::SetIQFromLine(&i, &q, "1 2"), std::invalid_argument);
-    EXPECT_FALSE(AdcFile::ReadAdcFile(testing::TempDir(), &i, &q, 1));
+    EXPECT_EQ(failure("1 ,2\n-3 ,4"), "nothing thrown");
+    EXPECT_TRUE(i[1] == -3 && q[1] == 4);
+    EXPECT_EQ(failure("1 ,2\nx\n"), "invalid stod argument");
+    EXPECT_EQ(failure("1 ,1e400\n"), "stod argument out of range");
+    EXPECT_EQ(failure("1 ,2\n" + std::string(2000000, '7')), path + ":2: the line has no end within 1048576 bytes");
+    EXPECT_THROW(AdcFile::SetIQFromLine(i, q, "1 2"), std::invalid_argument);
+    EXPECT_FALSE(AdcFile::ReadAdcFile(testing::TempDir(), i, q, 1));
 }
 
 }  // namespace

@@ -3,10 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cmath>
 #include <filesystem>
-#include <fstream>
+
+#include "Support/TempFolder.h"
 
 namespace {
 
@@ -18,13 +18,8 @@ const std::string Header = "mac,chain,freq,gain,bw\n";
 
 class GainFileTest : public ::testing::Test {
 protected:
-    GainFileTest() { fs::create_directories(m_folder); }
-    ~GainFileTest() override { fs::remove_all(m_folder); }
     /// Message and rows, as "message|gain gain ...".
-    std::string Read(const std::string& text) {
-        std::ofstream(m_path, std::ios::binary) << text;
-        return ReadPath(m_path);
-    }
+    std::string Read(const std::string& text) { return ReadPath(m_folder.Write("GainCSV.csv", text)); }
     std::string ReadPath(const std::string& path) {
         m_list.Clear();
         std::string outcome = ReadGainFile(path, m_list).value_or("") + "|";
@@ -33,33 +28,30 @@ protected:
         return outcome;
     }
 
-    const fs::path m_folder = fs::path(::testing::TempDir()) /
-                              ("gain_" + std::to_string(std::chrono::steady_clock::now().time_since_epoch().count()));
-    const std::string m_path = (m_folder / "GainCSV.csv").string();
+    const Support::TempFolder m_folder;
     GainList m_list;
 };
 
 TEST_F(GainFileTest, RowsAreKeptUpToTheFirstFaultWhichIsReported) {
     const std::string row = "m,A,2412,1,20MHz\n", other = "m,B,2412,2,20MHz\n";
-    const struct {
-        std::string text, outcome;
-    } cases[] = {{Header + row + other, "|1 2 "},
-                 {Header, "|"},
-                 {"", std::string(Columns) + "|"},
-                 {"a,b,c,d\n" + row, std::string(Columns) + "|"},
-                 {"a,b,c,d,e,f\n" + row, std::string(Columns) + "|"},
-                 {Header + row + "m,,2412,2,20MHz\n" + other, std::string(Columns) + "|1 "},
-                 {Header + row + "m,A,2412,2,20MHz,x\n", std::string(Columns) + "|1 "},
-                 {Header + row + "\n", std::string(Columns) + "|1 "},
-                 {Header + row + "m,A,1e999,2,20MHz\n" + other, std::string(Conversion) + "|1 "},
-                 {Header + row + "m,A,2412,9,20MHz\n" + "m,A,2412.0x,9,20MHz\n" + other, "|1 2 "},
-                 {Header + "m,A,none,none,20MHz", "|0 "},
-                 {Header + "m,A, 2412 , 7dB,20MHz\r\nm,B,,2412,8,20MHz\r\n", "|7 8 "},
-                 {Header + std::string(1 << 20, 'm') + ",A,2412,5,20MHz\n" + row, "|5 1 "},
-                 {Header + "m,A,nan,3,20MHz\nm,A,nan,4,20MHz\n", "|3 4 "},
-                 {Header + "m,A,0,3,20MHz\nm,A,-0,4,20MHz\n", "|3 "}};
-    for (const auto& test : cases)
-        EXPECT_EQ(Read(test.text), test.outcome) << test.text.substr(0, 200);
+    const std::pair<std::string, std::string> cases[] = {
+        {Header + row + other, "|1 2 "},
+        {Header, "|"},
+        {"", std::string(Columns) + "|"},
+        {"a,b,c,d\n" + row, std::string(Columns) + "|"},
+        {"a,b,c,d,e,f\n" + row, std::string(Columns) + "|"},
+        {Header + row + "m,,2412,2,20MHz\n" + other, std::string(Columns) + "|1 "},
+        {Header + row + "m,A,2412,2,20MHz,x\n", std::string(Columns) + "|1 "},
+        {Header + row + "\n", std::string(Columns) + "|1 "},
+        {Header + row + "m,A,1e999,2,20MHz\n" + other, std::string(Conversion) + "|1 "},
+        {Header + row + "m,A,2412,9,20MHz\n" + "m,A,2412.0x,9,20MHz\n" + other, "|1 2 "},
+        {Header + "m,A,none,none,20MHz", "|0 "},
+        {Header + "m,A, 2412 , 7dB,20MHz\r\nm,B,,2412,8,20MHz\r\n", "|7 8 "},
+        {Header + std::string(1 << 20, 'm') + ",A,2412,5,20MHz\n" + row, "|5 1 "},
+        {Header + "m,A,nan,3,20MHz\nm,A,nan,4,20MHz\n", "|3 4 "},
+        {Header + "m,A,0,3,20MHz\nm,A,-0,4,20MHz\n", "|3 "}};
+    for (const auto& [text, outcome] : cases)
+        EXPECT_EQ(Read(text), outcome) << text.substr(0, 200);
 }
 
 TEST_F(GainFileTest, ALookUpNeedsAllFourKeyFields) {
@@ -79,13 +71,13 @@ TEST_F(GainFileTest, ALookUpNeedsAllFourKeyFields) {
 
 TEST_F(GainFileTest, WhatIsNoFileOrIsALinkIsNamedInTheMessage) {
     for (const std::string& path :
-         {m_folder.string(), (m_folder / "absent").string(), std::string("/dev/zero"), std::string()})
+         {m_folder.Path().string(), m_folder / "absent", std::string("/dev/zero"), std::string()})
         EXPECT_EQ(ReadPath(path), "Failed opening " + path + " file|");
     Read(Header);
-    const std::string link = (m_folder / "link").string();
-    fs::create_symlink(m_path, link);
+    const std::string link = m_folder / "link";
+    fs::create_symlink("GainCSV.csv", link);
     EXPECT_EQ(ReadPath(link), "File " + link + " is a link|");
-    fs::remove(m_path);
+    fs::remove(m_folder / "GainCSV.csv");
     EXPECT_EQ(ReadPath(link), "Failed opening " + link + " file|");
 }
 

@@ -14,40 +14,16 @@
 
 namespace {
 
+using Limits = std::numeric_limits<double>;
+constexpr double Extremes[] = {Limits::max(),      Limits::lowest(),    Limits::min(),       Limits::denorm_min(),
+                               Limits::infinity(), -Limits::infinity(), Limits::quiet_NaN(), -Limits::quiet_NaN()};
+
 TEST(NumberText, HasTheBytesOfADefaultStream) {
-    std::vector<double> values{0.0,
-                               -0.0,
-                               1.0,
-                               -1.0,
-                               0.1,
-                               100000.0,
-                               999999.0,
-                               999999.5,
-                               1e6,
-                               123456.5,
-                               123455.5,
-                               0.5,
-                               2.5,
-                               1e-4,
-                               9.99999e-5,
-                               9.999995e-5,
-                               0.000123456789,
-                               99999.95,
-                               99999.949999,
-                               1e5,
-                               1e-5,
-                               1e100,
-                               -1e-100,
-                               5e-324,
-                               std::numeric_limits<double>::max(),
-                               12345.65,
-                               1.000005,
-                               1.0000005,
-                               1.0000015,
-                               3.1415926,
-                               std::numeric_limits<double>::infinity(),
-                               -std::numeric_limits<double>::infinity(),
-                               std::nan("")};
+    std::vector<double> values{0.0,     -0.0,     1.0,      -1.0,       0.1,         100000.0,       999999.0,
+                               0.5,     2.5,      1e-4,     999999.5,   1e6,         123456.5,       123455.5,
+                               1e5,     1e-5,     1e100,    9.99999e-5, 9.999995e-5, 0.000123456789, 99999.95,
+                               -1e-100, 12345.65, 1.000005, 1.0000005,  1.0000015,   99999.949999,   3.1415926};
+    values.insert(values.end(), std::begin(Extremes), std::end(Extremes));
     std::mt19937_64 random(1);
     std::uniform_real_distribution<double> exponent(-7, 8), mantissa(-10, 10);
     for (int k = 0; k < 20000; ++k) {
@@ -85,38 +61,12 @@ void ExpectFixed(std::initializer_list<double> values) {
 }
 
 TEST(NumberText, HasTheBytesOfPercentF) {
-    using Limits = std::numeric_limits<double>;
     const double top = std::ldexp(1.0, 41);  // where the quick way ends
-    ExpectFixed({0.0,
-                 -0.0,
-                 0.5e-6,
-                 1.5e-6,
-                 -2.5e-6,
-                 std::ldexp(1, -7),
-                 std::ldexp(3, -7),
-                 0.9999995,
-                 0.99999949999,
-                 -1e-7,
-                 1e15,
-                 5e-324,
-                 1e-310,
-                 Limits::max(),
-                 Limits::lowest(),
-                 Limits::min(),
-                 Limits::epsilon(),
-                 Limits::infinity(),
-                 -Limits::infinity(),
-                 Limits::quiet_NaN(),
-                 -Limits::quiet_NaN(),
-                 top,
-                 -top,
-                 std::nextafter(top, 0),
-                 top / 2 + 0.5,
-                 32767,
-                 -32768,
-                 4294967295.0,
-                 4294967296.5,
-                 999999.9999995});
+    for (const double extreme : Extremes)
+        ExpectFixed({extreme});
+    ExpectFixed({0.0, -0.0, 0.5e-6, 1.5e-6, -2.5e-6, 0.9999995, 0.99999949999, -1e-7, 1e15, 1e-310, 32767, -32768});
+    ExpectFixed({std::ldexp(1, -7), std::ldexp(3, -7), top, -top, std::nextafter(top, 0), top / 2 + 0.5});
+    ExpectFixed({4294967295.0, 4294967296.5, 999999.9999995, Limits::epsilon()});
     std::mt19937_64 random(7);
     std::uniform_real_distribution<double> level(-160, 20);
     for (int k = 0; k < rounds && !testing::Test::HasFatalFailure(); ++k) {
