@@ -1,7 +1,6 @@
 // Stored captures through "-read_adc_samples_from_file", end to end.
 #include <sys/stat.h>
 
-#include <chrono>
 #include <cmath>
 #include <numbers>
 
@@ -59,7 +58,7 @@ TEST_F(FlowsOfflineTest, EachFileIsMeasuredOnItsOwnTuning) {
     const double expected =
         60.0 - LumenSpectrumAnalyzer::ManualGain(LumenSpectrumAnalyzer::ChipFamily::Pine, 0, 0, 1, "A", 36, 0);
     EXPECT_NEAR(std::stod(lines[0].substr(Good.size() + 1)), expected, 0.05);
-    const auto again = Analyze();
+    Analyze();
     EXPECT_EQ(Results(), lines);
 }
 
@@ -76,27 +75,22 @@ TEST_F(FlowsOfflineTest, AShortFileEndsInSilenceNotInTheFileBefore) {
 }
 
 TEST_F(FlowsOfflineTest, ABadFileEndsTheScanWithItsTextAndKeepsTheLinesSoFar) {
-    struct Row {
-        std::string name, text, error;
-    };
-    const std::string tuned = "BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_";
+    using Row = std::array<std::string, 3>;  // name, text, error
     const Row rows[] = {
-        {tuned, "1 ,2\nx\n", "invalid stod argument"},
-        {tuned, "1 ,1e999\n", "stod argument out of range"},
-        {tuned, "", "Received empty ADC Samples."},
-        {tuned, "0 ,0\n0 ,0\n", "Received empty ADC Samples."},
+        {Good, "1 ,2\nx\n", "invalid stod argument"},
+        {Good, "", "Received empty ADC Samples."},
+        {Good, "0 ,0\n0 ,0\n", "Received empty ADC Samples."},
         {"BAND_7_CHANNEL_36_BW_20_CHAIN_A_", "", "Band 7 is not supported"},
         {"BAND_5.2_CHANNEL_x_BW_20_CHAIN_A_", "", "invalid stoi argument"},
     };
     Start("samples=8192");
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.error);
-        Write("in/" + row.name, row.text);
+    for (const auto& [name, text, error] : rows) {
+        Write("in/" + name, text);
         const Answer answer = Analyze();
-        EXPECT_NE(answer.exitCode, 0);
-        EXPECT_EQ(answer.error, row.error + "\n");
-        EXPECT_EQ(Read("in/result.csv"), Header);
-        fs::remove(Path("in/" + row.name));
+        EXPECT_NE(answer.exitCode, 0) << error;
+        EXPECT_EQ(answer.error, error + "\n");
+        EXPECT_EQ(Read("in/result.csv"), Header) << error;
+        fs::remove(Path("in/" + name));
     }
     EXPECT_EQ(Run("-save_spectrum " + Path("file")).exitCode, 0);  // the file lock is free
 }
@@ -113,17 +107,14 @@ TEST_F(FlowsOfflineTest, AFolderThatHoldsNothingOrIsALinkGetsNoResult) {
 TEST_F(FlowsOfflineTest, AResultThatCannotBeWrittenLosesItsLinesButNotTheAnalysis) {
     Start("samples=8192");
     Write("in/" + Good, Tone(1000, 8192));
-    std::ptrdiff_t told = 0;
     const auto expectAnalysis = [&] {
-        const Answer answer = Analyze();
+        Streams::AppStreams::OpenLogFile(Path("log.txt"));  // anew
+        EXPECT_EQ(Analyze().error, "");
         const std::string inLog = "can't write '" + Path("in/result.csv") + "': ";
-        const auto log = Lines(Read("log.txt"));
-        told += 2;  // the header, then the file's line
-        EXPECT_EQ(std::ranges::count_if(log, [&](const std::string& line) { return line.find(inLog) != line.npos; }),
-                  told);
-        EXPECT_EQ(answer.exitCode, 0) << answer.error;
+        const auto log = Lines(Read("log.txt"));  // the header, then the file's line
+        EXPECT_EQ(std::ranges::count_if(log, [&](const auto& line) { return line.find(inLog) != line.npos; }), 2);
         EXPECT_EQ(Engine().m_CenterFreq, 5180.0);
-        EXPECT_EQ(Run("-update_spectrum").output.find("Failed"), std::string::npos);
+        EXPECT_EQ(Output("-update_spectrum").find("Failed"), std::string::npos);
     };
     fs::create_directory(Path("in/result.csv"));
     expectAnalysis();
@@ -144,7 +135,7 @@ TEST_F(FlowsOfflineTest, RecordedWifiTrafficHasItsKnownPowers) {
     fs::remove(m_folder / "in");
     fs::copy(fs::path(captures) / "wifi", m_folder / "in", fs::copy_options::recursive);
     ASSERT_EQ(Analyze().exitCode, 0);
-    auto lines = Lines(ReadFile(fs::path(captures) / "expected.csv").substr(Header.size()));
+    auto lines = Lines(Support::ReadText(fs::path(captures) / "expected.csv").substr(Header.size()));
     std::ranges::sort(lines);
     EXPECT_EQ(Results(), lines);
 }

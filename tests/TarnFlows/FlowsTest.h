@@ -2,11 +2,9 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <set>
 #include <sstream>
@@ -16,7 +14,10 @@
 #include "OSAL/OSAL.h"
 #include "RadioSetup.h"
 #include "Streams/AppStreams.h"
+#include "Support/TempFolder.h"
 #include "Web/TarnWifiFlowsWeb.h"
+
+using Texts = std::vector<std::string>;
 
 /// What a line gave.
 struct Answer {
@@ -32,32 +33,42 @@ public:
     void OutputObject(std::string text) override { texts.push_back("object " + text); }
     void Output(std::string text) override { texts.push_back("output " + text); }
     void OutputError(std::string text) override { texts.push_back("error " + text); }
-    std::vector<std::string> texts;
+    Texts texts;
+};
+
+/// The front-end variant with what a test sets up or looks at; a line with plain output makes it the plain one.
+class OpenFlows : public TarnWifiFlowsWeb {
+public:
+    using TarnWifiFlowsWeb::m_clearAveragePending;
+    using TarnWifiFlowsWeb::m_clearMaxHoldPending;
+    using TarnWifiFlowsWeb::m_vesper;
+    using TarnWifiFlowsWeb::m_vesperMessages;
+    using TarnWifiFlowsWeb::m_vesperStore;
+    using TarnWifiFlowsWeb::m_vesperTestInProgress;
+    using TarnWifiFlowsWeb::m_workload;
+    using TarnWifiFlowsWeb::TarnWifiFlowsWeb;
 };
 
 class FlowsTest : public ::testing::Test {
 protected:
     FlowsTest() {
-        std::string pattern = (std::filesystem::temp_directory_path() / "tarn-flows-XXXXXX").string();
-        if (!::mkdtemp(pattern.data())) throw std::runtime_error("no folder for the test");
-        m_folder = pattern;
         std::filesystem::current_path(m_folder);  // for keys that write to whatever name they get
         SingletonWrapper<Streams::AppStreams>::accessObject()->errorStream = &m_errorStream;
         Streams::AppStreams::OpenLogFile(Path("log.txt"));  // so that every trace line is built
     }
     ~FlowsTest() override {
+        m_web.reset();
         m_flows.reset();
         Streams::AppStreams::CloseLogFile();
         SingletonWrapper<Streams::AppStreams>::accessObject()->errorStream = nullptr;
-        std::error_code ignored;
-        std::filesystem::current_path(m_folder.parent_path(), ignored);
-        std::filesystem::remove_all(m_folder, ignored);
+        std::filesystem::current_path(m_folder.parent_path());
     }
 
     /// Puts another adapter in place and makes a flow object for it, without Init.
     void Place(const std::string& adapter, const std::string& faults = "") {
+        m_web.reset();
         m_flows.reset();
-        quayCommand::RadioSetup setup{adapter, m_air, (m_folder / "journal").string(), faults};
+        quayCommand::RadioSetup setup{adapter, m_air, Path("journal"), faults};
         setup.storedTuning = quayCommand::StoredTuning::AsTuned;
         const auto refusal = quayCommand::SetUpRadio(setup);
         ASSERT_EQ(refusal.value_or(""), "");
@@ -73,69 +84,72 @@ protected:
         ForgetCalls();
     }
 
-    Answer Run(const std::string& line, bool plain = true) {
+    /// Makes a front-end variant on the adapter that is in place; nothing of what its Init sends is left.
+    void AddWeb() {
+        m_web = std::make_unique<OpenFlows>(&m_host);
+        m_web->Init();
+        m_host.texts.clear();
+    }
+
+    static Answer RunOn(TarnWifiFlows& flows, const std::string& line, bool plain) {
         Answer answer;
         answer.left = line;
-        answer.exitCode = m_flows->RunCommand(answer.left, answer.output, answer.error, plain);
+        answer.exitCode = flows.RunCommand(answer.left, answer.output, answer.error, plain);
         return answer;
+    }
+    Answer Run(const std::string& line) { return RunOn(*m_flows, line, true); }
+    /// What a line makes the front-end variant send; its answer is kept.
+    Texts Send(const std::string& line, bool plain = false) {
+        m_host.texts.clear();
+        m_answer = RunOn(*m_web, line, plain);
+        return std::move(m_host.texts);
+    }
+    /// A message as the host gets it.
+    static std::string Object(const std::string& type, const std::string& data) {
+        return R"(object {"type": ")" + type + R"(", "data": )" + data + "}";
     }
     std::string Output(const std::string& line) { return Run(line).output; }
     LumenSpectrumAnalyzer::CLmnSA& Engine() { return *m_flows->GetLmnSA(); }
 
     /// Radio calls since the last ForgetCalls, whole journal lines; without the questions that no flow's order rests
     /// on.
-    std::vector<std::string> Calls() {
+    Texts Calls() {
         static const std::set<std::string> questions{"GetDeviceInfo", "GetAntennaMask", "IsBandEnabled",
                                                      "IsChannelSupported"};
-        std::vector<std::string> calls;
-        std::ifstream journal(m_folder / "journal");
-        std::size_t number = 0;
-        for (std::string line; std::getline(journal, line);)
-            if (number++ >= m_seenCalls && !questions.contains(line.substr(0, line.find(' ')))) calls.push_back(line);
+        Texts calls = Lines(Read("journal"));
+        calls.erase(calls.begin(), calls.begin() + static_cast<std::ptrdiff_t>(m_seenCalls));
+        std::erase_if(calls, [](const std::string& line) { return questions.contains(NameOf(line)); });
         return calls;
     }
     /// Their names.
-    std::vector<std::string> CallNames() {
-        std::vector<std::string> names = Calls();
-        for (std::string& name : names)
-            name = name.substr(0, name.find(' '));
+    Texts CallNames() {
+        Texts names = Calls();
+        std::ranges::transform(names, names.begin(), NameOf);
         return names;
     }
-    void ForgetCalls() {
-        std::ifstream journal(m_folder / "journal");
-        m_seenCalls = 0;
-        for (std::string line; std::getline(journal, line);)
-            ++m_seenCalls;
-    }
+    void ForgetCalls() { m_seenCalls = Lines(Read("journal")).size(); }
+    static std::string NameOf(const std::string& call) { return call.substr(0, call.find(' ')); }
 
-    std::string Path(const std::string& name) const { return (m_folder / name).string(); }
-    void Write(const std::string& name, const std::string& text) const {
-        std::ofstream(m_folder / name, std::ios::binary) << text;
-    }
-    std::string Read(const std::string& name) const { return ReadFile(m_folder / name); }
-    static std::string ReadFile(const std::filesystem::path& path) {
-        std::ostringstream text;
-        text << std::ifstream(path, std::ios::binary).rdbuf();
-        return text.str();
-    }
-    static std::string MissingGainFile() {
-        std::string folder;
-        OSAL::GetModuleDirectory(folder);
-        return "Failed opening " + folder + "GainCSV.csv file";
-    }
-    static std::vector<std::string> Lines(const std::string& text) {
-        std::vector<std::string> lines;
+    std::string Path(const std::string& name) const { return m_temp / name; }
+    void Write(const std::string& name, const std::string& text) const { m_temp.Write(name, text); }
+    std::string Read(const std::string& name) const { return m_temp.Read(name); }
+    /// The parts of a text that a delimiter ends.
+    static Texts Lines(const std::string& text, char delimiter = '\n') {
+        Texts lines;
         std::istringstream stream(text);
-        for (std::string line; std::getline(stream, line);)
+        for (std::string line; std::getline(stream, line, delimiter);)
             lines.push_back(line);
         return lines;
     }
 
-    std::filesystem::path m_folder;
+    const Support::TempFolder m_temp;
+    const std::filesystem::path& m_folder = m_temp.Path();
     std::string m_air = "sim";
     std::ostringstream m_errorStream;
     Host m_host;
     std::unique_ptr<TarnWifiFlows> m_flows;
+    std::unique_ptr<OpenFlows> m_web;
+    Answer m_answer;  ///< of the last Send
 
 private:
     std::size_t m_seenCalls = 0;

@@ -1,5 +1,5 @@
 // Triggers, what is read out and written behind them, gain, versions and country.
-#include <cmath>
+#include <regex>
 
 #include "FlowsTest.h"
 #include "Support/NumberText.h"
@@ -9,8 +9,7 @@ namespace {
 class FlowsTriggerTest : public FlowsTest {
 protected:
     std::string GainFile(const std::string& rows) {
-        Write("gain.csv", "MAC,CHAIN,FREQ,GAIN,BW\n" + rows);
-        return Path("gain.csv");
+        return m_temp.Write("gain.csv", "MAC,CHAIN,FREQ,GAIN,BW\n" + rows);
     }
     static std::string Row(const std::string& chain, const std::string& frequency, const std::string& gain) {
         return "02:54:41:52:4E:01," + chain + "," + frequency + "," + gain + ",20MHz\n";
@@ -32,8 +31,7 @@ TEST_F(FlowsTriggerTest, ThePlainAnswersAreLinesOfNumbersAsAStreamWritesThem) {
                                               {"-update_iq", 4u, 98304u},
                                               {"-update_histogram", 8u, 20u}}) {
         const std::string text = Output(key);
-        ASSERT_FALSE(text.empty());
-        EXPECT_NE(text.back(), '\n') << key;
+        EXPECT_FALSE(text.ends_with('\n')) << key;
         EXPECT_EQ(text.find("  "), std::string::npos) << key;
         EXPECT_EQ(text.find(" \n"), std::string::npos) << key;
         ASSERT_EQ(Lines(text).size(), lines) << key;
@@ -50,19 +48,6 @@ TEST_F(FlowsTriggerTest, ThePlainAnswersAreLinesOfNumbersAsAStreamWritesThem) {
     EXPECT_EQ(Output("-get_power_per_chain B"), Output("-get_power_per_chain A"));  // the one chain there is
     EXPECT_EQ(Run("-find_peaks 10").exitCode, 0);
     EXPECT_EQ(Lines(Output("-update_peaks")).size(), 1u);
-}
-
-TEST_F(FlowsTriggerTest, AReadOutBeforeAnyCaptureAnswersThatItFailed) {
-    Start();
-    for (const auto& [key, text] : {std::pair{"-update_spectrum", "Failed updating spectrum"},
-                                    {"-update_maxhold", "Failed updating MaxHold"},
-                                    {"-update_channel_average", "Failed updating channel average"},
-                                    {"-update_iq", "Failed updating IQ"},
-                                    {"-update_histogram", "Failed updating Histogram"}}) {
-        const Answer answer = Run(key);
-        EXPECT_EQ(answer.output, text);
-        EXPECT_EQ(answer.exitCode, 0) << key;
-    }
 }
 
 TEST_F(FlowsTriggerTest, ReadOutsBetweenARetuningAndTheNextTriggerNeitherCrashNorThrow) {
@@ -108,32 +93,25 @@ TEST_F(FlowsTriggerTest, TheStoreKeepsEachTriggerByChannelAndChain) {
         AppendStreamText(text, Engine().GetChannelPowerPerChain(chain));
         return text;
     };
+    std::string expected =
+        "BW, Channel, RBW, Chain A Power, Chain B Power, Trigger Time, Chain A Power, Chain B Power, "
+        "Trigger Time\n20MHz, 36 (5180 MHz), 78.125, ";
     Run("-band 5.2 -channel 40 -chain B -trigger_now");
     const std::string b = power(0);
     Run("-channel 36 -chain A -trigger_now");
-    const std::string a = power(0);
+    expected += power(0) + ", None, TIME, ";
     Run("-chain AB -rbw 78.125 -trigger_now");
-    const std::string both = power(0) + ", " + power(1);
+    expected += power(0) + ", " + power(1) + ", TIME\n20MHz, 40 (5200 MHz), 39.0625, None, " + b + ", TIME\n\n";
     ASSERT_EQ(Run("-export_freq_power " + Path("powers.csv")).exitCode, 0);
-    // The times aside: each is "dd/mm/yyyy hh:mm:ss".
-    std::vector<std::string> lines = Lines(Read("powers.csv"));
-    ASSERT_EQ(lines.size(), 4u);
-    const std::string group = ", Chain A Power, Chain B Power, Trigger Time";
-    EXPECT_EQ(lines[0], "BW, Channel, RBW" + group + group);
-    const std::string start36 = "20MHz, 36 (5180 MHz), 78.125, " + a + ", None, ";
-    ASSERT_TRUE(lines[1].starts_with(start36)) << lines[1];
-    EXPECT_EQ(lines[1].substr(start36.size() + 19, both.size() + 4), ", " + both + ", ");
-    EXPECT_EQ(lines[1].size(), start36.size() + 19 + both.size() + 4 + 19);
-    EXPECT_TRUE(lines[2].starts_with("20MHz, 40 (5200 MHz), 39.0625, None, " + b + ", ")) << lines[2];
-    EXPECT_EQ(lines[3], "");
+    const std::regex time(R"(\d\d/\d\d/\d{4} \d\d:\d\d:\d\d)");
+    EXPECT_EQ(std::regex_replace(Read("powers.csv"), time, "TIME"), expected);
 }
 
 TEST_F(FlowsTriggerTest, AnAveragingRunStoresItsLastTriggerUnlessMaxHoldIsOn) {
     Start("samples=2048");
     const auto stored = [&] {
         Run("-export_freq_power powers.csv");
-        const std::string header = Lines(Read("powers.csv"))[0];  // three columns a trigger behind the first three
-        return (std::ranges::count(header, ',') - 2) / 3;
+        return (std::ranges::count(Lines(Read("powers.csv"))[0], ',') - 2) / 3;  // three columns a trigger
     };
     Run("-channel_average true -channel_average_sweep_val 10");
     for (const auto& [counters, count] : {std::pair{"8,9,9", 0}, {"9,0,0", 1}, {"19,0,0", 2}, {"18,0,0", 2}}) {
@@ -194,19 +172,18 @@ TEST_F(FlowsTriggerTest, TheFirstFailedLookUpReportsNothing) {
     EXPECT_EQ(Output(line), "Could not use gain data from a file. No gain matching was found on file");
     Run("-reset_first_run_flags");
     EXPECT_EQ(Output(line), "");
-    EXPECT_EQ(Output("-gain_file_name " + Path("none")), "Failed opening " + Path("none") + " file");
 }
 
 TEST_F(FlowsTriggerTest, TheInternalGainCountsThreeTimesOnTheMiddleBandOfSomeHardware) {
-    for (const auto& [adapter, faults, gain, exitCode] : {std::tuple{"hw=16,samples=2048", "", "6", 0},
-                                                          {"hw=16,samples=2048", "SetManualGainA:1", "6", 258},
-                                                          {"hw=16,samples=2048", "SetManualGainA:1:std", "6", 258},
-                                                          {"hw=12,samples=2048", "", "2", 0}}) {
-        Start(adapter, faults);
+    for (const auto& [hardware, faults, gain, exitCode] : {std::tuple{"16", "", "6", 0},
+                                                           {"16", "SetManualGainA:1", "6", 258},
+                                                           {"16", "SetManualGainA:1:std", "6", 258},
+                                                           {"12", "", "2", 0}}) {
+        Start(std::string("samples=2048,hw=") + hardware, faults);
         EXPECT_EQ(Run("-band 5.2 -channel 36 -internal_gain 2 -trigger_now").exitCode, exitCode);
         Run("-trigger_now");  // the tripled value was for one record
         for (const std::string& call : Calls())
-            if (call.starts_with("SetManualGainA")) {
+            if (NameOf(call) == "SetManualGainA") {
                 EXPECT_TRUE(call.starts_with(std::string("SetManualGainA 1 0 0 ") + gain + " 0 0 ")) << call;
             }
     }
@@ -224,25 +201,23 @@ TEST_F(FlowsTriggerTest, VersionsAndConfigurationStandInTheirLines) {
     const auto lines = Lines(Output("-get_supported_config"));
     ASSERT_GT(lines.size(), 11u);
     EXPECT_EQ(lines[0], std::to_string(0x54F0));
-    EXPECT_EQ(lines[4], "0");  // no sweep yet
-    EXPECT_EQ(lines[5], "3");
-    EXPECT_EQ(lines[6], "02:54:41:52:4E:01");
+    EXPECT_EQ(lines[4] + " " + lines[5] + " " + lines[6], "0 3 02:54:41:52:4E:01");  // no sweep yet
     EXPECT_EQ(lines[11], "(1,LB),1,0,0,0,0");
-    EXPECT_EQ(std::ranges::count(lines, "(36,HB),1,0,0,0,0"), 1);
-    EXPECT_EQ(std::ranges::count(lines, "(31,UHB),0,0,0,0,1"), 1);
+    for (const char* flags : {"(36,HB),1,0,0,0,0", "(31,UHB),0,0,0,0,1"})
+        EXPECT_EQ(std::ranges::count(lines, flags), 1) << flags;
 }
 
 TEST_F(FlowsTriggerTest, ThePlatformReportHasNineLabelledLines) {
     Start();
-    const std::string labels[] = {
-        "CPU string: ",     "Computer name: ",   "Architecture: ",    "Number of processors: ", "wProcessorRevision: ",
-        "Processor type: ", "Min app address: ", "Max app address: ", "Active processor mask: "};
+    std::string labels;
     const auto lines = Lines(Output("-get_platform_info"));
-    ASSERT_EQ(lines.size(), std::size(labels));
-    for (std::size_t k = 0; k < lines.size(); ++k)
-        EXPECT_TRUE(lines[k].starts_with(labels[k])) << lines[k];
-    EXPECT_GE(std::stoi(lines[3].substr(labels[3].size())), 1);
-    EXPECT_TRUE(lines[7].substr(labels[7].size()).starts_with("0x")) << lines[7];
+    for (const std::string& line : lines)
+        labels += line.substr(0, line.find(": ")) + ";";
+    EXPECT_EQ(labels,
+              "CPU string;Computer name;Architecture;Number of processors;wProcessorRevision;Processor type;"
+              "Min app address;Max app address;Active processor mask;");
+    EXPECT_GE(std::stoi(lines.at(3).substr(22)), 1);
+    EXPECT_TRUE(lines.at(7).starts_with("Max app address: 0x")) << lines[7];
 }
 
 TEST_F(FlowsTriggerTest, OnlyTwoLettersAreACountry) {

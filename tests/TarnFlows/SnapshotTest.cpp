@@ -35,46 +35,22 @@ protected:
 };
 
 TEST_F(SnapshotTest, HoldsThreeColumnsAFieldAndTheSettingsBeside) {
-    const std::vector<std::string> lines = Lines(Saved());
+    const Texts lines = Lines(Saved());
     ASSERT_EQ(lines.size(), 4097u);
     std::string header;
-    for (const auto& [name, length] : std::vector<std::pair<std::string, int>>{{"m_Average", 256},
-                                                                               {"m_HistMinMax", 3},
-                                                                               {"m_Histogram", 20},
-                                                                               {"m_HistogramI", 20},
-                                                                               {"m_HistogramQ", 20},
-                                                                               {"m_ISweep", 4096},
-                                                                               {"m_MaxHold", 256},
-                                                                               {"m_QSweep", 4096},
-                                                                               {"m_Spectrum", 256},
-                                                                               {"m_freqPowerChainsAFreqs", 209},
-                                                                               {"m_freqPowerChainsBFreqs", 209},
-                                                                               {"m_freqPowerChannels", 209}})
+    for (const char* field : {"m_Average 256", "m_HistMinMax 3", "m_Histogram 20", "m_HistogramI 20", "m_HistogramQ 20",
+                              "m_ISweep 4096", "m_MaxHold 256", "m_QSweep 4096", "m_Spectrum 256",
+                              "m_freqPowerChainsAFreqs 209", "m_freqPowerChainsBFreqs 209", "m_freqPowerChannels 209"})
         for (const char* chain : {"_0[", "_1[", "_2["})
-            header += name + chain + std::to_string(length) + "],";
+            header += Lines(field, ' ')[0] + chain + Lines(field, ' ')[1] + "],";
     EXPECT_EQ(lines[0], header + "nonArrayFieldsAndValues");
-    const char* const settings[] = {"m_NumChains=2",
-                                    "m_sampleRate=80",
-                                    "m_RBW=312.5",
-                                    "m_NumOfSamples=4096",
-                                    "m_averageSweepsValue=1",
-                                    "m_ChannelAverageCounter=0",
-                                    "m_isAverage=1",
-                                    "m_isMaxHold=1",
-                                    "m_SweepLen=4096",
-                                    "m_band=1",
-                                    "m_Bandwidth=80",
-                                    "m_currChain=3",
-                                    "m_currChannelIndex=1",
-                                    "m_currChannelNumber=42",
-                                    "m_currChannelFrequency=5210",
-                                    "m_noiseFloorLowBand=-90",
-                                    "m_noiseFloorHighBand=-91",
-                                    "m_noiseFloorUltraHighBand=-92",
-                                    "m_internalLnaGain=2",
-                                    "m_isPreLnaResistor=0"};
-    for (std::size_t k = 0; k < std::size(settings); ++k)
-        EXPECT_EQ(lines[k + 1].substr(lines[k + 1].rfind(',') + 1), settings[k]);
+    const char* const settings =
+        "m_NumChains=2 m_sampleRate=80 m_RBW=312.5 m_NumOfSamples=4096 m_averageSweepsValue=1 "
+        "m_ChannelAverageCounter=0 m_isAverage=1 m_isMaxHold=1 m_SweepLen=4096 m_band=1 m_Bandwidth=80 m_currChain=3 "
+        "m_currChannelIndex=1 m_currChannelNumber=42 m_currChannelFrequency=5210 m_noiseFloorLowBand=-90 "
+        "m_noiseFloorHighBand=-91 m_noiseFloorUltraHighBand=-92 m_internalLnaGain=2 m_isPreLnaResistor=0";
+    for (std::size_t at = 1; const std::string& setting : Lines(settings, ' '))
+        EXPECT_TRUE(lines[at++].ends_with("," + setting)) << setting;
     std::ostringstream sample;
     sample << std::string(15, ',') << Engine().m_ISweep[0]->val[4095] << ',' << Engine().m_ISweep[1]->val[4095]
            << ",0,,,," << Engine().m_QSweep[0]->val[4095] << ',' << Engine().m_QSweep[1]->val[4095] << ",0,"
@@ -87,17 +63,18 @@ TEST_F(SnapshotTest, HoldsThreeColumnsAFieldAndTheSettingsBeside) {
 
 TEST_F(SnapshotTest, ALoadBringsResultsBackAndASaveBehindItGivesTheSameBytes) {
     const std::string text = Saved();
-    const char* const readOuts[] = {"-update_spectrum", "-update_maxhold", "-update_channel_average",
-                                    "-update_histogram"};
-    std::vector<std::string> before;
-    for (const char* key : readOuts)
-        before.push_back(Output(key));
+    const auto readOuts = [&] {
+        std::string all;
+        for (const char* key : {"-update_spectrum", "-update_maxhold", "-update_channel_average", "-update_histogram"})
+            all += Output(key) + '\n';
+        return all;
+    };
+    const std::string before = readOuts();
     Start("samples=4096");
     ForgetCalls();
     EXPECT_EQ(Load(text), "");
-    EXPECT_EQ(Calls(), std::vector<std::string>{}) << "the radio is left alone";
-    for (std::size_t k = 0; k < before.size(); ++k)
-        EXPECT_EQ(Output(readOuts[k]), before[k]);
+    EXPECT_EQ(Calls(), Texts{}) << "the radio is left alone";
+    EXPECT_EQ(readOuts(), before);
     EXPECT_EQ(Output("-update_iq").find_first_not_of("0 \n"), std::string::npos) << "the samples stay in the file";
     Run("-save_all " + Path("c.csv"));
     EXPECT_EQ(Read("c.csv"), text);
@@ -110,68 +87,50 @@ TEST_F(SnapshotTest, ALoadBringsResultsBackAndASaveBehindItGivesTheSameBytes) {
 
 TEST_F(SnapshotTest, AFrontEndGetsItsValuesBackAndEachVariantReadsTheOthersFile) {
     const std::string plain = Saved();
-    TarnWifiFlowsWeb web(&m_host);
-    web.Init();
-    const auto send = [&](std::string line) {
-        m_host.texts.clear();
-        std::string output, error;
-        web.RunCommand(line, output, error, false);
-        return error;
+    AddWeb();
+    Texts sent;
+    const auto send = [&](const std::string& line) {
+        sent = Send(line);
+        return m_answer.error;
     };
     send("-channel 1 -trigger_now");  // until then three noise floors are one too many
     EXPECT_EQ(send("-load_all " + Path("a.csv")), "");
-    ASSERT_EQ(m_host.texts.size(), 2u);
-    const std::string settings =
-        R"({"parameter": "m_RBW","value": "312.5"},{"parameter": "m_AverageSweepsVal","value": "1"},)"
-        R"({"parameter": "m_ChannelAverageCounter","value": "0"},{"parameter": "Average","value": "1"},)"
-        R"({"parameter": "MaxHold","value": "1"},{"parameter": "m_SweepLen","value": "4096"},)"
-        R"({"parameter": "m_band","value": "1"},{"parameter": "m_Bandwidth","value": "80"},)"
-        R"({"parameter": "m_currChain","value": "3"},{"parameter": "m_currChannelNumber","value": "42"},)"
-        R"({"parameter": "m_currChannelFrequency","value": "5210"},{"parameter": "m_noiseFloor_low","value": "-90"},)"
-        R"({"parameter": "m_noiseFloor_high","value": "-91"},{"parameter": "m_noiseFloor_ultrahigh","value": "-92"},)"
-        R"({"parameter": "internalLnaGain","value": "2"},{"parameter": "isPreLnaResistorConnected","value": "0"},)";
-    EXPECT_TRUE(m_host.texts[0].starts_with(R"(object {"type": "Load All Response", "data": [ )" + settings +
-                                            R"({"parameter": "is_scan","value": ""},)"));
-    EXPECT_TRUE(m_host.texts[1].starts_with(R"(object {"type": "Power Table Data")"));
+    ASSERT_EQ(sent.size(), 2u);
+    std::string settings;
+    for (const std::string& setting : Lines(
+             "m_RBW 312.5,m_AverageSweepsVal 1,m_ChannelAverageCounter 0,Average 1,MaxHold 1,m_SweepLen 4096,m_band 1,"
+             "m_Bandwidth 80,m_currChain 3,m_currChannelNumber 42,m_currChannelFrequency 5210,m_noiseFloor_low -90,"
+             "m_noiseFloor_high -91,m_noiseFloor_ultrahigh -92,internalLnaGain 2,isPreLnaResistorConnected 0,is_scan ",
+             ','))
+        settings +=
+            R"({"parameter": ")" + NameOf(setting) + R"(","value": ")" + setting.substr(setting.find(' ') + 1) + "\"},";
+    EXPECT_TRUE(sent[0].starts_with(R"(object {"type": "Load All Response", "data": [ )" + settings));
+    EXPECT_TRUE(sent[1].starts_with(R"(object {"type": "Power Table Data")"));
     EXPECT_EQ(send("-save_all " + Path("w.csv") + ",1,0,1,1.5,3.14159265,6,7,8,9,10,11,12,-87.5,-88"), "");
-    EXPECT_EQ(m_host.texts.at(0), R"(object {"type": "Save All Response", "data": {"status": "Saved"}})");
+    EXPECT_EQ(sent.at(0), Object("Save All Response", R"({"status": "Saved"})"));
     send("-load_all " + Path("w.csv"));
-    EXPECT_NE(m_host.texts.at(0).find(R"("delay","value": "3.14159"},{"parameter": "is_multiple)"), std::string::npos);
-    EXPECT_TRUE(m_host.texts.at(0).ends_with(R"({"parameter": "powerB","value": "-88"} ]})"));
+    EXPECT_NE(sent.at(0).find(R"("delay","value": "3.14159"},{"parameter": "is_multiple)"), std::string::npos);
+    EXPECT_TRUE(sent.at(0).ends_with(R"({"parameter": "powerB","value": "-88"} ]})"));
     send("-save_all " + Path("w2.csv") + ",1");
-    EXPECT_EQ(m_host.texts.at(0), R"(object {"type": "Save All Response", "data": {"status": )"
-                                  R"("ERROR: unexpected number of parameters"}})");
+    EXPECT_EQ(sent.at(0), Object("Save All Response", R"({"status": "ERROR: unexpected number of parameters"})"));
     EXPECT_FALSE(std::filesystem::exists(Path("w2.csv")));
     EXPECT_EQ(Load(Read("w.csv")), "");
     EXPECT_EQ(Load(plain), "");
     Write("zero.csv", With(plain, "SweepsValue=1", "SweepsValue=0"));
-    EXPECT_NE(send("-load_all " + Path("zero.csv"))
-                  .find("Failed to load settings: parameter average sweeps is out of "
-                        "range [1...100]"),
-              std::string::npos);
-    EXPECT_TRUE(m_host.texts.empty() || m_host.texts[0].find("Load All") == std::string::npos);
+    const std::string refused = "Failed to load settings: parameter average sweeps is out of range [1...100]";
+    EXPECT_NE(send("-load_all " + Path("zero.csv")).find(refused), std::string::npos);
+    EXPECT_TRUE(sent.empty() || sent[0].find("Load All") == std::string::npos);
 }
 
 TEST_F(SnapshotTest, ABrokenFileIsRefusedAndTheSettingsOfBeforeStay) {
     const std::string text = Saved();
-    const std::string tuned = "-save_all " + Path("now.csv");
-    const std::pair<std::string, std::string> changes[] = {{"m_RBW=312.5", "m_RBX=312.5"},
-                                                           {"m_NumChains=2", "m_NumChains=4"},
-                                                           {"m_NumChains=2", "m_NumChains=-1"},
-                                                           {"m_NumChains=2", "m_NumChains=two"},
-                                                           {"Samples=4096", "Samples=4194305"},
-                                                           {"Samples=4096", "Samples=99999999999"},
-                                                           {"m_RBW=312.5", "m_RBW=1e-9"},
-                                                           {"m_RBW=312.5", "m_RBW=nan"},
-                                                           {"m_RBW=312.5", "m_RBW=300"},
-                                                           {"m_sampleRate=80", "m_sampleRate=inf"},
-                                                           {"m_Bandwidth=80", "m_Bandwidth=81"},
-                                                           {"m_currChain=3", "m_currChain=7"},
-                                                           {"ChannelIndex=1", "ChannelIndex=99"},
-                                                           {"ChannelIndex=1", "ChannelIndex=-1"},
-                                                           {"LnaGain=2", "LnaGain=6"},
-                                                           {"\n-", "\nx-"}};
-    for (const auto& [from, to] : changes) {
+    for (const std::string change :
+         {"m_RBW=312.5 m_RBX=312.5", "m_NumChains=2 m_NumChains=4", "m_NumChains=2 m_NumChains=-1",
+          "m_NumChains=2 m_NumChains=two", "Samples=4096 Samples=4194305", "Samples=4096 Samples=99999999999",
+          "m_RBW=312.5 m_RBW=1e-9", "m_RBW=312.5 m_RBW=nan", "m_RBW=312.5 m_RBW=300",
+          "m_sampleRate=80 m_sampleRate=inf", "m_Bandwidth=80 m_Bandwidth=81", "m_currChain=3 m_currChain=7",
+          "ChannelIndex=1 ChannelIndex=99", "ChannelIndex=1 ChannelIndex=-1", "LnaGain=2 LnaGain=6", "\n- \nx-"}) {
+        const std::string from = NameOf(change), to = change.substr(from.size() + 1);
         EXPECT_NE(Load(With(text, from, to)), "") << to;
         EXPECT_EQ(Engine().m_RBW, 312.5) << to;
         EXPECT_EQ(Engine().m_SampleRate, 80) << to;
@@ -182,8 +141,8 @@ TEST_F(SnapshotTest, ABrokenFileIsRefusedAndTheSettingsOfBeforeStay) {
         EXPECT_NE(Run(key + Path("link.csv")).error.find("is a link"), std::string::npos);
     EXPECT_NE(Run("-load_all " + Path("none.csv")).error.find("could not open file '" + Path("none.csv") + "'"),
               std::string::npos);
-    Run(tuned);
-    EXPECT_TRUE(Read("now.csv").find("m_currChannelNumber=42") != std::string::npos);
+    Run("-save_all now.csv");
+    EXPECT_NE(Read("now.csv").find("m_currChannelNumber=42"), std::string::npos);
 }
 
 TEST_F(SnapshotTest, CutFlippedAndOversizedFilesNeitherCrashNorHang) {

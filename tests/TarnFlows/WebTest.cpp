@@ -7,17 +7,15 @@
 
 namespace {
 
-using Texts = std::vector<std::string>;
-
-/// Numbers as a message's array holds them, by the C library.
+/// Numbers as a message's arrays hold them, by the C library; a blank behind each.
 std::string Numbers(const char* format, const double* values, std::size_t count) {
     std::string text;
     for (std::size_t k = 0; k < count; ++k) {
         char number[400];
         std::snprintf(number, sizeof number, format, values[k]);
-        text.append(k == 0 ? "" : ", ").append(number);
+        text.append(number).append(" ");
     }
-    return "[" + text + "]";
+    return text;
 }
 
 /// True when `text` is `pattern`, in which "..." stands for any run without quotes and brackets.
@@ -43,26 +41,27 @@ protected:
             samples += std::to_string(37 * n % 2001 - 1000) + " ," + std::to_string(53 * n % 1777 - 888) + "\n";
         Write("air.txt", samples);
         m_air = "file:" + Path("air.txt");
-        m_web.reset();
         Place(adapter);
-        m_web = std::make_unique<TarnWifiFlowsWeb>(&m_host);
-        m_web->Init();
+        AddWeb();
+    }
+    /// All numbers of a message's arrays, a blank behind each.
+    static std::string ArraysOf(const std::string& message) {
+        std::string text;
+        for (std::string part : Lines(message, '[')) {
+            if (std::string_view("-0123456789").find(part[0]) == std::string_view::npos) continue;
+            part.erase(part.find(']'));
+            std::erase(part, ',');
+            text += part + " ";
+        }
+        return text;
+    }
+    /// The messages of what isn't asked for by a line.
+    template <typename Operation>
+    Texts SentBy(Operation&& operation) {
         m_host.texts.clear();
+        operation();
+        return m_host.texts;
     }
-    /// What a line sends to the host.
-    Texts Send(std::string line, bool plain = false) {
-        m_host.texts.clear();
-        std::string error;
-        m_web->RunCommand(line, m_output, error, plain);
-        return std::move(m_host.texts);
-    }
-    static Texts Object(const std::string& type, const std::string& data) {
-        return {R"(object {"type": ")" + type + R"(", "data": )" + data + "}"};
-    }
-    static std::string Status(const std::string& text) { return R"({"status": ")" + text + R"("})"; }
-
-    std::unique_ptr<TarnWifiFlowsWeb> m_web;
-    std::string m_output;  ///< text answer of the last line
 };
 
 /// A command line of the protocol's description and the messages that it shows behind it.
@@ -89,7 +88,7 @@ std::vector<Example> ExamplesOf(const Texts& document) {
 
 TEST_F(WebTest, TheExamplesOfTheProtocolsDescriptionAreWhatIsSent) {
     StartWeb("samples=1024,bands=0");
-    const auto examples = ExamplesOf(Lines(ReadFile(TARN_DOCS "/protocol.md")));
+    const auto examples = ExamplesOf(Lines(Support::ReadText(TARN_DOCS "/protocol.md")));
     EXPECT_GT(examples.size(), 20u);
     for (const Example& example : examples) {
         SCOPED_TRACE(example.line);
@@ -110,28 +109,26 @@ TEST_F(WebTest, ATriggerSendsEveryNumberOfItsChains) {
     const auto& engine = *m_web->GetLmnSA();
     std::string spectrum, codes, histogram, average;
     for (std::size_t c = 0; c < 2; ++c) {
-        const std::string chain = std::string(c == 0 ? "" : ",") + R"({"chain": "AB",)";
-        const auto bins = [&](const double* values) { return Numbers("%f", values, 128); };
-        const auto counts = [&](const double* values) { return Numbers("%f", values, 20); };
-        spectrum += chain + R"("data": )" + bins(engine.m_Spectrum[c]->val) + R"(, "averageData": )" +
-                    bins(engine.m_Average[c]->val) + R"(, "maxData": )" +
-                    bins(engine.m_MaxHold[c][engine.m_ChannelIndex]->val) + "}";
-        codes += chain + R"("IData": )" + Numbers("%f", engine.m_ISweep[c]->val, 1024) + R"(,"QData": )" +
-                 Numbers("%f", engine.m_QSweep[c]->val, 1024) + "}";
-        histogram += chain + R"("IQData": )" + counts(engine.m_Histogram[c]->val) + R"(,"IData": )" +
-                     counts(engine.m_HistogramI[c]->val) + R"(,"QData": )" + counts(engine.m_HistogramQ[c]->val) +
-                     R"(,"IQMinMax": )" + Numbers("%f", &engine.m_HistogramRange[c]->first, 1);
-        histogram.pop_back();
-        histogram += ", " + Numbers("%f", &engine.m_HistogramRange[c]->second, 1).substr(1) + "}";
-        average += R"(,"data)" + std::to_string(c) + R"(": )" + Numbers("%g", engine.m_Average[c]->val, 128);
+        for (const double* values :
+             {engine.m_Spectrum[c]->val, engine.m_Average[c]->val, engine.m_MaxHold[c][engine.m_ChannelIndex]->val})
+            spectrum += Numbers("%f", values, 128);
+        for (const double* values : {engine.m_ISweep[c]->val, engine.m_QSweep[c]->val})
+            codes += Numbers("%f", values, 1024);
+        for (const double* values :
+             {engine.m_Histogram[c]->val, engine.m_HistogramI[c]->val, engine.m_HistogramQ[c]->val})
+            histogram += Numbers("%f", values, 20);
+        histogram += Numbers("%f", &engine.m_HistogramRange[c]->first, 1);
+        histogram += Numbers("%f", &engine.m_HistogramRange[c]->second, 1);
+        average += Numbers("%g", engine.m_Average[c]->val, 128);
     }
     // Long texts: a failure names the message alone.
-    EXPECT_TRUE(sent[3] == Object("Spectrum Data", "[" + spectrum + "]")[0]);
-    EXPECT_TRUE(sent[4] == Object("IQ Amplitude Data", "[" + codes + "]")[0]);
-    EXPECT_TRUE(sent[5] == Object("Histogram Data", "[" + histogram + "]")[0]);
-    EXPECT_EQ(Send("-get_channel_average -update_channel_average"),
-              Object("Spectrum Data Average", R"({"chain": "AB")" + average + "}"));
-    EXPECT_EQ(m_output, "");  // a message takes the text answer's place
+    EXPECT_TRUE(ArraysOf(sent[3]) == spectrum);
+    EXPECT_TRUE(ArraysOf(sent[4]) == codes);
+    EXPECT_TRUE(ArraysOf(sent[5]) == histogram);
+    const Texts averages = Send("-get_channel_average -update_channel_average");
+    ASSERT_EQ(averages.size(), 1u);
+    EXPECT_EQ(ArraysOf(averages[0]), average);
+    EXPECT_EQ(m_answer.output, "");  // a message takes the text answer's place
 }
 
 /// Keys that answer in messages with either output; and the whole burn-in test, which ends in one.
@@ -149,78 +146,72 @@ TEST_F(WebTest, WithPlainOutputEveryLineAnswersAsThePlainVariantAndSendsNothing)
             std::string line = std::string(row.name) + " " + argument;
             const Answer plain = Run(line);
             EXPECT_EQ(Send(line, true), Texts{}) << line;
-            EXPECT_EQ(m_output, plain.output) << line;
+            EXPECT_EQ(m_answer.output, plain.output) << line;
         }
 }
 
-TEST_F(WebTest, AnUpdateThatFailsGoesToTheErrorLine) {
+TEST_F(WebTest, AnUpdateThatFailsIsTheAnswerOfAPlainLineAndTheErrorLineOfAnother) {
     StartWeb();
-    for (const auto& [key, text] : {std::pair{"-update_channel_average", "Failed updating MaxHold"},
-                                    {"-update_iq", "Failed updating IQ"},
-                                    {"-update_histogram", "Failed updating Histogram"}})
-        EXPECT_EQ(Send(key), Texts{std::string("error ") + text});
-    const Texts sent = Send("-update_spectrum");  // the power goes out first
-    ASSERT_EQ(sent.size(), 2u);
-    EXPECT_EQ(sent[1], "error Failed updating spectrum");
+    for (const auto& [key, plain, message] : {std::tuple{"-update_channel_average", "channel average", "MaxHold"},
+                                              {"-update_iq", "IQ", "IQ"},
+                                              {"-update_histogram", "Histogram", "Histogram"},
+                                              {"-update_spectrum", "spectrum", "spectrum"},
+                                              {"-update_maxhold", "MaxHold", ""}}) {
+        EXPECT_EQ(Send(key, true), Texts{}) << key;
+        EXPECT_EQ(m_answer.output, std::string("Failed updating ") + plain);
+        EXPECT_EQ(m_answer.exitCode, 0) << key;
+        if (!*message) continue;
+        const Texts sent = Send(key);  // the power of a spectrum goes out first
+        EXPECT_EQ(sent.size(), plain == std::string("spectrum") ? 2u : 1u);
+        EXPECT_EQ(sent.back(), std::string("error Failed updating ") + message);
+    }
 }
 
 TEST_F(WebTest, OnlyTheStatusOfTheGainIsEscaped) {
     StartWeb();
-    m_web->SetGainStatusResponse("a\"b\\c\nd\re\tf\x01");
-    EXPECT_EQ(m_host.texts, Object("Gain Status", R"({"status": "a\"b\\c\nd\re\tf)"
-                                                  "\x01\"}"));
-    Write("gain.csv", "M,C,F,G,B\n02:54:41:52:4E:01,A,2412,5,20MHz\n");
-    Send("-gain_file_name " + Path("gain.csv"));
-    EXPECT_EQ(Send("-set_gain_from_file"),
-              Object("Gain Status", Status("Gain data was loaded successfully from the file")));
-    EXPECT_EQ(Send("-channel 6"), Texts{});
-    EXPECT_EQ(Send("-set_gain_from_file"),
-              Object("Gain Status", Status("Could not use gain data from a file. No gain matching was found on file")));
-    EXPECT_EQ(Send("-set_gain_from_file"), Object("Gain Status", Status("Could not use gain data from a file")));
-    m_host.texts.clear();
-    m_web->GetPowerByChain("x\"\\y");
-    EXPECT_EQ(m_host.texts, Object("Power Per Chain", R"({"chain": "x"\y","power": "0.000000"})"));
+    EXPECT_EQ(SentBy([&] { m_web->SetGainStatusResponse("a\"b\\c\nd\re\tf\x01"); }),
+              Texts{Object("Gain Status", R"({"status": "a\"b\\c\nd\re\tf)"
+                                          "\x01\"}")});
+    EXPECT_EQ(SentBy([&] { m_web->GetPowerByChain("x\"\\y"); }),
+              Texts{Object("Power Per Chain", R"({"chain": "x"\y","power": "0.000000"})")});
 }
 
 TEST_F(WebTest, NoiseFloorsAreTwoBeforeTheFirstCaptureAndOneForEachBandBehindIt) {
     StartWeb();
     EXPECT_EQ(Send("-noise_floor -91,0"), Texts{});
-    EXPECT_EQ(m_output, "");
+    EXPECT_EQ(m_answer.output, "");
     EXPECT_EQ(m_web->GetLmnSA()->m_BandNoiseFloor, (std::array{-91, 0, 0}));
     Send("-noise_floor -91,-92,-93");
-    EXPECT_EQ(m_output, "ERROR:incorrect number of noise floor values\n");
+    EXPECT_EQ(m_answer.output, "ERROR:incorrect number of noise floor values\n");
     Send("-trigger_now");
     Send("-noise_floor -91,-92,-93");
-    EXPECT_EQ(m_output, "");
+    EXPECT_EQ(m_answer.output, "");
     EXPECT_EQ(m_web->GetLmnSA()->m_BandNoiseFloor, (std::array{-91, -92, -93}));
 }
 
 TEST_F(WebTest, ThePowerTableHoldsTheLastPowersOfEachChannelVisited) {
     StartWeb("samples=1024,antennas=3");
-    m_web->SendPowerTableData();
-    EXPECT_EQ(m_host.texts, Object("Power Table Data", "[]"));
+    const auto table = [&] { return SentBy([&] { m_web->SendPowerTableData(); }); };
+    EXPECT_EQ(table(), Texts{Object("Power Table Data", "[]")});
     Send("-trigger_now");
     Send("-get_power_per_chain A", true);
-    const std::string a = m_output;
+    const std::string a = m_answer.output;
     Send("-chain B -band 5.2 -channel 36 -trigger_now");
     Send("-get_power_per_chain B", true);
-    const std::string b = m_output;
-    m_host.texts.clear();
-    m_web->SendPowerTableData();
-    EXPECT_EQ(
-        m_host.texts,
-        Object("Power Table Data",
-               R"([{"key": "1,20,2.4","value": {"channel": "1","frequency": "2412","bandwidth": "20","band": "2.4",)"
-               R"("powerChainA": ")" +
-                   a +
-                   R"(","powerChainB": "None"}},{"key": "36,20,5","value": {"channel": )"
-                   R"("36","frequency": "5180","bandwidth": "20","band": "5","powerChainA": "None","powerChainB": ")" +
-                   b + R"("}}])"));
+    const std::string b = m_answer.output;
+    const std::string first =
+        R"([{"key": "1,20,2.4","value": {"channel": "1","frequency": "2412","bandwidth": "20","band": "2.4",)";
+    const std::string second =
+        R"({"key": "36,20,5","value": {"channel": "36","frequency": "5180","bandwidth": "20","band": "5",)";
+    EXPECT_EQ(table(), Texts{Object("Power Table Data",
+                                    first + R"("powerChainA": ")" + a + R"(","powerChainB": "None"}},)" + second +
+                                        R"("powerChainA": "None","powerChainB": ")" + b + R"("}}])")});
 }
 
 TEST_F(WebTest, AnAdapterWithOneAntennaHasOneChain) {
     StartWeb("samples=1024,antennas=1,card=64");
-    EXPECT_EQ(Send("-get_supported_chains"), Object("Supported Chains Data", R"([{"value": "A", "label": "A"}])"));
+    EXPECT_EQ(Send("-get_supported_chains"),
+              Texts{Object("Supported Chains Data", R"([{"value": "A", "label": "A"}])")});
 }
 
 }  // namespace
