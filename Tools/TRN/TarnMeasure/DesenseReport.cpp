@@ -68,7 +68,8 @@ std::string Escaped(const std::string& text) {
 std::string Why(const DesenseChannel& channel) {
     const Judgement& judged = channel.judgement;
     if (judged.verdict == Verdict::Invalid) return judged.invalid;
-    return Figure(judged.level_dbm) + " dBm against a limit of " + Figure(judged.limit_dbm) + " dBm";
+    return Figure(judged.level_dbm) + " dBm against a limit of " + Figure(judged.limit_dbm) + " dBm" +
+           (judged.frequency_mhz ? " at " + Figure(*judged.frequency_mhz, 3) + " MHz" : "");
 }
 
 std::string Cell(const std::string& text, const std::string& more = "") {
@@ -132,7 +133,8 @@ std::string Spectrum(const DesenseChannel& channel, const DesenseLevel& level, d
         for (const double value : *bins)
             if (std::isfinite(value)) low = std::min(low, value), high = std::max(high, value);
     if (!(low < high)) return {};
-    low = std::min(low, high - LeastSpan_db);
+    const double room = std::max(0.0, LeastSpan_db - (high - low)) / 2;
+    low -= room, high += room;
     return "<figure><figcaption>" + Escaped(Place(channel) + ", chain " + level.chain) +
            "</figcaption><svg viewBox='0 0 500 175'>" + Line(level.maximum, low, high, "maximum") +
            Line(level.average, low, high, "average") + "<text x='0' y='15'>" + Figure(high) +
@@ -144,21 +146,24 @@ std::string Spectrum(const DesenseChannel& channel, const DesenseLevel& level, d
 constexpr const char* Style =
     "body{font:14px sans-serif;margin:2em;max-width:70em}table{border-collapse:collapse}td,th{padding:2px 10px;"
     "border-bottom:1px solid #ccc;text-align:right}td.t,th.t{text-align:left}"
-    "td{overflow-wrap:anywhere}td:first-child,td:nth-child(8){white-space:nowrap}svg{width:100%}svg "
+    "td{white-space:nowrap}td.t+td.t,td.t:last-child{white-space:normal;overflow-wrap:anywhere}svg{width:100%}svg "
     "text{font-size:11px}"
     "figure{display:inline-block;width:46%;margin:1%;break-inside:avoid}tr{break-inside:avoid}"
     ".PASS{fill:#2a7d3f;color:#2a7d3f}.MARGIN{fill:#b07a00;color:#b07a00}.FAIL{fill:#b3261e;color:#b3261e}"
     ".INVALID{fill:#777;color:#777}.idle{fill:#333;opacity:.6}polyline{fill:none;stroke:#1f5fa8}"
-    "polyline.maximum{stroke:#d08a2e}@media print{body{margin:0}h2{break-after:avoid}}";
+    "polyline.maximum{stroke:#d08a2e}@media print{body{margin:0;font-size:12px}h2{break-after:avoid}}";
 
 std::string Rows(const DesenseResult& result) {
     std::string html;
     for (const DesenseChannel& one : result.channels) {
         const std::string verdict = VerdictText(one.judgement.verdict);
+        std::string why = one.judgement.verdict == Verdict::Invalid ? one.judgement.invalid : "";
+        if (why.empty() && one.judgement.frequency_mhz)
+            why = Figure(one.judgement.level_dbm) + " dBm at " + Figure(*one.judgement.frequency_mhz, 3) + " MHz";
         html += "<tr>" + Cell(Place(one), " class='t'") + Cell(Figure(Worst(one, &DesenseLevel::average_dbm))) +
                 Cell(Figure(Worst(one, &DesenseLevel::peak_dbm))) + Cell(Figure(LimitOf(one))) +
                 Cell(Figure(one.desense_db)) + Cell(Figure(one.idle_db)) + Cell(Figure(one.Rise())) +
-                Cell(verdict, " class='" + verdict + "'") + Cell(Why(one), " class='t'") + "</tr>\n";
+                Cell(verdict, " class='" + verdict + "'") + Cell(why, " class='t'") + "</tr>\n";
     }
     return html;
 }
