@@ -1,6 +1,6 @@
 // The server from outside: what it refuses, what it answers, and that no client holds back another.
 import assert from 'node:assert/strict';
-import { existsSync, readFileSync, symlinkSync, writeFileSync } from 'node:fs';
+import { existsSync, readFileSync, rmSync, symlinkSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import test from 'node:test';
 import { Server } from './support.mjs';
@@ -112,9 +112,27 @@ test('files are names in one folder, whatever a line or a path says', async (t) 
   assert.equal(readFileSync(outside, 'utf8'), 'secret');
   assert.equal((await server.request('PUT', '/api/files/new.csv', put)).status, 200);
   assert.equal((await server.request('GET', '/api/files/new.csv')).body, 'x');
+  for (const key of ['-load_all', '-save_spectrum'])
+    assert.equal((await server.line(`${key} link.csv`)).status, 409, key);
+  rmSync(outside);
+  // the front-end's part of a snapshot may pretend to be entries of the plug-in's: none becomes a line, none is fatal
+  await server.line(`-save_all snap.csv${',0'.repeat(14)}`);
+  const entries = `0"},5,{"parameter": "m_RBW","value": "1\\" -save_spectrum ${outside} -rbw \\"1 z`;
+  const snapshot = readFileSync(inside('snap.csv'), 'utf8').replace('is_scan=0', `is_scan=${entries}`);
+  writeFileSync(inside('snap.csv'), snapshot);
+  assert.ok((await server.line('-load_all snap.csv')).json.messages[0].includes('},5,{'));
+  await server.line('-bogus'); // sets the tuning again
+  await server.line('-get_channel_average');
+  assert.equal(existsSync(outside), false);
   const names = (await server.json('GET', '/api/files')).json.map((file) => file.name);
-  assert.deepEqual(names, ['here.txt', 'new.csv']);
-  await server.stop();
+  assert.deepEqual(names, ['here.txt', 'new.csv', 'snap.csv']);
+  assert.equal((await server.request('HEAD', '/api/health')).status, 200);
+  await server.stop(true);
+  writeFileSync(inside('.tarn-state.json'), '{"mode": 1, "limits": {"text": 5}, "settings": {"-rbw": 1}}');
+  const again = await Server.start({ folder: server.folder });
+  t.after(() => again.process.kill('SIGKILL'));
+  assert.match(again.ready, /^http:/);
+  await again.stop();
 });
 
 test('ten clients with lines of a megabyte, binary and broken bodies get answers, and the server goes on', async (t) => {

@@ -65,6 +65,7 @@ private:
     beast::flat_buffer m_buffer;
     std::optional<http::request_parser<http::string_body>> m_parser;
     std::optional<http::response<http::string_body>> m_response;
+    bool m_isHead = false;  ///< the request wants what GET would tell, without the body
 };
 
 /// Sends what its client subscribed to, at the client's own pace.

@@ -55,6 +55,9 @@ OSAL::Outcome<std::string> DataFolder::Place(const std::string& line) const {
             // front-end values may follow the name behind a comma
             const std::string name = token.substr(0, token.find(','));
             if (!IsFileName(name)) return BadName(name);
+            std::error_code ignored;
+            if (fs::is_symlink(m_folder / token, ignored) || fs::is_symlink(m_folder / name, ignored))
+                return OSAL::Refusal{"'" + name + "' is a link"};
             token.insert(0, (m_folder / "").string());
         }
         isName = !isName && NamesFile(TarnKeys::FindKey(token));

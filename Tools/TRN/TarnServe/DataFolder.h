@@ -23,7 +23,7 @@ public:
     static OSAL::Outcome<DataFolder> Open(const std::filesystem::path& folder);
 
     /// The line with each file name replaced by its place in the folder. Refused when the argument of a key that names
-    /// a file isn't a plain name, and when any token holds a path.
+    /// a file isn't a plain name or names a link, and when any token holds a path.
     OSAL::Outcome<std::string> Place(const std::string& line) const;
     /// The text without the folder's own path: answers name files as the client did.
     std::string Hide(std::string text) const;

@@ -56,6 +56,7 @@ void HttpConnection::Start() {
 }
 
 void HttpConnection::ReadHeader() {
+    m_isHead = false;
     m_parser.emplace();
     m_parser->header_limit(longestHeader);
     m_parser->body_limit(longestFile);
@@ -71,6 +72,7 @@ void HttpConnection::ReadHeader() {
 
 void HttpConnection::TakeHeader() {
     const auto& request = m_parser->get();
+    m_isHead = request.method() == http::verb::head;
     const std::string path = PathOf(request);
     switch (m_desk.guard->Check(OriginOf(request))) {
         case Admission::Fine:
@@ -113,7 +115,7 @@ void HttpConnection::TakeRequest() {
         return Send({303, "text/plain", "", {{"Location", "/"}, {"Set-Cookie", m_desk.guard->Cookie()}}}, keepAlive);
     }
     if (path == "/api/stream") return Refuse(426, "the stream is a WebSocket");
-    const ApiRequest api{std::string(View(request.method_string())), path,
+    const ApiRequest api{m_isHead ? "GET" : std::string(View(request.method_string())), path,
                          std::string(View(request[http::field::content_type])), std::move(request.body())};
     m_stream.expires_never();  // a line may take its time
     m_desk.api->Handle(api, [self = shared_from_this(), keepAlive](ApiResponse response) {
@@ -141,6 +143,7 @@ void HttpConnection::Send(ApiResponse response, bool keepAlive) {
     const bool goesOn = keepAlive && !m_desk.isEnding;
     m_response->keep_alive(goesOn);
     m_response->prepare_payload();
+    if (m_isHead) m_response->body().clear();  // its length stays told
     m_stream.expires_after(patience);
     http::async_write(m_stream, *m_response, [self = shared_from_this(), goesOn](beast::error_code error, std::size_t) {
         if (error) return;

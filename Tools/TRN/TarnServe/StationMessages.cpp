@@ -59,6 +59,13 @@ std::vector<std::vector<double>> HighestGraphs(const std::vector<std::string>& m
     return graphs;
 }
 
+/// A member that is a text; empty for anything else.
+std::string MemberText(const Json& object, const char* name) {
+    if (!object.is_object()) return {};
+    const auto member = object.find(name);
+    return member != object.end() && member->is_string() ? member->get<std::string>() : std::string();
+}
+
 std::optional<double> FiniteNumber(const std::string& text) {
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -204,8 +211,10 @@ void Station::TakeLoadedSettings(const Json& parameters) {
         return index >= 0 && index < static_cast<int>(names.size()) ? names[static_cast<std::size_t>(index)] : "";
     };
     for (const Json& entry : parameters) {
-        const std::string name = entry.value("parameter", "");
-        const std::string value = entry.value("value", "");
+        // the front-end's part of a file goes through the plug-in unread and may hold anything, entries of its own too
+        const std::string name = MemberText(entry, "parameter");
+        const std::string value = MemberText(entry, "value");
+        if (!FiniteNumber(value)) continue;
         if (name == "m_RBW") m_settings.Set("-rbw", value);
         if (name == "m_AverageSweepsVal") m_settings.Set("-channel_average_sweep_val", value);
         if (name == "Average") m_settings.Set("-channel_average", pick(flags, value, 0));
@@ -283,10 +292,12 @@ void Station::LoadState() {
         const auto placed = m_folder.Place(text);
         if (!text.empty() && placed) m_jobs.push_back({.line = text, .placed = *placed, .isOwn = true});
     }
-    if (state.value("mode", "") == "hold") m_mode = Mode::Hold;
+    if (MemberText(state, "mode") == "hold") m_mode = Mode::Hold;
     m_channels.FromJson(state.value("channels", Json::array()));
     const Json limits = state.value("limits", Json::object());
-    if (!m_judge.Use(limits.value("text", ""), limits.value("margin_db", 3.0), m_folder)) m_trouble.clear();
+    const Json margin = limits.is_object() ? limits.value("margin_db", Json(nullptr)) : Json(nullptr);
+    const double margin_db = margin.is_number() ? margin.get<double>() : 3.0;
+    if (!m_judge.Use(MemberText(limits, "text"), margin_db, m_folder)) m_trouble.clear();
 }
 
 /// Soon, so that many changes cost one file.
