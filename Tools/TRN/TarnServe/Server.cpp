@@ -1,5 +1,6 @@
 #include "Server.h"
 
+#include <boost/asio/executor_work_guard.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/host_name.hpp>
 #include <boost/asio/steady_timer.hpp>
@@ -30,6 +31,8 @@ private:
 
     Desk m_desk;  // connections look at it to their end, which comes with the loop's
     asio::io_context m_io{1};
+    /// Until the end is over: a line that runs on the plug-in's thread is no work that the loop knows of.
+    asio::executor_work_guard<asio::io_context::executor_type> m_work{m_io.get_executor()};
     asio::ip::tcp::acceptor m_acceptor{m_io};
     std::optional<Guard> m_guard;
     std::unique_ptr<Station> m_station;
@@ -52,7 +55,7 @@ OSAL::Outcome<> Server::Impl::Bind(const ServerOptions& options) {
         return OSAL::Refusal{"can't listen on " + options.address + ", port " + std::to_string(options.port) + ": " +
                              error.message()};
     const std::uint16_t port = m_acceptor.local_endpoint().port();
-    m_guard.emplace(text, port, options.token, asio::ip::host_name(error));
+    m_guard.emplace(address.to_string(), port, options.token, asio::ip::host_name(error));
     return {};
 }
 

@@ -186,6 +186,7 @@ void Station::Pump() {
     if (job) {
         Start(std::move(*job));
     } else if (m_isEnding && m_ended) {
+        SaveStateNow();  // with what the last line set
         std::exchange(m_ended, {})();
     }
 }
@@ -307,7 +308,6 @@ void Station::End(std::function<void()> done) {
     for (Job& job : m_jobs)
         if (job.done) job.done(R"({"error": "the server is ending"})");
     m_jobs.clear();
-    SaveStateNow();
     Pump();
 }
 

@@ -24,6 +24,7 @@ ExitStatus Serve(const ServeOptions& options, Context& context) {
     const std::jthread stopper([&](const std::stop_token& stop) {
         while (!stop.stop_requested() && !context.watch.IsRequested())
             std::this_thread::sleep_for(20ms);
+        context.watch.Forget();  // the end may take as long as the line that runs; a second signal doesn't wait for it
         opened.Value()->Stop();
     });
     opened.Value()->Run();
