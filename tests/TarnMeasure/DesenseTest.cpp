@@ -14,13 +14,18 @@ std::string Said(const char* text) {
            "\"}}";
 }
 
-/// One channel, A then B, one sweep each; a line that begins with `failing` fails, one with `hanging` never ends.
-DesenseResult Tested(const Support::TempFolder& folder, bool isLoaded, const std::string& failing,
+constexpr int Lasting = 1000;
+
+/// One channel, A then B, two sweeps each; a line that holds `failing` fails, one that begins with `hanging` never
+/// ends. The load is there for the first `looks` questions.
+DesenseResult Tested(const Support::TempFolder& folder, int looks, const std::string& failing,
                      const std::string& hanging = "none") {
+    folder.Write("summary.csv", "head\n36, 9, 5 GHz\n");  // of an earlier test, as is the next
+    folder.Write("bins.csv", "old");
     DesenseIo io;
     io.message = [](const std::string&) {};
     io.progress = [](const DesenseStep&) { return true; };
-    io.isLoaded = [=] { return isLoaded; };
+    io.isLoaded = [&] { return looks-- > 0; };
     io.run = [&](const std::string& line) -> DesenseAnswer {
         if (line.starts_with(hanging)) return {true, true, "", {}};
         if (line.find(failing) != std::string::npos) return {false, false, "it failed", {}};
@@ -31,12 +36,13 @@ DesenseResult Tested(const Support::TempFolder& folder, bool isLoaded, const std
                                          {"PowerAverage":"-120.5","MaxPeak":"-118"}})"}};
         if (line.starts_with("-vesper_set"))
             return {true, false, "", {R"({"type":"Vesper Settings Response","data":{"bw":"20","rbw":"312.5",
-                "chainMode":"A->B","iterations":"1","channels":[{"band":"5","bandwidths":[{"bandwidth":"20",
+                "chainMode":"A->B","iterations":"2","channels":[{"band":"5","bandwidths":[{"bandwidth":"20",
                 "channels":[{"value":"36","frequency":"5180"}]}]}]}})"}};
         return {};
     };
     DesenseRequest request;
     request.folder = folder.Path().string();
+    request.config = folder.Write("test.cfg", "HBChannels,[36;37;37]\n");
     return RunDesense(request, io);
 }
 
@@ -44,13 +50,19 @@ DesenseResult Tested(const Support::TempFolder& folder, bool isLoaded, const std
 
 TEST(Desense, AFigureNeedsTheLoadAndBothChains) {
     const Support::TempFolder folder;
-    const auto sound = Tested(folder, true, "nothing");
+    const auto sound = Tested(folder, Lasting, "nothing");
     ASSERT_EQ(sound.channels.size(), 1u);
     EXPECT_EQ(sound.channels[0].desense_db, 1.5);
     EXPECT_EQ(sound.Gravest(), Verdict::Pass);
-    EXPECT_EQ(Tested(folder, false, "nothing").channels.at(0).judgement.invalid, "the workload ended before its time");
-    // An earlier test's summary stands in the folder; none of its figures may show.
-    for (const auto& result : {Tested(folder, true, "-chain A "), Tested(folder, true, "-export"),
-                               Tested(folder, true, "nothing", "-start")})
+    EXPECT_FALSE(std::filesystem::exists(folder / "bins.csv"));
+    ASSERT_EQ(sound.leftOut.size(), 1u);
+    EXPECT_EQ(sound.leftOut[0].channel, 37);
+    // Lost in the middle of chain A: nothing is swept behind it.
+    const auto lost = Tested(folder, 2, "-chain B ");
+    EXPECT_EQ(lost.channels.at(0).judgement.invalid, "the workload ended before its time");
+    EXPECT_EQ(lost.trouble, lost.channels[0].judgement.invalid);
+    // An earlier test's summary stood in the folder; none of its figures may show.
+    for (const auto& result : {Tested(folder, Lasting, "-chain A "), Tested(folder, Lasting, "-export"),
+                               Tested(folder, Lasting, "nothing", "-start")})
         EXPECT_FALSE(result.channels.at(0).desense_db.has_value());
 }

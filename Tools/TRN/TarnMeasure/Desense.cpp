@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -16,6 +18,13 @@ using Json = nlohmann::json;
 
 constexpr int ConfigLines = 9;
 constexpr double UsualRoom_db = 3.0;  ///< above the reference, without limits of one's own
+constexpr const char* LostLoad = "the workload ended before its time";
+
+using Clock = std::chrono::steady_clock;
+
+double SecondsSince(Clock::time_point begin) {
+    return std::chrono::duration<double>(Clock::now() - begin).count();
+}
 
 struct BandRow {
     const char* name;      ///< of the key
@@ -41,6 +50,20 @@ std::optional<double> NumberOf(const Json& object, const std::string& name) {
     const auto member = object.find(name);
     if (member == object.end() || !member->is_string()) return std::nullopt;
     return std::strtod(member->get<std::string>().c_str(), nullptr);
+}
+
+Json Parsed(const std::string& message) {
+    Json json = Json::parse(message, nullptr, false);
+    return json.is_object() && json.contains("data") ? json : Json();
+}
+
+std::optional<std::string> SaidIn(const Json& message) {
+    if (!message.is_object() || message["type"] != "Add Vesper Test Message Response") return std::nullopt;
+    return message["data"].value("message", "");
+}
+
+std::string Stamped(const Json& message, const std::string& said) {
+    return message["data"].value("timestamp", "") + "  " + said;
 }
 
 /// The summary's desense by band and channel.
@@ -69,9 +92,12 @@ public:
     Test(const DesenseRequest& request, const DesenseIo& io) : m_request(request), m_io(io) {}
 
     DesenseResult Run() {
-        if (ReadConfig()) {
+        const Clock::time_point begin = Clock::now();
+        if (ReadConfig() && RemoveOldFiles()) {
             const std::string summary = m_request.folder + "/summary.csv";
             bool goesOn = true;
+            m_step.total = m_result.channels.size() * Chains().size() * static_cast<std::size_t>(m_result.iterations) *
+                           (m_request.idleBaseline ? 2 : 1);
             if (m_request.idleBaseline) {
                 goesOn = Pass("-vesper_disable_bit true -start_vesper_test");
                 if (Export(true)) m_idle = ReadSummary(summary);
@@ -86,6 +112,7 @@ public:
             if (Export(false) && goesOn) m_loaded = ReadSummary(summary);
         }
         Judge();
+        m_result.duration_s = SecondsSince(begin);
         return std::move(m_result);
     }
 
@@ -99,15 +126,13 @@ private:
         DesenseAnswer answer = m_io.run(line);
         std::vector<Json> messages;
         for (const std::string& text : answer.messages) {
-            Json message = Json::parse(text, nullptr, false);
-            if (!message.is_object() || !message.contains("data")) continue;
-            if (message["type"] == "Add Vesper Test Message Response") {
-                const auto& data = message["data"];
-                const std::string said = data.value("timestamp", "") + "  " + data.value("message", "");
-                m_result.messages.push_back(said);
-                m_io.message(said);
-                m_hasStartedLoad |= data.value("message", "") == "BurnInTest process started.";
-                TakeSpur(data.value("message", ""));
+            Json message = Parsed(text);
+            if (message.is_null()) continue;
+            if (const auto said = SaidIn(message)) {
+                m_result.messages.push_back(Stamped(message, *said));
+                if (!answer.wereShown) m_io.message(m_result.messages.back());
+                m_hasStartedLoad |= *said == "BurnInTest process started.";
+                TakeSpur(*said);
             }
             messages.push_back(std::move(message));
         }
@@ -152,12 +177,23 @@ private:
         if (m_result.channels.empty())
             Fail("the configuration names no channel that the adapter has at " + m_result.bandwidth + " MHz");
         else
-            TellMissing();
+            FindLeftOut();
         return !m_result.channels.empty();
     }
 
+    /// So that the folder never holds files of two tests.
+    bool RemoveOldFiles() {
+        for (const char* name : DesenseFiles) {
+            std::error_code error;
+            std::filesystem::remove(std::filesystem::path(m_request.folder) / name, error);
+            if (error) Fail("can't remove the older '" + m_request.folder + "/" + name + "': " + error.message());
+        }
+        if (!m_result.trouble.empty()) m_result.channels.clear();
+        return m_result.trouble.empty();
+    }
+
     /// The plug-in leaves out without a word what the adapter hasn't.
-    void TellMissing() {
+    void FindLeftOut() {
         std::ifstream file(m_request.config);
         std::string line;
         for (int k = 0; k < ConfigLines && std::getline(file, line); ++k) {
@@ -167,12 +203,15 @@ private:
             if (row == Bands.end() || comma == std::string::npos) continue;
             std::istringstream list(line.substr(comma + 1));
             list.ignore();  // the bracket
-            for (int number = 0; list >> number; list.ignore())
-                if (std::ranges::none_of(m_result.channels, [&](const DesenseChannel& one) {
-                        return one.channel == number && one.band == row->name;
-                    }))
-                    m_io.message("left out, for the adapter hasn't it at " + m_result.bandwidth + " MHz: " + row->name +
-                                 " GHz channel " + std::to_string(number));
+            for (int number = 0; list >> number; list.ignore()) {
+                const auto isIt = [&](const auto& one) { return one.channel == number && one.band == row->name; };
+                if (std::ranges::any_of(m_result.channels, isIt) || std::ranges::any_of(m_result.leftOut, isIt))
+                    continue;
+                m_result.leftOut.push_back(
+                    {row->name, number, "the adapter hasn't it at " + m_result.bandwidth + " MHz"});
+                m_io.message("left out: " + std::string(row->name) + " GHz channel " + std::to_string(number) + ", " +
+                             m_result.leftOut.back().reason);
+            }
         }
     }
 
@@ -186,31 +225,44 @@ private:
     /// One sweep of everything. False: the test ends here.
     bool Pass(const std::string& start) {
         bool goesOn = Line(start).has_value();
-        const std::vector<std::string> chains = Chains();
-        const std::size_t sweeps = chains.size() * static_cast<std::size_t>(m_result.iterations);
-        const std::size_t total = m_result.channels.size() * sweeps;
-        std::size_t done = 0;
         for (DesenseChannel& channel : m_result.channels) {
             m_current = &channel;
-            for (const std::string& chain : chains) {
-                std::string reason;
-                for (int i = 1; goesOn && reason.empty() && i <= m_result.iterations; ++i) {
-                    goesOn = m_io.progress({done++, total,
-                                            channel.band + " channel " + std::to_string(channel.channel) + ", chain " +
-                                                chain + ", iteration " + std::to_string(i) +
-                                                (m_hasStartedLoad ? ", loaded" : ", idle")});
-                    if (!goesOn) m_result.interrupted = true;
-                    if (goesOn) Sweep(channel, chain, i, reason);
-                    goesOn = goesOn && !m_result.outOfReach;
-                }
-                if (!reason.empty()) channel.judgement.invalid = reason;
-            }
-            if (goesOn) CheckLoad(channel);
-            if (goesOn) TakeGraph(channel);
+            for (const std::string& chain : Chains())
+                goesOn = goesOn && SweepChain(channel, chain);
+            if (goesOn && !channel.levels.empty()) TakeGraph(channel);
         }
         m_current = nullptr;
         if (!m_result.outOfReach) Line("-stop_vesper_test");
         return goesOn && !m_result.outOfReach;
+    }
+
+    /// All iterations of a channel with one chain, or up to what makes them worthless. False: the test ends here.
+    bool SweepChain(DesenseChannel& channel, const std::string& chain) {
+        const std::size_t begin = m_step.done;
+        std::string reason = IsLoadLost() ? LostLoad : "";
+        for (int i = 1; reason.empty() && i <= m_result.iterations; ++i, ++m_step.done) {
+            m_step.what = channel.band + " channel " + std::to_string(channel.channel) + ", chain " + chain +
+                          ", iteration " + std::to_string(i) + (m_hasStartedLoad ? ", loaded" : ", idle");
+            if (!m_io.progress(m_step)) m_result.interrupted = true;
+            if (m_result.interrupted) return false;
+            const Clock::time_point sweepBegin = Clock::now();
+            Sweep(channel, chain, i, reason);
+            m_step.sweeping_s += SecondsSince(sweepBegin);
+            if (m_result.outOfReach) return false;
+            if (reason.empty() && IsLoadLost()) reason = LostLoad;
+        }
+        m_step.done = begin + static_cast<std::size_t>(m_result.iterations);
+        if (!reason.empty()) channel.judgement.invalid = reason;
+        return true;
+    }
+
+    /// A level that was read while the workload had died proves nothing.
+    bool IsLoadLost() {
+        if (!m_hasLostLoad && m_hasStartedLoad && !m_io.isLoaded()) {
+            m_hasLostLoad = true;
+            Fail(LostLoad);
+        }
+        return m_hasLostLoad;
     }
 
     void Sweep(DesenseChannel& channel, const std::string& chain, int iteration, std::string& reason) {
@@ -236,11 +288,6 @@ private:
             level.peak_dbm = *peak;
             channel.levels.push_back(std::move(level));
         }
-    }
-
-    /// A level that was read while the workload had died proves nothing.
-    void CheckLoad(DesenseChannel& channel) {
-        if (m_hasStartedLoad && !m_io.isLoaded()) channel.judgement.invalid = "the workload ended before its time";
     }
 
     void TakeGraph(DesenseChannel& channel) {
@@ -346,7 +393,9 @@ private:
     const DesenseIo& m_io;
     DesenseResult m_result;
     DesenseChannel* m_current = nullptr;
+    DesenseStep m_step;
     bool m_hasStartedLoad = false;
+    bool m_hasLostLoad = false;
     std::map<std::pair<std::string, int>, double> m_idle, m_loaded;
 };
 
@@ -372,6 +421,20 @@ std::optional<double> DesenseReference(const std::string& band) {
     const std::size_t number = BandNumber(band);
     if (number == Bands.size()) return std::nullopt;
     return Bands[number].reference_dbm;
+}
+
+std::optional<std::string> DesenseSaid(const std::string& message) {
+    const Json json = Parsed(message);
+    const auto said = SaidIn(json);
+    if (!said) return std::nullopt;
+    return Stamped(json, *said);
+}
+
+bool WorkloadWatch::IsRunning() {
+    if (OSAL::IsRunning(m_found)) return true;
+    const auto all = OSAL::FindProcesses("bit");
+    m_found = all.empty() ? OSAL::ProcessInformation{} : all.front();
+    return !all.empty();
 }
 
 DesenseResult RunDesense(const DesenseRequest& request, const DesenseIo& io) {

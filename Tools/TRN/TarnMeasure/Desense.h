@@ -2,6 +2,7 @@
 // workload runs, on request once more before it without load, and each channel is judged.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <functional>
 #include <optional>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "Limits.h"
+#include "OSAL/Process.h"
 
 namespace TarnMeasure {
 
@@ -26,20 +28,22 @@ struct DesenseAnswer {
     bool interrupted = false;           ///< a signal came, and the line didn't end: the plug-in is out of reach
     std::string error;                  ///< one sentence
     std::vector<std::string> messages;  ///< JSON, whole
+    bool wereShown = false;             ///< whoever runs the lines showed the test's messages as they came
 };
 
 /// One step of the job, for a progress line.
 struct DesenseStep {
-    std::size_t done = 0;  ///< sweeps
+    std::size_t done = 0;  ///< sweeps, of the one without load too
     std::size_t total = 0;
-    std::string what;  ///< "5.2 channel 36, chain A, iteration 2, loaded"
+    double sweeping_s = 0;  ///< that those done took, waits left out
+    std::string what;       ///< "5.2 channel 36, chain A, iteration 2, loaded"
 };
 
 struct DesenseIo {
     std::function<DesenseAnswer(const std::string& line)> run;
-    std::function<void(const std::string& text)> message;   ///< of the test, as they come
+    std::function<void(const std::string& text)> message;   ///< of the test, unless they were shown
     std::function<bool(const DesenseStep& step)> progress;  ///< false: stop here
-    std::function<bool()> isLoaded;                         ///< whether the workload runs
+    std::function<bool()> isLoaded;                         ///< whether the workload runs; asked behind each sweep
 };
 
 /// A bin that stands out of its neighbours.
@@ -72,12 +76,21 @@ struct DesenseChannel {
     std::optional<double> Rise() const;  ///< dB that the load adds
 };
 
+/// A channel of the configuration that wasn't tried.
+struct DesenseLeftOut {
+    std::string band;
+    int channel = 0;
+    std::string reason;
+};
+
 struct DesenseResult {
     std::string bandwidth, rbw_khz, chainMode;
     int iterations = 0;
     std::vector<DesenseChannel> channels;  ///< worst first
+    std::vector<DesenseLeftOut> leftOut;   ///< costs no verdict
     std::vector<std::string> messages;
-    std::string trouble;  ///< why it ended early, or what went wrong besides; empty: nothing
+    std::string trouble;    ///< why it ended early, or what went wrong besides; empty: nothing
+    double duration_s = 0;  ///< waits included, by a clock that never jumps
     bool interrupted = false;
     bool outOfReach = false;  ///< interrupted within a line that goes on
 
@@ -89,8 +102,24 @@ struct DesenseResult {
 /// dBm in one RBW that the test's desense is counted from; nothing for a text that is no band.
 std::optional<double> DesenseReference(const std::string& band);
 
+/// What a test leaves in its folder. The last three are written by who has the result.
+inline constexpr std::array<const char*, 6> DesenseFiles{"summary.csv", "bins.csv",  "messages.log",
+                                                         "result.json", "junit.xml", "report.html"};
+
+/// What a message of the plug-in says to a person, behind its time; nothing when it is no message of the test.
+std::optional<std::string> DesenseSaid(const std::string& message);
+
+/// Tells whether the workload runs on this machine, whoever started it. Thread: one at a time.
+class WorkloadWatch {
+public:
+    bool IsRunning();
+
+private:
+    OSAL::ProcessInformation m_found;
+};
+
 /// Runs the test. Whatever ends it, what was measured is in the result and in the folder's files, and the load is
-/// ended. Thread: the caller's.
+/// ended. An earlier test's files are removed once the configuration is known to be good. Thread: the caller's.
 DesenseResult RunDesense(const DesenseRequest& request, const DesenseIo& io);
 
 }  // namespace TarnMeasure

@@ -29,7 +29,8 @@ std::string Right(const std::string& text, std::size_t width) {
     return std::string(width - std::min(width, text.size()), ' ') + text;
 }
 
-std::string Place(const DesenseChannel& channel) {
+template <typename Channel>
+std::string Place(const Channel& channel) {
     return channel.band + " GHz channel " + std::to_string(channel.channel);
 }
 
@@ -165,6 +166,9 @@ std::string Rows(const DesenseResult& result) {
                 Cell(Figure(one.desense_db)) + Cell(Figure(one.idle_db)) + Cell(Figure(one.Rise())) +
                 Cell(verdict, " class='" + verdict + "'") + Cell(why, " class='t'") + "</tr>\n";
     }
+    for (const DesenseLeftOut& one : result.leftOut)
+        html += "<tr>" + Cell(Place(one), " class='t'") + Cell("left out", " colspan='7' class='INVALID'") +
+                Cell(one.reason, " class='t'") + "</tr>\n";
     return html;
 }
 
@@ -193,6 +197,8 @@ std::string DesenseTable(const DesenseResult& result) {
             text += "  spur at " + Figure(spur.frequency_mhz, 4) + " MHz (" + Figure(spur.baseband_mhz, 4) +
                     " MHz from the centre), chain " + spur.chain + ", " + Figure(spur.level_dbm) + " dBm\n";
     }
+    for (const DesenseLeftOut& one : result.leftOut)
+        text += Left(Place(one), 22) + "left out: " + one.reason + "\n";
     return text + "verdict: " + VerdictText(result.Gravest()) +
            "   (levels in dBm a resolution bandwidth, desense and rise in dB)\n";
 }
@@ -213,7 +219,11 @@ std::string DesenseJson(const DesenseResult& result, const DesenseOrigin& origin
               {"rbw_khz", result.rbw_khz},
               {"chain_mode", result.chainMode},
               {"iterations", result.iterations},
-              {"channels", Json::array()}};
+              {"duration_s", result.duration_s},
+              {"channels", Json::array()},
+              {"left_out", Json::array()}};
+    for (const DesenseLeftOut& one : result.leftOut)
+        json["left_out"].push_back({{"band", one.band}, {"channel", one.channel}, {"reason", one.reason}});
     for (const DesenseChannel& one : result.channels) {
         Json levels = Json::array(), spurs = Json::array();
         for (const DesenseLevel& level : one.levels)
@@ -254,9 +264,17 @@ std::string DesenseJunit(const DesenseResult& result, const DesenseOrigin& origi
         else
             cases += "/>\n";
     }
-    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites>\n  <testsuite name=\"desense\" tests=\"" +
-           std::to_string(result.channels.size()) + "\" failures=\"" + std::to_string(failures) + "\" errors=\"" +
-           std::to_string(errors) + "\" timestamp=\"" + Escaped(origin.utc) + "\">\n" + cases +
+    for (const DesenseLeftOut& one : result.leftOut)
+        cases += "    <testcase classname=\"desense\" name=\"" + Escaped(Place(one)) + "\"><skipped message=\"" +
+                 Escaped(one.reason) + "\"/></testcase>\n";
+    std::string counts;
+    for (const auto& [name, count] : {std::pair{"tests", result.channels.size() + result.leftOut.size()},
+                                      {"failures", failures},
+                                      {"errors", errors},
+                                      {"skipped", result.leftOut.size()}})
+        counts += std::string(name) + "=\"" + std::to_string(count) + "\" ";
+    return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<testsuites>\n  <testsuite name=\"desense\" " + counts +
+           "time=\"" + Figure(result.duration_s, 3) + "\" timestamp=\"" + Escaped(origin.utc) + "\">\n" + cases +
            "  </testsuite>\n</testsuites>\n";
 }
 
@@ -278,7 +296,8 @@ std::string DesenseHtml(const DesenseResult& result, const DesenseOrigin& origin
             "</tr>\n" +
             spurs + "</table>\n";
     html += "<h2>Set-up</h2>\n<table>\n";
-    for (const auto& [name, value] : {std::pair{"time (UTC)", origin.utc},
+    for (const auto& [name, value] : {std::pair{"begin (UTC)", origin.utc},
+                                      {"took", Figure(result.duration_s, 0) + " s"},
                                       {"Tarn", origin.version},
                                       {"adapter", origin.adapter},
                                       {"air", origin.air},

@@ -16,7 +16,7 @@ struct DesenseOrigin {
 std::string DesenseTable(const DesenseResult& result);
 /// JSON, with every figure but the bins.
 std::string DesenseJson(const DesenseResult& result, const DesenseOrigin& origin);
-/// One test case a channel: FAIL is a failure, INVALID an error.
+/// One test case a channel: FAIL is a failure, INVALID an error; a channel that was left out is skipped.
 std::string DesenseJunit(const DesenseResult& result, const DesenseOrigin& origin);
 /// One self-contained page that prints well: verdict, chart, table, spurs, spectra, settings, messages.
 std::string DesenseHtml(const DesenseResult& result, const DesenseOrigin& origin);

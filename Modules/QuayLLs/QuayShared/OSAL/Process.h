@@ -28,6 +28,8 @@ struct ProcessOptions {
 /// Whether a program of that name runs, given with or without ".exe"; names match as a whole, case included.
 /// @param twice  wants two of them at least; so does the name "TLMQ"
 bool IsProcessRunning(const std::string& name, bool twice);
+/// The programs of that name that run, by the same rule.
+std::vector<ProcessInformation> FindProcesses(const std::string& name);
 /// Whether any connection or listener of this machine has that port at either end.
 bool IsPortOpen(std::uint16_t port);
 /// Starts "directory/name" there, with `arguments` split at blanks outside double quotes.

@@ -76,20 +76,6 @@ bool HasName(const std::string& folder, const std::string& name) {
             is(FileNameOf(FirstOf(folder + "/cmdline", '\0'))));
 }
 
-std::vector<ProcessInformation> ProcessesOf(const std::string& name) {
-    std::vector<ProcessInformation> found;
-    std::error_code error;
-    for (fs::directory_iterator entry("/proc", error), end; !error && entry != end; entry.increment(error)) {
-        const std::string number = entry->path().filename().string();
-        std::uint32_t process = 0;
-        if (std::from_chars(number.data(), number.data() + number.size(), process).ec != std::errc()) continue;
-        if (!HasName(entry->path().string(), name)) continue;
-        const Status status = StatusOf(process);
-        if (status.state != 0 && status.state != 'Z') found.push_back({process, status.startTime});
-    }
-    return found;
-}
-
 /// Waits until it is gone, and takes its status when it is our child, so that nothing of it stays behind.
 bool HasEnded(const ProcessInformation& information, std::uint32_t limitMs) {
     const Stopwatch watch;
@@ -205,8 +191,22 @@ bool DropRights() {
 
 }  // namespace
 
+std::vector<ProcessInformation> FindProcesses(const std::string& name) {
+    std::vector<ProcessInformation> found;
+    std::error_code error;
+    for (fs::directory_iterator entry("/proc", error), end; !error && entry != end; entry.increment(error)) {
+        const std::string number = entry->path().filename().string();
+        std::uint32_t process = 0;
+        if (std::from_chars(number.data(), number.data() + number.size(), process).ec != std::errc()) continue;
+        if (!HasName(entry->path().string(), name)) continue;
+        const Status status = StatusOf(process);
+        if (status.state != 0 && status.state != 'Z') found.push_back({process, status.startTime});
+    }
+    return found;
+}
+
 bool IsProcessRunning(const std::string& name, bool twice) {
-    return ProcessesOf(name).size() >= (twice || name == "TLMQ" ? 2 : 1);
+    return FindProcesses(name).size() >= (twice || name == "TLMQ" ? 2 : 1);
 }
 
 bool IsPortOpen(std::uint16_t port) {
@@ -282,7 +282,7 @@ bool TerminateHandle(const ProcessInformation& information) {
 
 bool TerminateByName(const std::string& name) {
     bool all = true;
-    for (const ProcessInformation& process : ProcessesOf(name))
+    for (const ProcessInformation& process : FindProcesses(name))
         if (process.processId != static_cast<std::uint32_t>(getpid())) all = Terminate(process) && all;
     return all;
 }
