@@ -3,6 +3,7 @@
 #include <chrono>
 #include <ctime>
 #include <filesystem>
+#include <mutex>
 
 #include "Commands/HostSession.h"
 #include "Console/Progress.h"
@@ -18,12 +19,10 @@ namespace {
 namespace fs = std::filesystem;
 using namespace TarnMeasure;
 
-/// How long a line that runs may take to end after Ctrl-C before it is given up: a sweep does, the wait for the
-/// workload doesn't.
-constexpr auto lineGrace = std::chrono::milliseconds(300);
-/// The same for a line that ends the load or keeps what was measured.
-constexpr auto keepingGrace = std::chrono::seconds(2);
-constexpr const char* workloadName = "bit";
+/// How long a line that runs may take to end after Ctrl-C before it is given up: the wait for the workload goes on for
+/// longer, a sweep and what keeps its results don't.
+constexpr auto waitGrace = std::chrono::milliseconds(300);
+constexpr auto lineGrace = std::chrono::seconds(2);
 
 std::string UtcText() {
     const std::time_t now = std::time(nullptr);
@@ -47,40 +46,76 @@ private:
     std::optional<InterruptWatch::Finishing> m_finishing;
 };
 
-DesenseAnswer RunKeys(TarnSession::Session& session, TarnSession::KeepingSink& sink, const std::string& line,
-                      Keeping& keeping, Context& context) {
+/// Keeps the messages of a line, and says those of the test as they come.
+class SayingSink final : public TarnSession::ISink {
+public:
+    explicit SayingSink(Console& console) : m_status(console.err), m_console(console) {}
+    void Message(std::string json) override {
+        if (const auto said = DesenseSaid(json)) Say(*said);
+        const std::lock_guard lock(m_mutex);
+        m_messages.push_back(std::move(json));
+    }
+    void Text(std::string) override {}
+    void Error(std::string) override {}
+
+    void Say(const std::string& text) {
+        const std::lock_guard lock(m_mutex);
+        if (m_status.IsOn() && text.find("Sampling channel") != std::string::npos) return;  // the progress says it
+        m_status.Clear();
+        m_console.Say(text);
+    }
+    void Show(const std::string& progress) {
+        const std::lock_guard lock(m_mutex);
+        m_status.Show(progress);
+    }
+    void Hide() {
+        const std::lock_guard lock(m_mutex);
+        m_status.Clear();
+    }
+    std::vector<std::string> Take() {
+        const std::lock_guard lock(m_mutex);
+        return std::exchange(m_messages, {});
+    }
+
+private:
+    std::mutex m_mutex;
+    std::vector<std::string> m_messages;
+    StatusLine m_status;
+    Console& m_console;
+};
+
+DesenseAnswer RunKeys(TarnSession::Session& session, SayingSink& sink, const std::string& line, Keeping& keeping,
+                      Context& context) {
     DesenseAnswer answer;
-    const std::chrono::milliseconds grace = keeping.HasBegun() ? keepingGrace : lineGrace;
-    const auto exchange = PendingLine(session, line).Wait(context.watch, grace);
+    answer.wereShown = true;
+    const bool waits = line.find("-start_vesper_test") != std::string::npos;
+    const auto exchange = PendingLine(session, line).Wait(context.watch, waits ? waitGrace : lineGrace);
     keeping.HasBegun();
     if (!exchange) {
         answer.interrupted = true;
         return answer;
     }
-    answer.messages = std::exchange(sink.messages, {});
+    answer.messages = sink.Take();
     answer.ok = exchange->exitCode == 0;
     if (!answer.ok) answer.error = ErrorSentence(*exchange);
     return answer;
 }
 
-DesenseResult RunWithProgress(const DesenseRequest& request, TarnSession::Session& session,
-                              TarnSession::KeepingSink& sink, Keeping& keeping, Context& context) {
-    StatusLine status(context.console.err);
-    const auto start = std::chrono::steady_clock::now();
+DesenseResult RunWithProgress(const DesenseRequest& request, TarnSession::Session& session, SayingSink& sink,
+                              Keeping& keeping, Context& context) {
+    WorkloadWatch workload;
     DesenseIo io;
     io.run = [&](const std::string& line) { return RunKeys(session, sink, line, keeping, context); };
-    io.message = [&](const std::string& text) {
-        if (status.IsOn() && text.find("Sampling channel") != std::string::npos) return;  // the progress says it
-        status.Clear();
-        context.console.Say(text);
-    };
+    io.message = [&](const std::string& text) { sink.Say(text); };
     io.progress = [&](const DesenseStep& step) {
-        status.Show(step.what + ": " +
-                    ProgressText(step.done, step.total, std::chrono::steady_clock::now() - start, "sweeps"));
+        sink.Show(step.what + ": " +
+                  ProgressText(step.done, step.total, std::chrono::duration<double>(step.sweeping_s), "sweeps"));
         return !keeping.HasBegun();
     };
-    io.isLoaded = [] { return OSAL::IsProcessRunning(workloadName, false); };
-    return RunDesense(request, io);
+    io.isLoaded = [&] { return workload.IsRunning(); };
+    DesenseResult result = RunDesense(request, io);
+    sink.Hide();
+    return result;
 }
 
 bool WriteReports(const DesenseResult& result, const VesperOptions& options, const DesenseOrigin& origin,
@@ -116,7 +151,7 @@ ExitStatus Vesper(const VesperOptions& options, Context& context) {
     fs::create_directories(request.folder, error);
     if (!fs::is_directory(request.folder, error))
         return Refuse("can't make the folder '" + request.folder + "'", context);
-    TarnSession::KeepingSink sink;
+    SayingSink sink(context.console);
     TarnSession::Options opening;
     opening.isFrontEnd = true;
     const auto [session, status] = OpenSession(opening, sink, context);
