@@ -77,7 +77,7 @@ ExitStatus CheckRadio(ExitStatus status, Context& context) {
 }
 
 int Main(std::vector<std::string> arguments) {
-    OccupyStandardDescriptors();
+    OSAL::OccupyStandardStreams();
     Console console;
     return RunRequest(ParseArguments(std::move(arguments)), console);
 }

@@ -1,11 +1,8 @@
 #include "Commands/LineEditor.h"
 
 #include <histedit.h>
-#include <poll.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +12,7 @@
 
 #include "Console/History.h"
 #include "Lines/ShellHelp.h"
+#include "OSAL/StandardStreams.h"
 #include "PlainText.h"
 
 namespace TarnHost {
@@ -22,18 +20,9 @@ namespace {
 
 constexpr int historyLines = 1000;
 constexpr std::size_t longestLine = 1 << 20;  // of a pipe
+constexpr std::size_t longestRead = 4096;
 
-enum class Wake { Input, Signal, Nothing };
-
-/// Waits until standard input has something or a signal came.
-Wake WaitForInput(const InterruptWatch& watch) {
-    pollfd watched[] = {{STDIN_FILENO, POLLIN, 0}, {watch.Descriptor(), POLLIN, 0}};
-    while (true) {
-        if (::poll(watched, 2, -1) < 0 && errno != EINTR) return Wake::Nothing;
-        if (watch.IsRequested()) return Wake::Signal;
-        if (watched[0].revents != 0) return Wake::Input;
-    }
-}
+using Got = OSAL::InputStream::Got;
 
 void ShowCandidates(const std::vector<std::string>& candidates, std::size_t columns) {
     std::size_t width = 0;
@@ -53,7 +42,8 @@ void ShowCandidates(const std::vector<std::string>& candidates, std::size_t colu
 
 /// libedit's two objects, and what its callbacks need.
 struct LineEditor::Terminal {
-    Terminal(InterruptWatch& signals, std::string file) : watch(signals), historyFile(std::move(file)) {
+    Terminal(OSAL::InputStream& keys, InterruptWatch& signals, std::string file)
+        : input(keys), watch(signals), historyFile(std::move(file)) {
         std::setlocale(LC_CTYPE, "");
         editor = ::el_init("tarn", stdin, stdout, stderr);
         past = ::history_init();
@@ -96,6 +86,7 @@ struct LineEditor::Terminal {
     static int GetCharacter(EditLine* line, wchar_t* character);
     static unsigned char Complete(EditLine* line, int character);
 
+    OSAL::InputStream& input;
     InterruptWatch& watch;
     std::string historyFile;
     std::string prompt;
@@ -108,12 +99,11 @@ struct LineEditor::Terminal {
 int LineEditor::Terminal::GetCharacter(EditLine* line, wchar_t* character) {
     Terminal& self = Of(line);
     while (true) {
-        if (WaitForInput(self.watch) != Wake::Input) return -1;
-        char byte = 0;
-        const ssize_t count = ::read(STDIN_FILENO, &byte, 1);
-        if (count < 0 && (errno == EINTR || errno == EAGAIN)) continue;
-        if (count <= 0) return static_cast<int>(count);
-        const std::size_t used = std::mbrtowc(character, &byte, 1, &self.decoder);
+        std::string byte;
+        const Got got = self.input.Read(byte, 1, self.watch.AnyCame());
+        if (got == Got::End) return 0;
+        if (got != Got::Bytes) return -1;
+        const std::size_t used = std::mbrtowc(character, byte.data(), 1, &self.decoder);
         if (used == static_cast<std::size_t>(-2)) continue;  // a character of several bytes
         if (used == static_cast<std::size_t>(-1)) {
             self.decoder = {};
@@ -144,8 +134,9 @@ unsigned char LineEditor::Terminal::Complete(EditLine* line, int) {
 }
 
 LineEditor::LineEditor(InterruptWatch& watch, std::string historyFile) : m_watch(watch) {
-    if (::isatty(STDIN_FILENO) && ::isatty(STDOUT_FILENO))
-        m_terminal = std::make_unique<Terminal>(watch, std::move(historyFile));
+    using OSAL::StandardStream;
+    if (OSAL::IsTerminal(StandardStream::Input) && OSAL::IsTerminal(StandardStream::Output))
+        m_terminal = std::make_unique<Terminal>(m_input, watch, std::move(historyFile));
 }
 
 LineEditor::~LineEditor() = default;
@@ -180,15 +171,9 @@ LineEditor::Line LineEditor::Read(const std::string& prompt) {
             if (line.text.ends_with('\r')) line.text.pop_back();
             return line;
         }
-        char block[4096];
-        if (WaitForInput(m_watch) != Wake::Input) return {{}, End::EndOfInput};
-        const ssize_t count = ::read(STDIN_FILENO, block, sizeof block);
-        if (count < 0 && errno == EINTR) continue;
-        if (count <= 0) {
-            if (m_pending.empty()) return {{}, End::EndOfInput};
-            return {std::exchange(m_pending, {}), End::None};
-        }
-        m_pending.append(block, static_cast<std::size_t>(count));
+        const Got got = m_input.Read(m_pending, longestRead, m_watch.AnyCame());
+        if (got == Got::WokenUp || (got != Got::Bytes && m_pending.empty())) return {{}, End::EndOfInput};
+        if (got != Got::Bytes) return {std::exchange(m_pending, {}), End::None};
         if (m_pending.size() > longestLine && m_pending.find('\n') == std::string::npos) {
             m_pending.clear();
             return {{}, End::TooLong};

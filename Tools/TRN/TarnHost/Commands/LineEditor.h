@@ -6,6 +6,7 @@
 #include <string>
 
 #include "Console/InterruptWatch.h"
+#include "OSAL/InputStream.h"
 
 namespace TarnHost {
 
@@ -34,6 +35,7 @@ public:
 private:
     struct Terminal;
     InterruptWatch& m_watch;
+    OSAL::InputStream m_input = OSAL::InputStream::Standard();
     std::unique_ptr<Terminal> m_terminal;
     std::string m_pending;  // of a pipe, behind the last line taken
 };

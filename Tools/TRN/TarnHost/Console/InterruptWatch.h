@@ -4,30 +4,25 @@
 #include <atomic>
 
 #include "ExitStatus.h"
+#include "OSAL/EndRequests.h"
 
 namespace TarnHost {
 
-/// Catches the signals for as long as it lives; one at a time in a process.
+/// Catches the requests for as long as it lives; one at a time in a process.
 /// Thread: made and destroyed by the main thread; questions from any.
 class InterruptWatch {
 public:
-    InterruptWatch();
-    ~InterruptWatch();
-    InterruptWatch(const InterruptWatch&) = delete;
-    InterruptWatch& operator=(const InterruptWatch&) = delete;
-
     bool IsRequested() const { return Count() > 0; }
-    /// Signals since the start, or since Forget().
-    int Count() const;
-    /// `Interrupted`, `Terminated` or `HungUp`, by the first signal.
+    /// Requests since the start, or since Forget().
+    int Count() const { return m_requests.Count(); }
+    /// `Interrupted`, `Terminated` or `HungUp`, by the first request.
     ExitStatus Status() const;
-    /// Makes the signals so far undone, for a program that answers Ctrl-C and goes on.
-    void Forget();
-    /// Becomes readable with the first signal and stays so until Forget(), for a poll beside another descriptor.
-    int Descriptor() const { return m_latched[0]; }
-    /// Becomes readable with each signal, for the one thread that calls DrainEach().
-    int EachDescriptor() const { return m_each[0]; }
-    void DrainEach();
+    /// Makes the requests so far undone, for a program that answers Ctrl-C and goes on.
+    void Forget() { m_requests.Forget(); }
+    /// Ends a wait for something else: set by the first request until Forget().
+    const OSAL::Wakeup& AnyCame() const { return m_requests.AnyCame(); }
+    /// Set by each request, for the one thread that clears it.
+    const OSAL::Wakeup& EachCame() const { return m_requests.EachCame(); }
 
     /// Stands around the writing of files that keep what was measured: an end by force waits for it.
     class Finishing {
@@ -43,8 +38,7 @@ public:
     bool IsFinishing() const { return m_finishing > 0; }
 
 private:
-    int m_latched[2] = {-1, -1};
-    int m_each[2] = {-1, -1};
+    OSAL::EndRequests m_requests;
     std::atomic<int> m_finishing{0};
 };
 

@@ -1,13 +1,5 @@
 #include "Console/Terminal.h"
 
-#include <fcntl.h>
-#include <poll.h>
-#include <sys/ioctl.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <system_error>
-
 #include "PlainText.h"
 
 namespace TarnHost {
@@ -27,30 +19,8 @@ void Output::Flush() {
 }
 
 void Output::FlushLocked() {
-    std::string_view rest = m_pending;
-    while (Ok() && !rest.empty()) {
-        const ssize_t written = ::write(m_descriptor, rest.data(), rest.size());
-        if (written >= 0) {
-            rest.remove_prefix(static_cast<std::size_t>(written));
-        } else if (errno == EAGAIN || errno == EWOULDBLOCK) {  // someone else made the descriptor non-blocking
-            pollfd ready{m_descriptor, POLLOUT, 0};
-            ::poll(&ready, 1, -1);
-        } else if (errno == EPIPE) {
-            m_readerGone = true;
-        } else if (errno != EINTR) {
-            m_error = std::generic_category().message(errno);
-        }
-    }
+    if (Ok()) m_readerGone = OSAL::WriteStream(m_stream, m_pending, m_error) == OSAL::StreamWrite::ReaderGone;
     m_pending.clear();
-}
-
-bool Output::IsTerminal() const {
-    return ::isatty(m_descriptor) == 1;
-}
-
-std::size_t Output::Columns() const {
-    winsize size{};
-    return IsTerminal() && ::ioctl(m_descriptor, TIOCGWINSZ, &size) == 0 ? size.ws_col : 0;
 }
 
 void Output::WriteForeign(std::string_view text) {
@@ -64,13 +34,6 @@ void Console::Say(std::string_view text) {
         line += c == '\n' ? std::string("\n      ") : std::string(1, c);
     err.Write(line + "\n");
     err.Flush();
-}
-
-void OccupyStandardDescriptors() {
-    for (int descriptor = 0; descriptor <= 2; ++descriptor) {
-        // open() gives the lowest free number, which is this one
-        if (::fcntl(descriptor, F_GETFD) == -1 && ::open("/dev/null", O_RDONLY) != descriptor) return;
-    }
 }
 
 }  // namespace TarnHost

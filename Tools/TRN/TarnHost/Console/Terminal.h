@@ -6,13 +6,15 @@
 #include <string>
 #include <string_view>
 
+#include "OSAL/StandardStreams.h"
+
 namespace TarnHost {
 
-/// Buffered output to a file descriptor. After a failure everything further is dropped.
+/// Buffered output to a standard stream. After a failure everything further is dropped.
 /// Thread: writing from any.
 class Output {
 public:
-    explicit Output(int descriptor) : m_descriptor(descriptor) {}
+    explicit Output(OSAL::StandardStream stream) : m_stream(stream) {}
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
@@ -26,14 +28,14 @@ public:
     /// The system's words for what failed; empty when nothing did.
     const std::string& Error() const { return m_error; }
 
-    bool IsTerminal() const;
+    bool IsTerminal() const { return OSAL::IsTerminal(m_stream); }
     /// Width of the terminal in characters; 0 when it isn't one or doesn't tell.
-    std::size_t Columns() const;
+    std::size_t Columns() const { return OSAL::TerminalColumns(m_stream); }
 
 private:
     void FlushLocked();
 
-    int m_descriptor;
+    OSAL::StandardStream m_stream;
     std::mutex m_mutex;
     std::string m_pending;
     std::string m_error;
@@ -42,15 +44,11 @@ private:
 
 /// Data goes to `out`, talk to `err`.
 struct Console {
-    Output out{1};
-    Output err{2};
+    Output out{OSAL::StandardStream::Output};
+    Output err{OSAL::StandardStream::Error};
 
     /// "tarn: " and the text on a line of standard error, at once; control characters become "?".
     void Say(std::string_view text);
 };
-
-/// Puts read-only null devices where descriptors 0 to 2 are closed, so that no file opened later gets their numbers and
-/// a write to a closed standard output still fails.
-void OccupyStandardDescriptors();
 
 }  // namespace TarnHost

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "Console/InterruptWatch.h"
+#include "OSAL/InputStream.h"
 #include "OSAL/Outcome.h"
 
 namespace TarnHost {
@@ -21,9 +22,6 @@ class ScriptReader {
 public:
     /// @param path  a file, or "-" for standard input
     static OSAL::Outcome<ScriptReader> Open(const std::string& path, const InterruptWatch& watch);
-    ~ScriptReader();
-    ScriptReader(ScriptReader&& other) noexcept;
-    ScriptReader& operator=(ScriptReader&&) = delete;
 
     /// The next line that holds more than a comment. Nothing at the end, after a signal, or after a failure.
     std::optional<ScriptLine> Next();
@@ -31,18 +29,17 @@ public:
     const std::optional<std::string>& Trouble() const { return m_trouble; }
 
 private:
-    ScriptReader(int descriptor, std::string name, const InterruptWatch& watch)
-        : m_descriptor(descriptor), m_name(std::move(name)), m_watch(&watch) {}
+    ScriptReader(OSAL::InputStream input, std::string name, const InterruptWatch& watch)
+        : m_input(std::move(input)), m_name(std::move(name)), m_watch(&watch) {}
     std::optional<std::string> RawLine();
     bool Fill();
 
-    int m_descriptor;
+    OSAL::InputStream m_input;
     std::string m_name;
     const InterruptWatch* m_watch;
     std::string m_buffer;
     std::size_t m_number = 0;
     bool m_isAtEnd = false;
-    bool m_waitsForWriter = false;  ///< a named pipe that gave nothing yet
     std::optional<std::string> m_trouble;
 };
 
