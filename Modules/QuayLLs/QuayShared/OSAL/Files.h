@@ -23,6 +23,9 @@ bool DirectoryExists(const std::string& path);
 bool CreateDirectory(const std::string& path);
 /// False for a folder. @throws OSAL::exception when the path is a symbolic link to anything but a folder
 bool FileExists(const std::string& path);
+enum class Access { Read, List, Fill };
+/// Why this process may not read the file, list the folder or put files into it: the system's words; empty when it may.
+std::string AccessTrouble(const std::string& path, Access access);
 /// Puts `from` in the place of `to` in one step; `to` stays as it was on failure.
 int ReplaceFile(const std::string& from, const std::string& to);
 

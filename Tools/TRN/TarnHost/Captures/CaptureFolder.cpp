@@ -1,14 +1,11 @@
 #include "Captures/CaptureFolder.h"
 
-#include <unistd.h>
-
 #include <array>
-#include <cerrno>
 #include <fstream>
 #include <system_error>
 
 #include "Console/ResultTable.h"
-#include "OSAL/OSAL.h"
+#include "OSAL/Files.h"
 #include "SampleReader.h"
 
 namespace TarnHost {
@@ -16,18 +13,14 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string SystemText(int error) {
-    return std::generic_category().message(error);
-}
-
 std::string SkipReason(const fs::path& folder, const std::string& name) {
     if (std::string missing = MissingParameter(name); !missing.empty()) return missing;
     std::error_code error;
     const auto type = fs::status(folder / name, error).type();
     if (type == fs::file_type::directory) return "is a folder";
     if (fs::exists(folder / name, error) && type != fs::file_type::regular) return "is no regular file";
-    if (::access((folder / name).c_str(), R_OK) != 0) return "can't be read: " + SystemText(errno);
-    return {};
+    const std::string trouble = OSAL::AccessTrouble((folder / name).string(), OSAL::Access::Read);
+    return trouble.empty() ? trouble : "can't be read: " + trouble;
 }
 
 }  // namespace
@@ -53,8 +46,8 @@ OSAL::Outcome<CaptureFolder> ListCaptures(const fs::path& folder, const std::fun
     if (!fs::exists(folder, error)) return OSAL::Refusal{"there is no folder " + quoted};
     if (!fs::is_directory(folder, error)) return OSAL::Refusal{quoted + " is no folder"};
     if (OSAL::IsLink(folder.string())) return OSAL::Refusal{quoted + " is a link"};
-    if (::access(folder.c_str(), R_OK | X_OK) != 0)
-        return OSAL::Refusal{"can't read the folder " + quoted + ": " + SystemText(errno)};
+    if (const std::string trouble = OSAL::AccessTrouble(folder.string(), OSAL::Access::List); !trouble.empty())
+        return OSAL::Refusal{"can't read the folder " + quoted + ": " + trouble};
     CaptureFolder found;
     for (std::string& name : OSAL::ListDirectory(folder.string())) {
         if (name.starts_with('.')) continue;
@@ -77,7 +70,8 @@ OSAL::Outcome<> CheckResultPlace(const fs::path& folder, ResultPlace place) {
     if (type == fs::file_type::symlink || OSAL::IsLink(result.string())) return OSAL::Refusal{refused + "it is a link"};
     if (type != fs::file_type::not_found && type != fs::file_type::regular)
         return OSAL::Refusal{refused + "it is no regular file"};
-    if (::access(folder.c_str(), W_OK) != 0) return OSAL::Refusal{refused + SystemText(errno)};
+    if (const std::string trouble = OSAL::AccessTrouble(folder.string(), OSAL::Access::Fill); !trouble.empty())
+        return OSAL::Refusal{refused + trouble};
     if (type == fs::file_type::not_found || place.overwrite) return {};
     std::string start(resultHeader.size(), '\0');
     std::ifstream(result, std::ios::binary).read(start.data(), static_cast<std::streamsize>(start.size()));

@@ -1,6 +1,3 @@
-#include <unistd.h>
-
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -11,6 +8,7 @@
 #include "Console/Progress.h"
 #include "Console/ResultTable.h"
 #include "Lines/KeyLine.h"
+#include "OSAL/ScratchFolder.h"
 #include "OSAL/WholeFile.h"
 #include "Record.h"
 
@@ -28,34 +26,20 @@ std::string Files(std::size_t count) {
 /// stands in the person's folder stays until all results are there.
 class Stage {
 public:
-    static OSAL::Outcome<Stage> Make() {
-        std::error_code error;
-        const fs::path place = fs::temp_directory_path(error);
-        std::string pattern = (place / "tarn-analyse-XXXXXX").string();
-        if (error || !::mkdtemp(pattern.data()))
-            return OSAL::Refusal{"can't make a folder in '" + place.string() + "' (TMPDIR names another place)"};
-        return Stage(pattern);
-    }
-    ~Stage() {
-        std::error_code ignored;
-        if (!m_folder.empty()) fs::remove_all(m_folder, ignored);
-    }
-    Stage(Stage&& other) noexcept : m_folder(std::exchange(other.m_folder, {})) {}
-    Stage& operator=(Stage&&) = delete;
+    explicit Stage(OSAL::ScratchFolder folder) : m_scratch(std::move(folder)), m_folder(m_scratch.Path()) {}
 
-    const std::string& Folder() const { return m_folder; }
     /// Puts the capture in, under its name.
     OSAL::Outcome<> Put(const fs::path& capture) {
         std::error_code error;
-        fs::create_symlink(capture, fs::path(m_folder) / capture.filename(), error);
+        fs::create_symlink(capture, m_folder / capture.filename(), error);
         if (error) return OSAL::Refusal{"can't be put before the plug-in: " + error.message()};
         return {};
     }
     /// Takes it out again with its result. @return the power's text; empty when the plug-in wrote none
     std::string TakePower(const std::string& name) {
         std::error_code ignored;
-        fs::remove(fs::path(m_folder) / name, ignored);
-        const fs::path file = fs::path(m_folder) / "result.csv";
+        fs::remove(m_folder / name, ignored);
+        const fs::path file = m_folder / "result.csv";
         std::ostringstream text;
         text << std::ifstream(file, std::ios::binary).rdbuf();
         const auto rows = ParseResults(text.str());
@@ -64,8 +48,8 @@ public:
     }
 
 private:
-    explicit Stage(std::string folder) : m_folder(std::move(folder)) {}
-    std::string m_folder;
+    OSAL::ScratchFolder m_scratch;
+    fs::path m_folder;
 };
 
 /// One analysis of one folder, from the checks before to the report behind.
@@ -190,16 +174,17 @@ ExitStatus FolderAnalysis::Run() {
                 : "none of the " + Files(m_captures.skippedCount) + " in '" + m_options.folder + "' can be analysed");
         return Success;
     }
-    auto stage = Stage::Make();
-    if (!stage) return Refuse(stage.Reason(), m_context);
-    const auto token = QuotePath(stage->Folder());
+    auto scratch = OSAL::ScratchFolder::Make("tarn-analyse");
+    if (!scratch) return Refuse(scratch.Reason(), m_context);
+    const auto token = QuotePath(scratch->Path());
     if (!token) return Refuse("TMPDIR names a folder with a double quote in its name", m_context);
     m_line = "-read_adc_samples_from_file " + *token;
     TarnSession::KeepingSink sink;
     const auto [session, status] = OpenSession({}, sink, m_context);
     if (!session) return status;
     session->Run("");  // takes away what the start left to say
-    return CheckRadio(RunOn(*session, *stage), m_context);
+    Stage stage(std::move(*scratch));
+    return CheckRadio(RunOn(*session, stage), m_context);
 }
 
 }  // namespace

@@ -1,41 +1,37 @@
 #include "Console/History.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <set>
 #include <sstream>
 
+#include "OSAL/Files.h"
+
 namespace TarnHost {
 namespace {
 
-constexpr off_t longestRead = 1 << 20;  ///< of the file's end
+constexpr std::uint64_t longestRead = 1 << 20;
 
-int OpenHistory(const std::string& file, int flags) {
-    const int descriptor = ::open(file.c_str(), flags | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK, 0600);
-    struct stat status {};
-    if (descriptor >= 0 && ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) return descriptor;
-    if (descriptor >= 0) ::close(descriptor);
-    return -1;
+std::string EndOf(const std::string& file) {
+    const OSAL::FileHandle handle = OSAL::OpenFile(file, OSAL::ReadOnly | OSAL::NoLink, true);
+    std::uint64_t size = 0;
+    std::size_t got = 0;
+    std::string text;
+    if (OSAL::FileSize(handle, size) == OSAL::Success) {
+        text.resize(static_cast<std::size_t>(std::min(size, longestRead)));
+        if (OSAL::ReadFile(handle, size - text.size(), text.data(), text.size(), got) != OSAL::Success) got = 0;
+    }
+    OSAL::CloseFile(handle);
+    text.resize(got);
+    return text;
 }
 
 }  // namespace
 
 std::vector<std::string> ReadHistory(const std::string& file, std::size_t most) {
-    const int descriptor = file.empty() ? -1 : OpenHistory(file, O_RDONLY);
-    if (descriptor < 0) return {};
-    const off_t size = ::lseek(descriptor, 0, SEEK_END);
-    const off_t start = std::max<off_t>(0, size - longestRead);
-    std::string text(static_cast<std::size_t>(size - start), '\0');
-    const ssize_t got = ::pread(descriptor, text.data(), text.size(), start);
-    ::close(descriptor);
-    text.resize(got > 0 ? static_cast<std::size_t>(got) : 0);
-
     std::vector<std::string> all;
-    std::istringstream stream(text);
+    std::istringstream stream(EndOf(file));
     for (std::string line; std::getline(stream, line);)
         if (!line.empty()) all.push_back(line);
     std::vector<std::string> kept;
@@ -52,11 +48,11 @@ void AppendHistory(const std::string& file, const std::string& line) {
     std::error_code ignored;
     if (std::filesystem::create_directories(folder, ignored))
         std::filesystem::permissions(folder, std::filesystem::perms::owner_all, ignored);
-    const int descriptor = OpenHistory(file, O_WRONLY | O_APPEND | O_CREAT);
-    if (descriptor < 0) return;
+    const OSAL::FileHandle handle = OSAL::OpenFile(file, OSAL::Append | OSAL::NoLink | OSAL::Private, true);
     const std::string whole = line + "\n";
-    [[maybe_unused]] const auto written = ::write(descriptor, whole.data(), whole.size());
-    ::close(descriptor);
+    std::size_t written = 0;
+    OSAL::WriteFile(handle, whole.data(), whole.size(), written);
+    OSAL::CloseFile(handle);
 }
 
 }  // namespace TarnHost

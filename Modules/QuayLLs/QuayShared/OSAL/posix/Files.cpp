@@ -138,6 +138,12 @@ bool FileExists(const std::string& path) {
     return true;
 }
 
+std::string AccessTrouble(const std::string& path, Access access) {
+    const int wanted = access == Access::Read ? R_OK : access == Access::List ? R_OK | X_OK : W_OK | X_OK;
+    const int error = !IsUsable(path) ? ENOENT : ::access(path.c_str(), wanted) != 0 ? errno : 0;
+    return error == 0 ? std::string() : std::generic_category().message(error);
+}
+
 int ReplaceFile(const std::string& from, const std::string& to) {
     if (!IsUsable(from) || !IsUsable(to)) return Failure;
     if (std::rename(from.c_str(), to.c_str()) == 0) return Success;
