@@ -1,7 +1,11 @@
 // The stored measurement state: what a snapshot holds, what comes back of it, and files that are none.
+#include <sys/resource.h>
+
+#include <csignal>
 #include <random>
 
 #include "FlowsTest.h"
+#include "OSAL/WholeFile.h"
 
 namespace {
 
@@ -129,7 +133,8 @@ TEST_F(SnapshotTest, ABrokenFileIsRefusedAndTheSettingsOfBeforeStay) {
           "m_NumChains=2 m_NumChains=two", "Samples=4096 Samples=4194305", "Samples=4096 Samples=99999999999",
           "m_RBW=312.5 m_RBW=1e-9", "m_RBW=312.5 m_RBW=nan", "m_RBW=312.5 m_RBW=300",
           "m_sampleRate=80 m_sampleRate=inf", "m_Bandwidth=80 m_Bandwidth=81", "m_currChain=3 m_currChain=7",
-          "ChannelIndex=1 ChannelIndex=99", "ChannelIndex=1 ChannelIndex=-1", "LnaGain=2 LnaGain=6", "\n- \nx-"}) {
+          "ChannelIndex=1 ChannelIndex=99", "ChannelIndex=1 ChannelIndex=-1", "LnaGain=2 LnaGain=6", "\n- \nx-",
+          "\n- \nnan,-", "\n- \n-inf,-"}) {
         const std::string from = NameOf(change), to = change.substr(from.size() + 1);
         EXPECT_NE(Load(With(text, from, to)), "") << to;
         EXPECT_EQ(Engine().m_RBW, 312.5) << to;
@@ -143,6 +148,26 @@ TEST_F(SnapshotTest, ABrokenFileIsRefusedAndTheSettingsOfBeforeStay) {
               std::string::npos);
     Run("-save_all now.csv");
     EXPECT_NE(Read("now.csv").find("m_currChannelNumber=42"), std::string::npos);
+}
+
+TEST_F(SnapshotTest, AFullDiskLeavesTheOldSnapshotWholeAndIsTold) {
+    const std::string text = Saved();
+    rlimit before{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+    const rlimit small{text.size() / 2, before.rlim_max};  // as a disk that takes half of it
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    Run("-maxhold false -trigger_now");
+    const Answer answer = Run("-save_all " + Path("a.csv"));
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_EQ(answer.exitCode, 0) << "the answer doesn't tell";
+    EXPECT_EQ(Read("a.csv"), text);
+    EXPECT_NE(Read("log.txt").find("can't write '" + Path("a.csv") + "': File too large"), std::string::npos);
+    const auto isPart = [](const auto& entry) { return OSAL::IsLeftOverPart(entry.path().filename().string()); };
+    EXPECT_TRUE(std::ranges::none_of(std::filesystem::directory_iterator(m_folder), isPart));
+    Run("-save_all " + Path("a.csv"));
+    EXPECT_NE(Read("a.csv"), text);
 }
 
 TEST_F(SnapshotTest, CutFlippedAndOversizedFilesNeitherCrashNorHang) {

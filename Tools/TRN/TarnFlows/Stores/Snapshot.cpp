@@ -381,6 +381,7 @@ void ReadArrays(std::string_view text, SavedArrays& arrays) {
                 more = !token.empty();
                 if (!more) break;
                 buffer[row] = FlowText::TextToDouble(token);
+                if (!std::isfinite(buffer[row])) Refuse(name, buffer[row]);
             }
             if (!more) break;
         }
