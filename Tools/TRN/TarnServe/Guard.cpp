@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <boost/asio/ip/address.hpp>
 #include <charconv>
 #include <optional>
 
@@ -10,9 +11,14 @@ namespace {
 
 constexpr std::string_view cookieName = "tarn_token=";
 constexpr std::size_t longestFileName = 64;
+constexpr std::size_t longestToken = 256;
 
 char Lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool IsWordCharacter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
 }
 
 bool SameLetters(std::string_view a, std::string_view b) {
@@ -33,6 +39,14 @@ std::optional<HostAndPort> Split(std::string_view host) {
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), split.port);
     if (error != std::errc() || end != digits.data() + digits.size()) return std::nullopt;
     return split;
+}
+
+/// An IPv6 address in brackets in its shortest form, whatever form it has; anything else as it is.
+std::string ShortestName(std::string_view name) {
+    if (!name.starts_with('[') || !name.ends_with(']')) return std::string(name);
+    boost::system::error_code error;
+    const auto address = boost::asio::ip::make_address_v6(std::string(name.substr(1, name.size() - 2)), error);
+    return error ? std::string(name) : "[" + address.to_string() + "]";
 }
 
 /// Digits and points, or what stands in brackets: never a name that somebody else's name server could answer for.
@@ -62,7 +76,7 @@ Guard::Guard(std::string address, std::uint16_t port, std::string token, std::st
 bool Guard::IsOwnHost(std::string_view host) const {
     const auto split = Split(host);
     if (!split || split->port != m_port) return false;
-    const std::string_view name = split->name;
+    const std::string name = ShortestName(split->name);
     if (SameLetters(name, m_address) || name == "[" + m_address + "]") return true;
     static constexpr auto loopbackNames = std::to_array<std::string_view>({"127.0.0.1", "localhost", "[::1]"});
     if (std::ranges::any_of(loopbackNames, [&](std::string_view own) { return SameLetters(name, own); })) return true;
@@ -80,8 +94,8 @@ Admission Guard::Check(const RequestOrigin& request) const {
     if (request.fetchSite == "cross-site" || request.fetchSite == "same-site") return Admission::WrongOrigin;
     if (m_token.empty()) return Admission::Fine;
     constexpr std::string_view bearer = "Bearer ";
-    const bool isBearer =
-        request.authorization.starts_with(bearer) && IsToken(request.authorization.substr(bearer.size()));
+    const bool isBearer = SameLetters(request.authorization.substr(0, bearer.size()), bearer) &&
+                          IsToken(request.authorization.substr(bearer.size()));
     const bool isKnown = isBearer || IsToken(PartOf(request.cookie, cookieName, ';')) || IsTokenInQuery(request.query);
     return isKnown ? Admission::Fine : Admission::NoToken;
 }
@@ -107,12 +121,15 @@ bool IsLoopback(std::string_view address) {
     return address == "localhost" || address == "::1" || address.starts_with("127.");
 }
 
+bool IsTokenText(std::string_view text) {
+    return text.size() <= longestToken && std::ranges::all_of(text, [](char c) {
+               return IsWordCharacter(c) || std::string_view("-._~+/=").find(c) != std::string_view::npos;
+           });
+}
+
 bool IsFileName(std::string_view name) {
-    const auto isWordCharacter = [](char c) {
-        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-    };
-    return !name.empty() && name.size() <= longestFileName && isWordCharacter(name.front()) &&
-           std::ranges::all_of(name, [&](char c) { return isWordCharacter(c) || c == '-' || c == '_' || c == '.'; });
+    return !name.empty() && name.size() <= longestFileName && IsWordCharacter(name.front()) &&
+           std::ranges::all_of(name, [](char c) { return IsWordCharacter(c) || c == '-' || c == '_' || c == '.'; });
 }
 
 }  // namespace TarnServe

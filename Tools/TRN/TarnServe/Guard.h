@@ -23,7 +23,7 @@ enum class Admission { Fine, WrongHost, WrongOrigin, NoToken };
 class Guard {
 public:
     /// @param address  that the server is bound to, as text
-    /// @param token    empty: none is asked for
+    /// @param token    as IsTokenText wants it; empty: none is asked for
     Guard(std::string address, std::uint16_t port, std::string token, std::string machineName = {});
 
     /// Host must be a name of this server, Origin this server itself where it is given, and the token must be there
@@ -44,6 +44,9 @@ private:
     std::string m_token;
     std::string m_machineName;
 };
+
+/// What fits into a header, a cookie and an address as it stands: letters, digits and "-._~+/=", 256 at the most.
+bool IsTokenText(std::string_view text);
 
 /// True for an address that only this machine reaches.
 bool IsLoopback(std::string_view address);

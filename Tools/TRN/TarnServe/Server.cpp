@@ -46,6 +46,8 @@ OSAL::Outcome<> Server::Impl::Bind(const ServerOptions& options) {
     if (error) return OSAL::Refusal{"'" + options.address + "' isn't a numeric address"};
     if (!address.is_loopback() && options.token.empty())
         return OSAL::Refusal{"on an address that others reach, the server needs a --token"};
+    if (!IsTokenText(options.token))
+        return OSAL::Refusal{"the token may hold letters, digits and any of -._~+/=, 256 of them at the most"};
     const asio::ip::tcp::endpoint endpoint(address, options.port);
     m_acceptor.open(endpoint.protocol(), error);
     if (!error) m_acceptor.set_option(asio::socket_base::reuse_address(true), error);

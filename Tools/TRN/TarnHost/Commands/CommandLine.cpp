@@ -242,7 +242,9 @@ void AddServe(CLI::App& app, ServeOptions& options) {
     command->add_option("--data", options.dataFolder, "Folder of all files that requests name; made when missing")
         ->type_name("FOLDER")
         ->capture_default_str();
-    command->add_option("--token", options.token, "What clients must know; a browser opens ADDRESS?token=TEXT once")
+    command
+        ->add_option("--token", options.token,
+                     "What clients must know, of letters, digits and -._~+/=; a browser opens ADDRESS?token=TEXT once")
         ->type_name("TEXT");
     command->footer(
         "Prints the address once the server is ready, and serves until Ctrl-C.\n\n"
