@@ -32,12 +32,15 @@ struct Desk final : IAudience {
     std::set<std::shared_ptr<StreamConnection>> streams;
     FramePtr lastFrame;  ///< for those who come while nothing is swept
     std::size_t connections = 0;
+    std::size_t answers = 0;  ///< that are being written
     bool isEnding = false;
 
     void Tell(const MessagePtr& message) override;
     void Show(const FramePtr& frame) override;
     bool IsWatching() const override;
     std::size_t Clients() const override { return streams.size(); }
+    /// Everything is written and everybody is gone.
+    bool IsDone() const { return streams.empty() && answers == 0; }
 
     static constexpr std::size_t mostConnections = 128;
     static constexpr std::size_t mostStreams = 32;
@@ -76,21 +79,24 @@ public:
     void Push(const MessagePtr& message);
     void PushFrame(const FramePtr& frame);
     bool IsWatching() const;
+    /// Says goodbye once what waits is sent.
     void Close();
 
 private:
     void Read();
     void Take(const std::string& text);
     void Write();
+    void SayGoodbye();
     void CutOff();
 
     websocket::stream<beast::tcp_stream> m_socket;
     Desk& m_desk;
     beast::flat_buffer m_buffer;
-    Outbox m_outbox;
+    Outbox m_outbox;  ///< refusals go to everybody, also before they subscribe
     std::optional<Outgoing> m_sending;
     std::string m_head;
     bool m_isOpen = false;
+    bool m_isGreeted = false;
     bool m_isClosing = false;
 };
 

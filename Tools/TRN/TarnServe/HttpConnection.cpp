@@ -145,7 +145,9 @@ void HttpConnection::Send(ApiResponse response, bool keepAlive) {
     m_response->prepare_payload();
     if (m_isHead) m_response->body().clear();  // its length stays told
     m_stream.expires_after(patience);
+    ++m_desk.answers;
     http::async_write(m_stream, *m_response, [self = shared_from_this(), goesOn](beast::error_code error, std::size_t) {
+        --self->m_desk.answers;
         if (error) return;
         if (goesOn) return self->ReadHeader();
         beast::error_code ignored;

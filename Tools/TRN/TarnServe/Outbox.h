@@ -14,7 +14,7 @@
 namespace TarnServe {
 
 struct Subscription {
-    std::set<std::string, std::less<>> types;
+    std::set<std::string, std::less<>> types{std::string(HostType::Refusal)};  ///< of which nobody is spared
     bool isAll = false;
     /// The client says when it has drawn a sweep, and gets the next one then.
     bool acknowledges = false;

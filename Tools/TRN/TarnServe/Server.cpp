@@ -28,6 +28,9 @@ private:
     OSAL::Outcome<> Bind(const ServerOptions& options);
     void Accept();
     void End();
+    void Leave(Clock::time_point latest);
+
+    static constexpr auto patience = std::chrono::seconds(5);
 
     Desk m_desk;  // connections look at it to their end, which comes with the loop's
     asio::io_context m_io{1};
@@ -115,9 +118,15 @@ void Server::Impl::End() {
     m_station->End([this] {
         for (const auto& stream : std::set(m_desk.streams))
             stream->Close();
-        // a client that doesn't answer the goodbye isn't waited for
-        After(std::chrono::milliseconds(300), [this] { m_io.stop(); });
+        Leave(Clock::now() + patience);
     });
+}
+
+/// Ends the loop once everybody got what waits for them; a client that doesn't read or doesn't answer the goodbye is
+/// waited for until `latest`.
+void Server::Impl::Leave(Clock::time_point latest) {
+    if (m_desk.IsDone() || Clock::now() >= latest) return m_io.stop();
+    After(std::chrono::milliseconds(10), [this, latest] { Leave(latest); });
 }
 
 Server::Server(std::unique_ptr<Impl> impl) : m_impl(std::move(impl)) {}

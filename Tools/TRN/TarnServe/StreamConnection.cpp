@@ -86,10 +86,8 @@ void StreamConnection::Take(const std::string& text) {
             if (type.is_string()) subscription.types.insert(type.get<std::string>());
     const Json acknowledge = order.value("acknowledge", Json(false));
     subscription.acknowledges = acknowledge.is_boolean() && acknowledge.get<bool>();
-    subscription.types.emplace(HostType::Refusal);
-    const bool isFirst = m_outbox.Wishes().types.empty() && !m_outbox.Wishes().isAll;
     m_outbox.Subscribe(std::move(subscription));
-    if (isFirst)
+    if (!std::exchange(m_isGreeted, true))
         for (const MessagePtr& message : m_desk.station->Greeting())
             m_outbox.Push(message);
     if (m_desk.lastFrame && !m_desk.station->IsSweeping()) m_outbox.PushFrame(m_desk.lastFrame);
@@ -113,9 +111,9 @@ bool StreamConnection::IsWatching() const {
 }
 
 void StreamConnection::Write() {
-    if (!m_isOpen || m_isClosing || m_sending) return;
+    if (!m_isOpen || m_sending) return;
     m_sending = m_outbox.Next();
-    if (!m_sending) return;
+    if (!m_sending) return m_isClosing ? SayGoodbye() : void();
     const std::string& envelope = m_sending->message->envelope;
     m_head = m_sending->message->Head(m_sending->dropped);
     const std::array<asio::const_buffer, 2> parts = {asio::buffer(m_head),
@@ -124,8 +122,18 @@ void StreamConnection::Write() {
         self->m_sending.reset();
         if (error) return self->CutOff();
         self->Write();
-        if (self->m_isClosing && !self->m_sending) self->Close();
     });
+}
+
+void StreamConnection::Close() {
+    m_isClosing = true;
+    Write();
+}
+
+void StreamConnection::SayGoodbye() {
+    m_isOpen = false;
+    m_socket.async_close(websocket::close_code::going_away,
+                         [self = shared_from_this()](beast::error_code) { self->m_desk.streams.erase(self); });
 }
 
 void StreamConnection::CutOff() {
@@ -134,15 +142,6 @@ void StreamConnection::CutOff() {
     beast::get_lowest_layer(m_socket).close();
     m_desk.streams.erase(shared_from_this());
     if (!m_desk.isEnding) m_desk.station->AudienceChanged();
-}
-
-void StreamConnection::Close() {
-    if (!m_isOpen) return;
-    m_isClosing = true;
-    if (m_sending) return;  // the write's end comes back here
-    m_isOpen = false;
-    m_desk.streams.erase(shared_from_this());
-    m_socket.async_close(websocket::close_code::going_away, [self = shared_from_this()](beast::error_code) {});
 }
 
 }  // namespace TarnServe
