@@ -89,12 +89,52 @@ bool Api::TakesFile(std::string_view path) {
     return path.starts_with(filesPath);
 }
 
+struct Api::Route {
+    std::string_view method;
+    std::string_view path;  ///< with a "/" at its end: a name follows
+    std::function<void(Api&, const ApiRequest&, const Respond&)> handle;
+
+    bool Is(std::string_view text) const { return path.ends_with('/') ? text.starts_with(path) : text == path; }
+};
+
+const std::vector<Api::Route>& Api::Routes() {
+    using Request = const ApiRequest&;
+    const auto now = [](auto answer) {
+        return [answer](Api& api, Request request, const Respond& respond) { respond(answer(api, request)); };
+    };
+    static const std::vector<Route> routes = {
+        {"GET", "/api", now([](Api&, Request) { return ApiResponse{.body = ApiDescription()}; })},
+        {"GET", "/api/health", now([](Api&, Request) {
+             return JsonResponse({{"status", "ok"}});
+         })},
+        {"GET", "/api/state", now([](Api& api, Request) { return api.State(); })},
+        {"GET", "/api/keys", now([](Api&, Request) { return JsonResponse(KeysJson()); })},
+        {"POST", "/api/lines", std::mem_fn(&Api::HandleLine)},
+        {"POST", "/api/run", now(std::mem_fn(&Api::SetMode))},
+        {"PUT", "/api/limits", now(std::mem_fn(&Api::SetLimit))},
+        {"GET", "/api/channels", now([](Api& api, Request) { return JsonResponse(api.m_station.Channels()); })},
+        {"DELETE", "/api/channels", now([](Api& api, Request) { return api.ClearChannels(); })},
+        {"GET", "/api/files", now([](Api& api, Request) { return JsonResponse(FilesJson(api.m_station.Folder())); })},
+        {"GET", filesPath, now(std::mem_fn(&Api::ReadFile))},
+        {"PUT", filesPath, now(std::mem_fn(&Api::WriteFile))},
+        {"DELETE", filesPath, now(std::mem_fn(&Api::RemoveFile))},
+    };
+    return routes;
+}
+
 void Api::Handle(const ApiRequest& request, const Respond& respond) {
-    if (request.path == "/api/lines" && request.method == "POST") {
-        HandleLine(request, respond);
-    } else {
-        respond(Answer(request));
+    std::string allowed;
+    for (const Route& route : Routes()) {
+        if (!route.Is(request.path)) continue;
+        if (route.method == request.method) return route.handle(*this, request, respond);
+        allowed.append(allowed.empty() ? "" : ", ").append(route.method == "GET" ? "GET, HEAD" : route.method);
     }
+    if (allowed.empty() && request.path.starts_with("/api"))
+        return respond(ErrorResponse(404, "there is no '" + request.path.substr(0, 80) + "'; GET /api tells what is"));
+    if (allowed.empty() && request.method == "GET") return respond(PageResponse(request.path));
+    ApiResponse refusal = ErrorResponse(405, request.method + " isn't for '" + request.path.substr(0, 80) + "'");
+    refusal.headers.emplace_back("Allow", allowed.empty() ? "GET, HEAD" : allowed);
+    respond(std::move(refusal));
 }
 
 void Api::HandleLine(const ApiRequest& request, const Respond& respond) {
@@ -108,55 +148,44 @@ void Api::HandleLine(const ApiRequest& request, const Respond& respond) {
     if (text.size() > Station::longestLine)
         return respond(
             ErrorResponse(413, "the line is longer than " + std::to_string(Station::longestLine) + " characters"));
-    const auto queued = m_station.RunLine(text, {plain.get<bool>()}, [respond](const std::string& record) {
-        respond({200, "application/json", record + "\n", {}});
-    });
+    const auto queued =
+        m_station.RunLine(text, {plain.get<bool>()}, [respond](const OSAL::Outcome<std::string>& record) {
+            respond(record ? ApiResponse{.body = *record + "\n"} : ErrorResponse(409, record.Reason()));
+        });
     if (!queued) respond(ErrorResponse(409, queued.Reason()));
 }
 
-ApiResponse Api::Answer(const ApiRequest& request) {
-    const std::string& path = request.path;
-    const bool isGet = request.method == "GET";
-    if (path == "/api" && isGet) return {200, "application/json", ApiDescription(), {}};
-    if (path == "/api/health" && isGet) return JsonResponse({{"status", "ok"}});
-    if (path == "/api/state" && isGet) {
-        Json state = m_station.State();
-        state["seq"] = m_station.LastNumber();
-        state["clients"] = m_audience.Clients();
-        return JsonResponse(state);
-    }
-    if (path == "/api/keys" && isGet) return JsonResponse(KeysJson());
-    if (path == "/api/channels" && isGet) return JsonResponse(m_station.Channels());
-    if (path == "/api/channels" && request.method == "DELETE") {
-        m_station.ClearChannels();
-        return JsonResponse({{"status", "ok"}});
-    }
-    if (path == "/api/run" && request.method == "POST") return SetMode(request);
-    if (path == "/api/limits" && request.method == "PUT") return SetLimit(request);
-    if (path == "/api/files" && isGet) return JsonResponse(FilesJson(m_station.Folder()));
-    if (TakesFile(path)) return AnswerFile(request);
-    if (isGet && !path.starts_with("/api")) return PageResponse(path);
-    return ErrorResponse(404,
-                         "there is no " + request.method + " '" + path.substr(0, 80) + "'; GET /api tells what is");
+ApiResponse Api::State() {
+    Json state = m_station.State();
+    state["seq"] = m_station.LastNumber();
+    state["clients"] = m_audience.Clients();
+    return JsonResponse(state);
 }
 
-ApiResponse Api::AnswerFile(const ApiRequest& request) {
+ApiResponse Api::ClearChannels() {
+    m_station.ClearChannels();
+    return JsonResponse({{"status", "ok"}});
+}
+
+ApiResponse Api::ReadFile(const ApiRequest& request) {
     const std::string name = request.path.substr(filesPath.size());
     if (!IsFileName(name)) return ErrorResponse(400, "'" + name.substr(0, 80) + "' isn't a file name");
-    const DataFolder& folder = m_station.Folder();
-    if (request.method == "GET") {
-        auto content = folder.Read(name);
-        if (!content) return ErrorResponse(404, content.Reason());
-        return {200,
-                "application/octet-stream",
-                std::move(*content),
-                {{"Content-Disposition", "attachment; filename=\"" + name + "\""}}};
-    }
-    if (request.method == "PUT" && request.contentType == "application/octet-stream")
-        return ResponseTo(folder.Write(name, request.body));
-    if (request.method == "PUT") return ErrorResponse(415, "the body must be application/octet-stream");
-    if (request.method == "DELETE") return ResponseTo(folder.Remove(name));
-    return ErrorResponse(405, "a file takes GET, PUT and DELETE");
+    auto content = m_station.Folder().Read(name);
+    if (!content) return ErrorResponse(404, content.Reason());
+    return {200,
+            "application/octet-stream",
+            std::move(*content),
+            {{"Content-Disposition", "attachment; filename=\"" + name + "\""}}};
+}
+
+ApiResponse Api::WriteFile(const ApiRequest& request) {
+    if (request.contentType != "application/octet-stream")
+        return ErrorResponse(415, "the body must be application/octet-stream");
+    return ResponseTo(m_station.Folder().Write(request.path.substr(filesPath.size()), request.body));
+}
+
+ApiResponse Api::RemoveFile(const ApiRequest& request) {
+    return ResponseTo(m_station.Folder().Remove(request.path.substr(filesPath.size())));
 }
 
 ApiResponse Api::SetMode(const ApiRequest& request) {

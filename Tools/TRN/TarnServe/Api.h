@@ -22,7 +22,7 @@ struct ApiResponse {
     unsigned status = 200;
     std::string type = "application/json";
     std::string body;
-    std::vector<std::pair<std::string, std::string>> headers;
+    std::vector<std::pair<std::string, std::string>> headers{};
 };
 
 using Respond = std::function<void(ApiResponse)>;
@@ -41,9 +41,14 @@ public:
     static bool TakesFile(std::string_view path);
 
 private:
+    struct Route;
+    static const std::vector<Route>& Routes();
     void HandleLine(const ApiRequest& request, const Respond& respond);
-    ApiResponse Answer(const ApiRequest& request);
-    ApiResponse AnswerFile(const ApiRequest& request);
+    ApiResponse State();
+    ApiResponse ClearChannels();
+    ApiResponse ReadFile(const ApiRequest& request);
+    ApiResponse WriteFile(const ApiRequest& request);
+    ApiResponse RemoveFile(const ApiRequest& request);
     ApiResponse SetMode(const ApiRequest& request);
     ApiResponse SetLimit(const ApiRequest& request);
 

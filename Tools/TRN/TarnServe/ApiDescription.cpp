@@ -229,20 +229,24 @@ Json Paths() {
 Json Build() {
     Json types = Json::object();
     Json schemas = PluginSchemas();
+    for (Json& data : schemas)
+        data = Either(data, {{"type", "null"}});
     schemas.update(HostSchemas());
     for (const auto& [type, data] : schemas.items())
         types[type] = ObjectOf({{"seq", whole},
                                 {"utc", {{"type", "string"}, {"format", "date-time"}}},
                                 {"dropped", whole, true},
                                 {"type", {{"const", type}}},
-                                {"data", data}});
+                                {"data", data},
+                                {"text", text, true}});
     return {{"openapi", "3.1.0"},
             {"info",
              {{"title", "Tarn"},
               {"version", TARN_VERSION},
               {"description",
                "Command lines and their results over HTTP; the measurement's messages over a WebSocket. "
-               "Under schemas stands each message of the stream, by its type."}}},
+               "Under schemas stands each message of the stream, by its type; one that the plug-in didn't write as "
+               "JSON has no data, and its text."}}},
             {"paths", Paths()},
             {"components", {{"schemas", types}}}};
 }

@@ -198,9 +198,18 @@ void Station::Start(Job job) {
         m_loop.Post([this, exchange = std::move(exchange)] { Finish(exchange); });
     });
     if (posted) return;
-    // the session's queue holds this one line at most, so only a session that ended refuses
+    // the session's queue holds this one line at most, so only a session that ended refuses: what waits waits in vain
     m_trouble = posted.Reason();
-    m_running.reset();
+    m_jobs.push_front(*std::exchange(m_running, std::nullopt));
+    Refuse(m_trouble);
+    m_nextSweep = Clock::now() + troublePeriod;
+    TellState();
+}
+
+/// Those who wait for a line are told that it doesn't run.
+void Station::Refuse(const std::string& reason) {
+    for (const Job& job : std::exchange(m_jobs, {}))
+        if (job.done) job.done(OSAL::Refusal{reason});
 }
 
 void Station::Finish(const TarnSession::Exchange& exchange) {
@@ -220,6 +229,10 @@ void Station::Finish(const TarnSession::Exchange& exchange) {
     }
     Received received = std::exchange(m_received, {});
     Publish(received, exchange);
+    // a key may answer that all is well though its file isn't written; a failed line's error tells it by itself
+    if (isFine && !job.isSweep)
+        for (const std::string& warning : exchange.warnings)
+            Tell(HostType::Refusal, {{"text", m_folder.Hide(warning)}});
     if (!job.isOwn || !isFine) {
         Tell(HostType::Line, {{"line", job.line},
                               {"origin", job.isOwn ? "server" : "client"},
@@ -305,9 +318,7 @@ void Station::AudienceChanged() {
 void Station::End(std::function<void()> done) {
     m_isEnding = true;
     m_ended = std::move(done);
-    for (Job& job : m_jobs)
-        if (job.done) job.done(R"({"error": "the server is ending"})");
-    m_jobs.clear();
+    Refuse("the server is ending");
     Pump();
 }
 

@@ -60,8 +60,8 @@ public:
     /// Waits for the running line.
     ~Station() override;
 
-    /// @param record  the exchange as one JSON object
-    using LineDone = std::function<void(const std::string& record)>;
+    /// @param record  the exchange as one JSON object; refused when the line didn't run after all
+    using LineDone = std::function<void(const OSAL::Outcome<std::string>& record)>;
     /// Runs a client's line behind those that wait. Refused when it names a path, is too long, or too many wait.
     OSAL::Outcome<> RunLine(const std::string& line, TarnSession::LineOptions options, LineDone done);
     OSAL::Outcome<> SetMode(Mode mode, const ScanOrder& order);
@@ -110,6 +110,7 @@ private:
     OSAL::Outcome<> Queue(Job job);
     void Pump();
     void Start(Job job);
+    void Refuse(const std::string& reason);
     void Finish(const TarnSession::Exchange& exchange);
     void TakeSettings(const Job& job);
     void RestoreTuning();
@@ -125,6 +126,7 @@ private:
     void EndScan();
     bool MaySweep() const;
     MessagePtr Number(std::string type, std::string envelope);
+    MessagePtr FromPlugin(const std::string& envelope);
     void Tell(std::string_view type, const nlohmann::json& data);
     void TellState();
     void TellChannels(bool atOnce);

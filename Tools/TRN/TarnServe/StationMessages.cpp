@@ -102,6 +102,11 @@ MessagePtr Station::Number(std::string type, std::string envelope) {
     return message;
 }
 
+/// A message of the plug-in as clients get it: always JSON, and without the folder's path.
+MessagePtr Station::FromPlugin(const std::string& envelope) {
+    return Number(std::string(TypeOf(envelope)), AsJson(m_folder.Hide(envelope)));
+}
+
 void Station::Tell(std::string_view type, const Json& data) {
     const std::string text = data.dump(-1, ' ', false, Json::error_handler_t::replace);
     m_audience.Tell(Number(std::string(type), Envelope(type, text)));
@@ -124,8 +129,7 @@ void Station::Publish(const Received& received, const TarnSession::Exchange& exc
     for (const std::string& envelope : received.messages) {
         if (isSweep && IsOfSweep(TypeOf(envelope))) continue;
         Remember(envelope);
-        std::string type(TypeOf(envelope));
-        m_audience.Tell(Number(std::move(type), AsJson(m_folder.Hide(envelope))));
+        m_audience.Tell(FromPlugin(envelope));
     }
     for (const std::string& text : received.errors)
         Tell(HostType::Refusal, {{"text", text}});
@@ -138,7 +142,7 @@ void Station::PublishSweep(const Received& received, const TarnSession::Exchange
     const Tuning& tuning = m_book.Now();
     auto frame = std::make_shared<Frame>();
     for (const std::string& envelope : received.messages)
-        if (IsOfSweep(TypeOf(envelope))) frame->push_back(Number(std::string(TypeOf(envelope)), envelope));
+        if (IsOfSweep(TypeOf(envelope))) frame->push_back(FromPlugin(envelope));
     Json verdicts = Json::array();
     for (const ChainVerdict& verdict : m_lastVerdicts)
         verdicts.push_back({{"chain", verdict.chain},
@@ -196,8 +200,7 @@ std::vector<ChainVerdict> Station::Verdicts(const Received& received, const std:
 /// Messages that tell what a new client needs, and those that change the settings behind our back.
 void Station::Remember(const std::string& envelope) {
     const std::string type(TypeOf(envelope));
-    if (type == "Supported Channels Data" || type == "Supported Chains Data")
-        m_vocabulary[type] = Number(type, AsJson(envelope));
+    if (type == "Supported Channels Data" || type == "Supported Chains Data") m_vocabulary[type] = FromPlugin(envelope);
     if (type == "Load All Response") TakeLoadedSettings(Json::parse(DataOf(envelope), nullptr, false));
 }
 
