@@ -1,6 +1,6 @@
 // The server from outside: what it refuses, what it answers, and that no client holds back another.
 import assert from 'node:assert/strict';
-import { existsSync, readFileSync, rmSync, symlinkSync, writeFileSync } from 'node:fs';
+import { existsSync, mkdirSync, readFileSync, rmSync, symlinkSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import test from 'node:test';
 import { Server } from './support.mjs';
@@ -67,17 +67,36 @@ test('only this server’s own page and plain programs on this machine are serve
 test('another address needs a token, and then asks every client for it', async () => {
   const refused = await Server.start({ more: ['--bind', '0.0.0.0'] });
   assert.match(refused.ready, /ended with 1: .*needs a --token/);
+  for (const token of ['a;b', 'a&b', 'a b', 'ä'])
+    assert.match((await Server.start({ more: ['--token', token] })).ready, /ended with 1: .*the token may hold/, token);
   const server = await Server.start({ more: ['--bind', '0.0.0.0', '--token', 'a/b+c'] });
   const status = async (path, headers) => (await server.request('GET', path, { headers })).status;
   assert.equal(await status('/api/state', {}), 401);
   assert.equal(await status('/api/state', { Authorization: 'Bearer a/b+x' }), 401);
-  assert.equal(await status('/api/state', { Authorization: 'Bearer a/b+c' }), 200);
+  for (const scheme of ['Bearer', 'bearer'])
+    assert.equal(await status('/api/state', { Authorization: `${scheme} a/b+c` }), 200);
   assert.equal((await server.stream()).status, 401);
   const landing = await server.request('GET', '/?token=a/b+c');
   assert.deepEqual([landing.status, landing.headers.location], [303, '/']);
   const cookie = landing.headers['set-cookie'][0];
   assert.match(cookie, /HttpOnly; SameSite=Strict/);
   assert.equal(await status('/api/state', { Cookie: cookie.split(';')[0] }), 200);
+  await server.stop();
+});
+
+test('the loopback address of IPv6 serves, however it is written', async (t) => {
+  const server = await Server.start({ more: ['--bind', '0:0:0:0:0:0:0:1'] });
+  if (/Address family|assign requested/.test(server.ready)) return t.skip('this machine has no IPv6');
+  assert.equal(server.ready, `http://[::1]:${server.port}/\n`);
+  for (const [host, status] of [
+    ['[::1]', 200],
+    ['[0:0:0:0:0:0:0:1]', 200],
+    ['[::2]', 421],
+    ['[::1].evil.example', 421],
+  ]) {
+    const headers = { Host: `${host}:${server.port}` };
+    assert.equal((await server.request('GET', '/', { headers, host: '::1' })).status, status, host);
+  }
   await server.stop();
 });
 
@@ -95,6 +114,14 @@ test('files are names in one folder, whatever a line or a path says', async (t) 
   assert.equal((await server.line(`-save_IQ -channel_average true ${outside}`)).status, 409);
   assert.equal((await server.line(`-save_spectrum name.csv,${outside}`)).status, 409);
   assert.equal(existsSync(outside), false);
+  // a save that fails answers as ever, and is told to everybody
+  mkdirSync(inside('taken.txt'));
+  const stream = await server.stream();
+  stream.send('no order'); // its refusal comes though nothing is subscribed
+  assert.match((await stream.next('Host Refusal')).data.text, /an order is a JSON object/);
+  assert.equal((await server.line('-save_spectrum taken.txt')).json.exitCode, 0);
+  assert.match((await stream.next('Host Refusal')).data.text, /can't write 'taken.txt'/);
+  stream.close();
   const saved = await server.line('-save_spectrum here.txt');
   assert.deepEqual([saved.json.exitCode, existsSync(inside('here.txt'))], [0, true]);
   assert.equal(JSON.stringify(saved.json).includes(server.folder), false);
@@ -165,6 +192,16 @@ test('ten clients with lines of a megabyte, binary and broken bodies get answers
     ['PUT', '/api/limits', { text: 5 }],
   ])
     assert.equal((await server.json(method, path, value)).status, 400, path);
+  for (const [path, allowed] of [
+    ['/api/state', 'GET, HEAD'],
+    ['/api/lines', 'POST'],
+    ['/api/files/a', 'GET, HEAD, PUT, DELETE'],
+    ['/main.js', 'GET, HEAD'],
+  ]) {
+    const answer = await server.request('PATCH', path);
+    assert.deepEqual([answer.status, answer.headers.allow], [405, allowed], path);
+  }
+  assert.equal((await server.request('PATCH', '/api/nothing')).status, 404);
   assert.equal((await server.json('GET', '/api/health')).json.status, 'ok');
   await server.stop();
 });
@@ -218,6 +255,17 @@ test('every message of the stream and every answer is as the API describes it', 
     assert.ok(types.has(type), type);
   const state = await server.json('GET', '/api/state');
   assert.equal(misfit(api.paths['/api/state'].get.responses['200'].content['application/json'].schema, state.json), '');
+  // a gain that is no number makes levels that JSON doesn't know
+  const row = `${state.json.adapter.mac},A,2412,nan,20MHz`;
+  const put = { headers: { 'Content-Type': 'application/octet-stream' }, body: `mac,chain,freq,gain,bw\n${row}\n` };
+  await server.request('PUT', '/api/files/gain.csv', put);
+  await server.line('-maxhold false -channel_average false -gain_file_name gain.csv');
+  await server.line('-set_gain_from_file');
+  for (;;) {
+    const spectrum = await stream.next('Spectrum Data'); // each parsed as JSON on its way here
+    assert.equal(misfit(api.components.schemas['Spectrum Data'], spectrum), '');
+    if (spectrum.text?.includes('nan')) break;
+  }
   stream.close();
   await server.stop();
 });
@@ -249,7 +297,12 @@ test('a client that doesn’t draw or doesn’t read loses sweeps, and the other
     slow.messages.some((message) => message.type === 'IQ Amplitude Data'),
     false,
   );
-  await server.stop();
+  // the end waits for a client that has much to read, and begins to
+  const ended = server.stop();
+  await new Promise((resolve) => setTimeout(resolve, 500));
+  dead.socket.resume();
+  assert.equal(await ended, 0);
+  assert.equal(dead.saidGoodbye, true);
 });
 
 test('hold, single, scan and the average are driven by the server, for every client alike', async (t) => {

@@ -10,6 +10,9 @@ import { join } from 'node:path';
 /** A floor of -114 + 7 dBm in a MHz, and one tone. */
 const scene = { capture_interval_s: 0.1, tones: [{ frequency_mhz: 2440, level_dbm: -60 }] };
 
+const processes = [];
+process.on('exit', () => processes.forEach((one) => one.kill('SIGKILL'))); // also behind a test that failed
+
 export class Server {
   /** Starts tarn serve on a free port; resolves once it printed its address. */
   static async start(options = {}) {
@@ -28,7 +31,7 @@ export class Server {
       ...air,
       ...(options.more ?? []),
     ]);
-    process.on('exit', () => server.process.kill('SIGKILL')); // also behind a test that failed
+    processes.push(server.process);
     server.complaints = '';
     server.process.stderr.on('data', (text) => (server.complaints += text));
     server.ended = new Promise((resolve) => server.process.on('exit', (code) => resolve(code)));
@@ -54,10 +57,10 @@ export class Server {
   }
 
   /** One request with exactly these headers; { status, headers, body }. */
-  request(method, path, { headers = {}, body } = {}) {
+  request(method, path, { headers = {}, body, host = '127.0.0.1' } = {}) {
     return new Promise((resolve, reject) => {
       const request = http.request(
-        { host: '127.0.0.1', port: this.port, method, path, headers, agent: false },
+        { host, port: this.port, method, path, headers, agent: false },
         (response) => {
           let text = '';
           response.setEncoding('utf8');
@@ -115,8 +118,12 @@ export class Server {
           if (!reads) socket.pause();
           resolve(client);
         }
-        for (let frame; (frame = takeFrame(received)); received = received.subarray(frame.length))
+        for (let frame; (frame = takeFrame(received)); received = received.subarray(frame.length)) {
           if (frame.opcode === 1) deliver(client, JSON.parse(frame.text));
+          if (frame.opcode !== 8) continue;
+          client.saidGoodbye = true;
+          socket.end();
+        }
       });
     });
   }
