@@ -1,3 +1,4 @@
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -5,6 +6,7 @@
 
 #include "Child.h"
 #include "Folder.h"
+#include "OSAL/ScratchFolder.h"
 #include "OSAL/WholeFile.h"
 
 using WholeFiles = Files;
@@ -91,6 +93,38 @@ TEST_F(WholeFiles, AreOldOrNewWheneverTheirWritersAreKilled) {
         const auto text = TextOf(path);
         ASSERT_TRUE(text == first || text == second) << round;
     }
-    for (const auto& entry : fs::directory_iterator(m_folder))
-        EXPECT_TRUE(entry.path() == path || OSAL::IsLeftOverPart(entry.path().filename().string()));
+    EXPECT_EQ(Written(path, first), "");
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), {}), 1) << "no part is left";
+}
+
+TEST_F(WholeFiles, TakePartsOfDeadWritersAwayAndLeaveThoseOfTheLiving) {
+    const auto dead = Make(".a.tarn1.part", "half"), living = Make(".a.tarn2.part", "half");
+    const int writer = open(living.c_str(), O_WRONLY);
+    flock(writer, LOCK_EX);
+    fs::create_symlink(Make("b", "mine"), m_folder + ".a.tarn0.part");
+    EXPECT_EQ(Written(m_folder + "a", "x"), "");
+    close(writer);
+    EXPECT_FALSE(fs::exists(dead));
+    EXPECT_TRUE(fs::exists(living) && fs::exists(m_folder + "b"));
+    EXPECT_TRUE(OSAL::IsLeftOverPart(fs::path(living).filename().string()));
+}
+
+TEST_F(WholeFiles, ScratchFoldersOfTheDeadGoWithTheNextOfTheirKind) {
+    setenv("TMPDIR", m_folder.c_str(), 1);
+    const auto make = [&] { return OSAL::ScratchFolder::Make("kind"); };
+    Child killed([&] {
+        const auto folder = make();
+        return folder ? raise(SIGKILL) : 0;
+    });
+    EXPECT_EQ(killed.Status(), -SIGKILL);
+    fs::create_directory(m_folder + "kind-of-other");
+    fs::create_directory_symlink("kind-of-other", m_folder + "kind-linked");
+    {
+        const auto living = make(), second = make();
+        ASSERT_TRUE(living && second);
+        EXPECT_TRUE(fs::exists(living->Path()));
+        EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), {}), 4);
+    }
+    unsetenv("TMPDIR");
+    EXPECT_EQ(std::distance(fs::directory_iterator(m_folder), {}), 2);
 }

@@ -10,9 +10,10 @@
 
 namespace OSAL {
 
-/// A file that is being written beside its place, under a hidden name of its own, and takes its place when it is
-/// whole. Until then the old file stays as it was; whatever ends the process leaves the old file or the new one. Mode
-/// and owner of the old file are kept as far as the process may. Of two writers of one name the last to commit wins.
+/// A file that is being written beside its place, without a name or under a hidden one, and takes its place when it is
+/// whole. Until then the old file stays as it was; whatever ends the process leaves the old file or the new one, and a
+/// hidden part that a killed writer left goes with the next writer of the same file. Mode and owner of the old file are
+/// kept as far as the process may. Of two writers of one name the last to commit wins.
 ///
 /// A link, symbolic or hard, is refused by the open that writes; the links that name this process's own streams, such
 /// as /dev/stdout, are none. A device or a pipe is written to as the pieces come and is never replaced; a pipe without
@@ -41,7 +42,7 @@ private:
 /// The file in one go.
 Outcome<> WriteWholeFile(const std::filesystem::path& path, std::string_view content);
 
-/// True for the name of a file that a writer which was killed left behind: ".NAME.XXXXXXXXXXXX.part". Never input.
+/// True for the name of a file that a writer which was killed left behind: ".NAME.tarnN.part". Never input.
 bool IsLeftOverPart(std::string_view name);
 
 }  // namespace OSAL

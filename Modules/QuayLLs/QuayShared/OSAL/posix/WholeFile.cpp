@@ -1,19 +1,18 @@
-// The whole-file writer by openat, fsync and rename.
+// The whole-file writer by openat, fsync and rename. What is written has no name until it is whole, where the file
+// system has files without one. The name that it then has until the rename is one of a few: who finds one taken, and
+// nobody holding the lock that its writer holds, takes it away.
 #include "OSAL/WholeFile.h"
 
 #include <fcntl.h>
 #include <limits.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
-#include <cstdio>
-#include <random>
 #include <system_error>
 
 #include "OSAL/posix/Descriptor.h"
@@ -25,11 +24,13 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int stallLimitMs = 10000;
+constexpr int partNames = 16;  // of one file, for as many writers at once
 
 std::string ReasonOf(int error) {
     if (error == ELOOP) return "it is a link";
     if (error == ENXIO) return "nobody reads it";
     if (error == ETIMEDOUT) return "its reader stands still";
+    if (error == EBUSY) return "too many write it at once";
     return std::generic_category().message(error);
 }
 
@@ -101,13 +102,27 @@ Descriptor OwnStream(int folder, const char* name) {
     return Descriptor();
 }
 
-/// ".NAME.XXXXXXXXXXXX.part", the name cut so that the whole is one that the file system takes.
-std::string PartName(const std::string& name) {
-    static thread_local std::mt19937_64 random{std::random_device{}()};
-    std::array<char, 24> tail;
-    std::snprintf(tail.data(), tail.size(), ".%012llx.part", static_cast<unsigned long long>(random() >> 16));
-    const std::string end = tail.data();
+/// The name cut so that the whole is one that the file system takes.
+std::string PartName(const std::string& name, int number) {
+    const std::string end = ".tarn" + std::to_string(number) + ".part";
     return "." + name.substr(0, NAME_MAX - 1 - end.size()) + end;
+}
+
+/// Held until the file is closed, by whatever ends the process. Where the file system knows no locks, nobody can hold
+/// one, and no part counts as left behind.
+bool Lock(int file) {
+    return flock(file, LOCK_EX | LOCK_NB) == 0;
+}
+
+/// Takes the part away when its writer is gone.
+void RemoveLeftOver(int folder, const std::string& part) {
+    const Descriptor file(openat(folder, part.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat opened, named;
+    if (!file || fstat(file.Get(), &opened) != 0 || !S_ISREG(opened.st_mode) || !Lock(file.Get())) return;
+    // Its writer may have put it in its place meanwhile, and another taken the name.
+    if (fstatat(folder, part.c_str(), &named, AT_SYMLINK_NOFOLLOW) == 0 && named.st_dev == opened.st_dev &&
+        named.st_ino == opened.st_ino)
+        unlinkat(folder, part.c_str(), 0);
 }
 
 }  // namespace
@@ -115,19 +130,24 @@ std::string PartName(const std::string& name) {
 struct WholeFile::State {
     fs::path path;
     std::string name;  // within the folder
-    std::string part;  // likewise; empty when there is nothing to rename
+    std::string part;  // likewise; empty as long as there is nothing to rename
     Descriptor folder;
     Descriptor file;
     bool isRegular = true;
+    bool isNameless = false;
     int error = 0;  // of the first write that failed
 
     ~State() {
         if (!part.empty()) unlinkat(folder.Get(), part.c_str(), 0);
     }
 
+    /// The file, also while it has no name.
+    std::string ProcessPath() const { return "/proc/self/fd/" + std::to_string(file.Get()); }
     /// 0 or the error.
     int Open();
     int MakePart(const struct stat* old);
+    int OpenNamed(mode_t mode);
+    int NamePart();
     int Finish();
 };
 
@@ -156,32 +176,60 @@ int WholeFile::State::Open() {
 }
 
 int WholeFile::State::MakePart(const struct stat* old) {
-    constexpr int attempts = 100;
+    for (int k = 0; k < partNames; ++k)
+        RemoveLeftOver(folder.Get(), PartName(name, k));
+    const mode_t mode = old ? 0600 : 0666;
+    file = Descriptor(openat(folder.Get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
+    isNameless = file && access(ProcessPath().c_str(), F_OK) == 0;
+    if (const int failed = isNameless ? 0 : OpenNamed(mode)) return failed;
+    if (!old) return 0;
+    // Another's file stays the other's only for a process that may give files away.
+    if (fchown(file.Get(), old->st_uid, old->st_gid) != 0 &&
+        fchown(file.Get(), static_cast<uid_t>(-1), old->st_gid) != 0)
+        errno = 0;
+    return fchmod(file.Get(), old->st_mode & 07777) == 0 ? 0 : errno;
+}
+
+int WholeFile::State::OpenNamed(mode_t mode) {
     constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-    for (int k = 0; k < attempts; ++k) {
-        const std::string candidate = PartName(name);
-        file = Descriptor(openat(folder.Get(), candidate.c_str(), flags, old ? 0600 : 0666));
+    for (int k = 0; k < partNames; ++k) {
+        const std::string candidate = PartName(name, k);
+        file = Descriptor(openat(folder.Get(), candidate.c_str(), flags, mode));
         if (!file && errno == EEXIST) continue;
         if (!file) return errno;
+        // Another writer that looks for what is left behind may have been faster than the lock.
+        struct stat status;
+        if (!Lock(file.Get()) && errno == EWOULDBLOCK) continue;
+        if (fstat(file.Get(), &status) != 0 || status.st_nlink == 0) continue;
         part = candidate;
-        if (!old) return 0;
-        // Another's file stays the other's only for a process that may give files away.
-        if (fchown(file.Get(), old->st_uid, old->st_gid) != 0 &&
-            fchown(file.Get(), static_cast<uid_t>(-1), old->st_gid) != 0)
-            errno = 0;
-        return fchmod(file.Get(), old->st_mode & 07777) == 0 ? 0 : errno;
+        return 0;
     }
-    return EEXIST;
+    return EBUSY;
+}
+
+/// Gives the nameless file a name, locked before anybody can find it.
+int WholeFile::State::NamePart() {
+    Lock(file.Get());
+    for (int k = 0; k < partNames; ++k) {
+        const std::string candidate = PartName(name, k);
+        if (linkat(AT_FDCWD, ProcessPath().c_str(), folder.Get(), candidate.c_str(), AT_SYMLINK_FOLLOW) == 0) {
+            part = candidate;
+            return 0;
+        }
+        if (errno != EEXIST) return errno;
+    }
+    return EBUSY;
 }
 
 int WholeFile::State::Finish() {
     if (error != 0) return error;
     if (!file) return EBADF;
-    if (part.empty()) return file.Close() == 0 ? 0 : errno;
+    if (!isNameless && part.empty()) return file.Close() == 0 ? 0 : errno;
     if (const int unsynced = Sync(file.Get())) return unsynced;
-    if (file.Close() != 0) return errno;
+    if (const int unnamed = isNameless ? NamePart() : 0) return unnamed;
     if (renameat(folder.Get(), part.c_str(), folder.Get(), name.c_str()) != 0) return errno;
     part.clear();
+    if (file.Close() != 0) return errno;
     // The name too is on the disk only when its folder is; a folder that can't be read can't be synced.
     if (const Descriptor readable{openat(folder.Get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)})
         return Sync(readable.Get());
