@@ -169,4 +169,17 @@ SampleReader::Stretch SampleReader::Read(std::span<double> i, std::span<double> 
     return stretch;
 }
 
+std::string BadLine(const std::string& path) {
+    auto reader = SampleReader::Open(path);
+    if (!reader) return {};
+    std::vector<double> i(4096), q(4096);
+    std::size_t lines = 0;
+    while (true) {
+        const auto stretch = reader->Read(i, q);
+        lines += stretch.samples;
+        if (!stretch.state) return "line " + std::to_string(lines + 1) + ": " + FaultText(stretch.state);
+        if (stretch.samples < i.size()) return {};
+    }
+}
+
 }  // namespace SampleFiles

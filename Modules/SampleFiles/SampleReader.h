@@ -37,6 +37,10 @@ LineState ReadSampleLine(std::string_view line, double& i, double& q);
 /// "I isn't a number" and the like, for a person.
 std::string FaultText(LineState state);
 
+/// Number of the first line that is no sample, and why: "line 17: I isn't a number"; empty when all are, or when the
+/// file can't be opened.
+std::string BadLine(const std::string& path);
+
 /// Reads a sample file from its start on. Memory: a block, and a line that it cuts.
 class SampleReader {
 public:

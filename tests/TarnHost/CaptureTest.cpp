@@ -9,6 +9,7 @@
 #include "Captures/CapturePlan.h"
 #include "Console/History.h"
 #include "Console/ResultTable.h"
+#include "SampleReader.h"
 #include "Support/TempFolder.h"
 
 using namespace TarnHost;
@@ -122,10 +123,10 @@ TEST(Folders, AResultThatIsNotOursOrNoFileIsRefusedBeforeTheWork) {
 
 TEST(Folders, ABadLineIsNamedByItsNumber) {
     const Support::TempFolder folder;
-    EXPECT_EQ(BadLine(folder.Write("a", "1 ,2\n3 ,4\nfive ,6\n")), "line 3: I isn't a number");
-    EXPECT_EQ(BadLine(folder.Write("b", "1 ,2\n3 ,x\n")), "line 2: Q isn't a number");
-    EXPECT_EQ(BadLine(folder.Write("c", "1 ,2\n3 ,4")), "");
-    EXPECT_EQ(BadLine(folder / "missing"), "");
+    EXPECT_EQ(SampleFiles::BadLine(folder.Write("a", "1 ,2\n3 ,4\nfive ,6\n")), "line 3: I isn't a number");
+    EXPECT_EQ(SampleFiles::BadLine(folder.Write("b", "1 ,2\n3 ,x\n")), "line 2: Q isn't a number");
+    EXPECT_EQ(SampleFiles::BadLine(folder.Write("c", "1 ,2\n3 ,4")), "");
+    EXPECT_EQ(SampleFiles::BadLine(folder / "missing"), "");
 }
 
 TEST(History, SurvivesItsShellAndLosesNoneOfAnothers) {

@@ -6,7 +6,6 @@
 
 #include "Console/ResultTable.h"
 #include "OSAL/Files.h"
-#include "SampleReader.h"
 
 namespace TarnHost {
 namespace {
@@ -77,19 +76,6 @@ OSAL::Outcome<> CheckResultPlace(const fs::path& folder, ResultPlace place) {
     std::ifstream(result, std::ios::binary).read(start.data(), static_cast<std::streamsize>(start.size()));
     if (start == resultHeader) return {};
     return OSAL::Refusal{"'" + result.string() + "' holds no results of an analysis; --force overwrites it"};
-}
-
-std::string BadLine(const fs::path& file) {
-    auto reader = SampleFiles::SampleReader::Open(file.string());
-    if (!reader) return {};
-    std::vector<double> i(4096), q(4096);
-    std::size_t lines = 0;
-    while (true) {
-        const auto stretch = reader->Read(i, q);
-        lines += stretch.samples;
-        if (!stretch.state) return "line " + std::to_string(lines + 1) + ": " + SampleFiles::FaultText(stretch.state);
-        if (stretch.samples < i.size()) return {};
-    }
 }
 
 }  // namespace TarnHost

@@ -34,7 +34,4 @@ struct ResultPlace {
 };
 OSAL::Outcome<> CheckResultPlace(const std::filesystem::path& folder, ResultPlace place);
 
-/// Number of the first line that is no sample, and why: "line 17: I isn't a number"; empty when all are.
-std::string BadLine(const std::filesystem::path& file);
-
 }  // namespace TarnHost

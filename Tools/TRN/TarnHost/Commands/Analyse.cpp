@@ -11,6 +11,7 @@
 #include "OSAL/ScratchFolder.h"
 #include "OSAL/WholeFile.h"
 #include "Record.h"
+#include "SampleReader.h"
 
 namespace TarnHost {
 namespace {
@@ -110,7 +111,7 @@ bool FolderAnalysis::RunOne(Session& session, Stage& stage, const std::string& n
             Complain(name, warning);
         return true;
     }
-    const std::string badLine = BadLine(capture);
+    const std::string badLine = SampleFiles::BadLine(capture.string());
     const std::string why = exchange->exitCode != 0 ? ErrorSentence(*exchange) : "the plug-in gave no result";
     Complain(name, badLine.empty() ? why : badLine);
     return !quayCommand::RadioTrouble();
