@@ -162,6 +162,44 @@ test('files are names in one folder, whatever a line or a path says', async (t) 
   await again.stop();
 });
 
+test('a capture is analysed as its name says and shown to everybody, or told what is wrong with it', async (t) => {
+  const server = await Server.start({ samples: 1024 });
+  t.after(() => server.process.kill('SIGKILL'));
+  const put = (name, body) =>
+    server.request('PUT', `/api/files/${name}`, { headers: { 'Content-Type': 'application/octet-stream' }, body });
+  const name = 'BAND_5.2_CHANNEL_100_BW_20_CHAIN_B_1.txt';
+  // a tone of 4 MHz at 1/64 of the converter's range: 40 MHz are sampled
+  const turns = Array.from({ length: 1024 }, (_, k) => (2 * Math.PI * 4 * k) / 40);
+  const samples = turns.map((turn) => `${Math.round(512 * Math.cos(turn))} ,${Math.round(512 * Math.sin(turn))}\n`);
+  await put(name, samples.join(''));
+  await put('BAND_5.2_CHANNEL_100_BW_20_CHAIN_B_2.txt', '1 ,2\nfive ,6\n');
+  const stream = await server.stream();
+  stream.send({ subscribe: ['Host Frame', 'Spectrum Data', 'Host State'] });
+  await server.line('-rbw 312.5');
+  assert.equal((await server.json('POST', '/api/captures', { name })).status, 200);
+  let frame;
+  do frame = await stream.next('Host Frame');
+  while (frame.data.source !== name);
+  const { band, channel, chain, centre_mhz } = frame.data;
+  assert.deepEqual([band, channel, chain, centre_mhz], ['5.2', 100, 'B', 5500]);
+  const levels = stream.messages.filter((message) => message.type === 'Spectrum Data').at(-1).data[0].data;
+  assert.equal(levels.indexOf(Math.max(...levels)), Math.round(64 + 4 / 0.3125));
+  for (const [wrong, why] of [
+    ['BAND_5.2_CHANNEL_100_BW_20_CHAIN_B_2.txt', /line 2: I isn't a number/],
+    ['BAND_5.2_CHANNEL_100_BW_20_CHAIN_B_3.txt', /there is no file/],
+    ['run7.txt', /doesn't tell its tuning/],
+  ]) {
+    const refused = await server.json('POST', '/api/captures', { name: wrong });
+    assert.equal(refused.status, 409);
+    assert.match(refused.json.error, why);
+  }
+  const state = (await server.json('GET', '/api/state')).json;
+  assert.deepEqual([state.run.mode, state.settings['-channel'], state.settings['-chain']], ['hold', '100', 'B']);
+  await server.json('POST', '/api/run', { mode: 'single' });
+  assert.equal((await stream.next('Host Frame')).data.source, '');
+  await server.stop();
+});
+
 test('ten clients with lines of a megabyte, binary and broken bodies get answers, and the server goes on', async (t) => {
   const server = await Server.start();
   t.after(() => server.process.kill('SIGKILL'));

@@ -110,6 +110,7 @@ const std::vector<Api::Route>& Api::Routes() {
         {"GET", "/api/state", now([](Api& api, Request) { return api.State(); })},
         {"GET", "/api/keys", now([](Api&, Request) { return JsonResponse(KeysJson()); })},
         {"POST", "/api/lines", std::mem_fn(&Api::HandleLine)},
+        {"POST", "/api/captures", std::mem_fn(&Api::HandleCapture)},
         {"POST", "/api/run", now(std::mem_fn(&Api::SetMode))},
         {"PUT", "/api/limits", now(std::mem_fn(&Api::SetLimit))},
         {"GET", "/api/channels", now([](Api& api, Request) { return JsonResponse(api.m_station.Channels()); })},
@@ -152,6 +153,17 @@ void Api::HandleLine(const ApiRequest& request, const Respond& respond) {
         m_station.RunLine(text, {plain.get<bool>()}, [respond](const OSAL::Outcome<std::string>& record) {
             respond(record ? ApiResponse{.body = *record + "\n"} : ErrorResponse(409, record.Reason()));
         });
+    if (!queued) respond(ErrorResponse(409, queued.Reason()));
+}
+
+void Api::HandleCapture(const ApiRequest& request, const Respond& respond) {
+    const auto body = BodyOf(request);
+    if (!body) return respond(ErrorResponse(400, body.Reason()));
+    const auto name = body->find("name");
+    if (name == body->end() || !name->is_string()) return respond(ErrorResponse(400, "\"name\" must be a text"));
+    const auto queued = m_station.Analyse(name->get<std::string>(), [respond](const OSAL::Outcome<std::string>& done) {
+        respond(done ? JsonResponse({{"status", "ok"}}) : ErrorResponse(409, done.Reason()));
+    });
     if (!queued) respond(ErrorResponse(409, queued.Reason()));
 }
 

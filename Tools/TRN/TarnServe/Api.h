@@ -44,6 +44,7 @@ private:
     struct Route;
     static const std::vector<Route>& Routes();
     void HandleLine(const ApiRequest& request, const Respond& respond);
+    void HandleCapture(const ApiRequest& request, const Respond& respond);
     ApiResponse State();
     ApiResponse ClearChannels();
     ApiResponse ReadFile(const ApiRequest& request);

@@ -147,6 +147,7 @@ Json HostSchemas() {
                                         {"sweepsPerSecond", number},
                                         {"overloaded", ArrayOf(text)},
                                         {"trouble", text},
+                                        {"source", text},
                                         {"verdicts", ArrayOf(verdict)}})},
             {HostType::Line, ObjectOf({{"line", text},
                                        {"origin", {{"enum", {"client", "server"}}}},
@@ -209,6 +210,10 @@ Json Paths() {
         {"/api/lines",
          {{"post", Operation("Runs one command line; files in it are names of the data folder", record, lineBody)}}},
         {"/api/run", {{"post", Operation("Sweep on, hold, one sweep, or all channels", status, runBody)}}},
+        {"/api/captures",
+         {{"post", Operation("Analyses a capture of the data folder as its name says, and holds; the stream tells the "
+                             "result as a sweep whose source it is",
+                             status, ObjectOf({{"name", text}}))}}},
         {"/api/limits",
          {{"put", Operation("The limit on the channel's power: a level in dBm or a file; empty for none", status,
                             ObjectOf({{"text", text}, {"margin_db", number, true}}))}}},

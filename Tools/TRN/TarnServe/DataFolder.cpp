@@ -16,6 +16,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// Never the beginning of a name that a request can say.
+constexpr const char* stagePrefix = ".capture-";
+
 OSAL::Refusal BadName(const std::string& name) {
     return {"'" + name.substr(0, 80) + "' isn't a file name: letters, digits, '-', '_' and '.', 64 at the most"};
 }
@@ -102,6 +105,26 @@ OSAL::Outcome<std::string> DataFolder::Read(const std::string& name) const {
     text << file.rdbuf();
     if (!file || text.fail()) return OSAL::Refusal{"can't read '" + name + "'"};
     return std::move(text).str();
+}
+
+OSAL::Outcome<std::string> DataFolder::StageFor(const std::string& name) const {
+    const auto file = Existing(name);
+    if (!file) return file.Why();
+    const fs::path stage = m_folder / (stagePrefix + name);
+    std::error_code error;
+    fs::remove_all(stage, error);
+    if (!error) fs::create_directory(stage, error);
+    if (!error) fs::create_symlink(*file, stage / name, error);
+    if (error) return OSAL::Refusal{"'" + name + "' can't be put before the plug-in: " + error.message()};
+    return stage.string();
+}
+
+bool DataFolder::TakeResultOf(const std::string& name) const {
+    const std::string stage = stagePrefix + name;
+    const std::string table = ReadOwn(stage + "/result.csv");
+    std::error_code ignored;
+    fs::remove_all(m_folder / stage, ignored);
+    return table.find("\n" + name + ",") != std::string::npos;
 }
 
 std::string DataFolder::ReadOwn(const std::string& name) const {

@@ -32,6 +32,10 @@ public:
     OSAL::Outcome<std::string> Read(const std::string& name) const;
     OSAL::Outcome<> Write(const std::string& name, std::string_view content) const;
     OSAL::Outcome<> Remove(const std::string& name) const;
+    /// A hidden folder with nothing but this file in it, for the key that analyses a folder of captures.
+    OSAL::Outcome<std::string> StageFor(const std::string& name) const;
+    /// Whether the analysis of the staged file gave a result. The stage goes.
+    bool TakeResultOf(const std::string& name) const;
     /// A file of the server's own, whatever its name; empty when it can't be read.
     std::string ReadOwn(const std::string& name) const;
     std::filesystem::path PathOf(const std::string& name) const { return m_folder / name; }

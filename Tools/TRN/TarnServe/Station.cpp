@@ -240,7 +240,9 @@ void Station::Finish(const TarnSession::Exchange& exchange) {
                               {"output", m_folder.Hide(exchange.output)},
                               {"error", isFine ? "" : m_folder.Hide(ErrorSentence(exchange))}});
     }
-    if (job.done) job.done(RecordOf(exchange, received));
+    OSAL::Outcome<> taken;
+    if (!job.capture.empty()) taken = TakeCapture(job, exchange);
+    if (job.done) job.done(taken ? OSAL::Outcome<std::string>(RecordOf(exchange, received)) : taken.Why());
     if (m_scan) NextScanStep(job, isFine, m_lastVerdicts);
     if (isFine && !job.isSweep && !job.isTuning) CompleteTuning();
     if (State().dump() != before) TellState();
@@ -262,7 +264,10 @@ void Station::NextScanStep(const Job& job, bool isFine, const std::vector<ChainV
 }
 
 void Station::TakeSettings(const Job& job) {
-    if (HasRole(job.line, {TarnKeys::KeyRole::Triggers})) m_book.TakeSweep(Clock::now());
+    if (HasRole(job.line, {TarnKeys::KeyRole::Triggers})) {
+        m_book.TakeSweep(Clock::now());
+        m_source.clear();
+    }
     if (job.isSweep) return;
     m_settings.Take(job.line);
     // what -reset_config and -set_mcc set back

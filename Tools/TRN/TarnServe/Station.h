@@ -64,6 +64,9 @@ public:
     using LineDone = std::function<void(const OSAL::Outcome<std::string>& record)>;
     /// Runs a client's line behind those that wait. Refused when it names a path, is too long, or too many wait.
     OSAL::Outcome<> RunLine(const std::string& line, TarnSession::LineOptions options, LineDone done);
+    /// Analyses a capture of the data folder as its name says, and holds: the results are told as a sweep. Refused when
+    /// there is no such file, or its name tells no tuning.
+    OSAL::Outcome<> Analyse(const std::string& name, LineDone done);
     OSAL::Outcome<> SetMode(Mode mode, const ScanOrder& order);
     /// @param text  a level in dBm, or a file of the data folder; empty: no limit
     OSAL::Outcome<> SetLimit(const std::string& text, double margin_db);
@@ -95,6 +98,7 @@ private:
         bool isSweep = false;
         bool isTuning = false;     ///< of a scan
         bool isRestoring = false;  ///< sets the known tuning again
+        std::string capture{};     ///< that the line analyses
     };
     struct Received {
         std::vector<std::string> messages, texts, errors;
@@ -113,6 +117,7 @@ private:
     void Refuse(const std::string& reason);
     void Finish(const TarnSession::Exchange& exchange);
     void TakeSettings(const Job& job);
+    OSAL::Outcome<> TakeCapture(const Job& job, const TarnSession::Exchange& exchange);
     void RestoreTuning();
     void CompleteTuning();
     void Publish(const Received& received, const TarnSession::Exchange& exchange);
@@ -150,6 +155,7 @@ private:
     std::optional<Scan> m_scan;
     Mode m_modeBehindScan = Mode::Hold;
     std::vector<ChainVerdict> m_lastVerdicts;
+    std::string m_source;  ///< capture that the results are of; empty: of the adapter
 
     std::deque<Job> m_jobs;
     std::optional<Job> m_running;

@@ -169,11 +169,12 @@ void Station::PublishSweep(const Received& received, const TarnSession::Exchange
                         {"sweepsPerSecond", m_book.SweepsPerSecond()},
                         {"overloaded", overloaded},
                         {"trouble", trouble},
+                        {"source", m_source},
                         {"verdicts", verdicts}};
     const std::string text = facts.dump(-1, ' ', false, Json::error_handler_t::replace);
     frame->push_back(Number(std::string(HostType::Frame), Envelope(HostType::Frame, text)));
     m_audience.Show(frame);
-    if (!m_scan) {
+    if (!m_scan && m_source.empty()) {
         m_channels.Take(tuning, m_lastVerdicts, frame->back()->utc);
         TellChannels(false);
     }
@@ -229,6 +230,7 @@ void Station::TakeLoadedSettings(const Json& parameters) {
         if (name == "internalLnaGain") m_settings.Set("-internal_gain", value);
         if (name == "isPreLnaResistorConnected") m_settings.Set("-preLNA_resistor", pick(flags, value, 0));
     }
+    m_source.clear();
     m_book.TakeLine("", m_settings.Values(), UtcText(std::chrono::system_clock::now()));
     SaveState();
 }
