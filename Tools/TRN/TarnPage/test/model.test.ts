@@ -18,7 +18,7 @@ import { Frame, FrameAssembler, FrameFacts, Message } from '../src/model/protoco
 import { defaultView, fitLevels, viewFromText } from '../src/model/view';
 import { LevelRing } from '../src/model/ring';
 import { csvText } from '../src/model/exports';
-import { since } from '../src/model/text';
+import { fileKind, since } from '../src/model/text';
 
 const axis: Axis = { centre_mhz: 2437, rbw_khz: 312.5, bins: 128 };
 let frames = 0;
@@ -41,6 +41,7 @@ function facts(more: Partial<FrameFacts> = {}): FrameFacts {
     dropped: 0,
     overloaded: [],
     trouble: '',
+    source: '',
     verdicts: [],
     ...more,
   };
@@ -242,4 +243,17 @@ test('a damaged stored view falls back to defaults, part by part', () => {
 test('levels fit the plot, and times read like a clock', () => {
   assert.deepEqual(fitLevels(-112, -48), { reference_dbm: -45, perDivision_db: 10 });
   assert.equal(since('2026-01-31T14:00:00Z', Date.parse('2026-01-31T16:05:10Z')), '2 h 5 min');
+});
+
+test('a dropped file is known by its name and its first line', () => {
+  const name = 'BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_run7.txt';
+  const cases: [string, string, string][] = [
+    [name, '33 ,-8\n1 ,-44\n', 'capture'],
+    ['run7.txt', '33 ,-8\n', 'capture without tuning'],
+    ['BAND_5.2_CHANNEL_36_BW_20_CHAIN_A.txt', '33 ,-8\n', 'capture without tuning'],
+    [name, 'm_Average_0[512],m_Average_1[512],', 'snapshot'],
+    ['limits.csv', 'band,width,channel,limit_dbm\n2.4,20,1,-90\n', 'other'],
+    [name, '', 'other'],
+  ];
+  for (const [file, head, kind] of cases) assert.equal(fileKind(file, head), kind, `${file}: ${head}`);
 });

@@ -21,14 +21,18 @@ export interface ChainVerdict {
   reason: string;
 }
 
-/** What one sweep was measured with. It ends the sweep's messages. */
-export interface FrameFacts {
+/** What decides whether two sweeps may be compared bin by bin. */
+export interface Tuning {
   band: string;
   channel: number;
   bandwidth_mhz: number;
   centre_mhz: number;
   chain: string;
   rbw_khz: number;
+}
+
+/** What one sweep was measured with. It ends the sweep's messages. */
+export interface FrameFacts extends Tuning {
   maxHold: boolean;
   average: boolean;
   averageCount: number;
@@ -39,6 +43,8 @@ export interface FrameFacts {
   dropped: number;
   overloaded: string[];
   trouble: string;
+  /** Stored capture that the sweep is of; empty for one of the adapter. */
+  source: string;
   verdicts: ChainVerdict[];
 }
 
@@ -166,6 +172,7 @@ function assemble(parts: Message[], end: Message): Frame {
 }
 
 function addPart(frame: Frame, part: Message): void {
+  if (part.data === null) return; // levels that are no numbers
   switch (part.type) {
     case 'Trigger Response':
       frame.samples = (part.data as { numOfSamples: number }).numOfSamples;

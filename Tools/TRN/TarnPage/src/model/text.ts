@@ -28,3 +28,16 @@ export function isFileName(name: string): boolean {
 export function stamp(now: Date): string {
   return now.toISOString().slice(0, 19).replaceAll(':', '');
 }
+
+/** Whether a name tells the tuning, as a capture's must: each value between its key and the next "_". */
+export function isCaptureName(name: string): boolean {
+  return ['BAND_', 'CHANNEL_', 'BW_', 'CHAIN_'].every((key) => new RegExp(`${key}[^_]+_`).test(name));
+}
+
+/** What a file is, by its name and its first characters. */
+export function fileKind(name: string, head: string): 'snapshot' | 'capture' | 'capture without tuning' | 'other' {
+  if (/^m_Average_0\[/.test(head)) return 'snapshot';
+  const isSamples = /^\s*[-+]?\d+(\.\d*)? +.[-+]?\d+(\.\d*)?\s*$/m.test(head.split('\n', 1)[0]);
+  if (!isSamples) return 'other';
+  return isCaptureName(name) ? 'capture' : 'capture without tuning';
+}

@@ -1,6 +1,6 @@
 // The traces of the spectrum: what the sweeps say, and what the person stored to compare with.
 import { Axis, binMhz, nearestBin } from './axis';
-import { chainNames, Frame, FrameFacts } from './protocol';
+import { chainNames, Frame, FrameFacts, Tuning } from './protocol';
 
 export const traceKinds = ['live', 'maxHold', 'average', 'reference', 'difference', 'minHold'] as const;
 export type TraceKind = (typeof traceKinds)[number];
@@ -13,16 +13,6 @@ export const traceTitles: Record<TraceKind, string> = {
   difference: 'Difference',
   minHold: 'Min hold',
 };
-
-/** What decides whether two sweeps may be compared bin by bin. */
-export interface Tuning {
-  band: string;
-  channel: number;
-  bandwidth_mhz: number;
-  centre_mhz: number;
-  chain: string;
-  rbw_khz: number;
-}
 
 export interface StoredTrace {
   name: string;

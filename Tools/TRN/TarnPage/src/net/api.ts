@@ -46,6 +46,7 @@ export const api = {
   line: async (line: string, plain = false) =>
     (await (await request('POST', '/api/lines', { line, plain })).json()) as LineAnswer,
   run: (mode: string, options: object = {}) => request('POST', '/api/run', { mode, ...options }),
+  capture: (name: string) => request('POST', '/api/captures', { name }),
   limits: (text: string, margin_db: number) => request('PUT', '/api/limits', { text, margin_db }),
   clearChannels: () => request('DELETE', '/api/channels'),
   upload: (name: string, content: Blob) => request('PUT', `/api/files/${encodeURIComponent(name)}`, content),

@@ -1,7 +1,7 @@
 // What the controls do: each sends a line or an order to the server, and says on the page what it sent.
-import { clearHoldsLine, lineOf } from '../model/keys';
+import { clearHoldsLine, lineOf, quoteToken } from '../model/keys';
 import { Model } from '../model/model';
-import { isFileName } from '../model/text';
+import { fileKind, isFileName } from '../model/text';
 import { fitLevels } from '../model/view';
 import { api } from '../net/api';
 
@@ -78,20 +78,53 @@ export class Actions {
     this.model.tell('markers');
   }
 
-  async upload(file: File): Promise<void> {
+  /** Puts a file into the data folder; the name that it has there, or nothing. */
+  async upload(file: File): Promise<string> {
     const name = file.name.replaceAll(/[^A-Za-z0-9._-]/g, '_').replace(/^[^A-Za-z0-9]+/, '');
-    if (!isFileName(name)) return this.model.note('error', `'${file.name}' has no name that can be kept`);
-    await this.guarded(async () => {
-      await api.upload(name, file);
-      this.model.note('note', `${name} is in the data folder.`);
-    });
+    if (!isFileName(name)) {
+      this.model.note('error', `'${file.name}' has no name that can be kept`);
+      return '';
+    }
+    const isThere = await this.guarded(() => api.upload(name, file));
+    if (isThere) this.model.note('note', `${name} is in the data folder.`);
+    return isThere ? name : '';
   }
 
-  async guarded(work: () => Promise<unknown>): Promise<void> {
+  /** Keeps a dropped file and shows what is in it. @returns whether it is on the screen now */
+  async look(file: File): Promise<boolean> {
+    const name = await this.upload(file);
+    const kind = name && fileKind(name, await file.slice(0, 200).text());
+    if (kind === 'snapshot') return this.load(name);
+    if (kind === 'capture') return this.analyse(name);
+    if (kind === 'capture without tuning')
+      this.model.note(
+        'error',
+        `${name} holds samples, but its name does not tell the tuning: ` +
+          'name it like BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_run7.txt and drop it again.',
+      );
+    return false;
+  }
+
+  async load(name: string): Promise<boolean> {
+    await this.run('hold');
+    return (await this.line(`-load_all ${quoteToken(name)}`)) && this.line('-update_spectrum');
+  }
+
+  /** Has the server analyse a capture of the data folder. */
+  async analyse(name: string): Promise<boolean> {
+    const isDone = await this.guarded(() => api.capture(name));
+    if (isDone) this.model.note('note', `${name} is analysed and held: press Run for live sweeps.`);
+    return isDone;
+  }
+
+  /** False when the work was refused, which is told. */
+  async guarded(work: () => Promise<unknown>): Promise<boolean> {
     try {
       await work();
+      return true;
     } catch (error) {
       this.refused(error);
+      return false;
     }
   }
 

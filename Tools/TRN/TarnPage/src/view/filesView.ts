@@ -2,7 +2,7 @@
 import { csvText, settingsText, svgText } from '../model/exports';
 import { quoteToken } from '../model/keys';
 import { Model } from '../model/model';
-import { isFileName, stamp, utcTime } from '../model/text';
+import { isCaptureName, isFileName, stamp, utcTime } from '../model/text';
 import { levelRange } from '../model/view';
 import { api, FileEntry } from '../net/api';
 import { Actions } from './actions';
@@ -72,11 +72,17 @@ export function filesView(
               el(
                 'td',
                 {},
-                el(
-                  'button',
-                  { class: 'small', title: `-load_all ${file.name}`, onclick: () => void load(file.name) },
-                  'Load',
-                ),
+                isCaptureName(file.name)
+                  ? el(
+                      'button',
+                      { class: 'small', title: `Analyse ${file.name}`, onclick: () => void actions.analyse(file.name) },
+                      'Analyse',
+                    )
+                  : el(
+                      'button',
+                      { class: 'small', title: `-load_all ${file.name}`, onclick: () => void actions.load(file.name) },
+                      'Load',
+                    ),
                 el(
                   'a',
                   { class: 'button small', href: `/api/files/${encodeURIComponent(file.name)}`, download: file.name },
@@ -111,10 +117,6 @@ export function filesView(
           ]),
     );
   }
-  async function load(file: string): Promise<void> {
-    await actions.run('hold');
-    if (await actions.line(`-load_all ${quoteToken(file)}`)) await actions.line('-update_spectrum');
-  }
   const root = el(
     'div',
     { class: 'view scroll' },
@@ -141,7 +143,8 @@ export function filesView(
     el(
       'p',
       {},
-      'Choose snapshots, gain files or captures, or drop them anywhere on the page; they go into the data folder. ',
+      'Choose snapshots, gain files or captures: they go into the data folder. Dropped anywhere on the page, ' +
+        'a snapshot or a capture is also shown. ',
       pick,
     ),
     el('h3', {}, 'What the page shows, on this computer'),
