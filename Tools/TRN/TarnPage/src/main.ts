@@ -102,6 +102,30 @@ const hint = el(
 );
 hint.hidden = model.view.hintSeen;
 const lost = el('div', { class: 'lost', role: 'alert', hidden: true });
+const alarm = el('span', { role: 'alert' });
+const alarmBar = el(
+  'div',
+  { class: 'alarm' },
+  alarm,
+  el(
+    'button',
+    {
+      class: 'small',
+      title: 'Put this message away',
+      onclick: () => {
+        model.alarm = '';
+        model.tell('messages');
+      },
+    },
+    '×',
+  ),
+);
+const showAlarm = () => {
+  alarmBar.hidden = model.alarm === '';
+  alarm.textContent = model.alarm && `ERROR ${model.alarm}`;
+};
+model.on(['messages'], showAlarm);
+showAlarm();
 const help = helpDialog();
 document.body.append(
   bar.root,
@@ -109,7 +133,7 @@ document.body.append(
     'main',
     {},
     tuningPanel(model, actions),
-    el('div', { class: 'centre' }, hint, lost, ...tabs.map((tab) => views[tab]), tabList, command.root),
+    el('div', { class: 'centre' }, hint, lost, ...tabs.map((tab) => views[tab]), alarmBar, tabList, command.root),
     el(
       'aside',
       { class: 'right', 'aria-label': 'Readouts' },
@@ -174,7 +198,8 @@ const stream = new Stream(wantedTypes(), {
   frame: (frame) => {
     model.takeFrame(frame, Date.now());
     waitingFrame = frame.seq;
-    if (document.hidden) acknowledge(); // nothing is drawn meanwhile, yet the waterfall and the holds go on
+    // nothing is drawn while the page is hidden, yet the waterfall and the holds go on; an empty frame draws nothing
+    if (document.hidden || !frame.live.length) acknowledge();
   },
 });
 
@@ -233,8 +258,9 @@ window.addEventListener('dragover', (event) => event.preventDefault());
 window.addEventListener('drop', (event) => {
   event.preventDefault();
   void (async () => {
-    for (const file of Array.from(event.dataTransfer?.files ?? [])) await actions.upload(file);
-    showTab('files');
+    let isShown = false;
+    for (const file of Array.from(event.dataTransfer?.files ?? [])) isShown = await actions.look(file);
+    showTab(isShown ? 'spectrum' : 'files');
   })();
 });
 

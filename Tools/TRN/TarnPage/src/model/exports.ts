@@ -9,7 +9,7 @@ export function settingsText(traces: TraceSet): string {
   const average = facts?.average ? `, average ${facts.averageCount}/${facts.averageTarget}` : '';
   return (
     `Band ${tuning.band} GHz, channel ${tuning.channel}, ${tuning.bandwidth_mhz} MHz, chain ${tuning.chain}, ` +
-    `RBW ${tuning.rbw_khz} kHz${average}, ${traces.frame?.utc ?? ''}`
+    `RBW ${tuning.rbw_khz} kHz${average}, ${facts?.source || traces.frame?.utc || ''}`
   );
 }
 
@@ -47,7 +47,7 @@ export interface PictureOptions {
 
 const box = { left: 70, top: 50, width: 860, height: 430 };
 
-/** A picture of its own, not a copy of the screen: 1000 by 540, light, ready for a report. */
+/** A picture of its own, not a copy of the screen: 1000 by 580, light, ready for a report. */
 export function svgText(traces: TraceSet, options: PictureOptions): string {
   const x = (mhz: number) => box.left + ((mhz - options.zoom.low) / (options.zoom.high - options.zoom.low)) * box.width;
   const y = (level: number) => {
@@ -55,8 +55,8 @@ export function svgText(traces: TraceSet, options: PictureOptions): string {
     return box.top + Math.min(1, Math.max(0, part)) * box.height;
   };
   const parts = [
-    '<svg xmlns="http://www.w3.org/2000/svg" width="1000" height="540" font-family="sans-serif" font-size="12">',
-    '<rect width="1000" height="540" fill="#fff"/>',
+    '<svg xmlns="http://www.w3.org/2000/svg" width="1000" height="580" font-family="sans-serif" font-size="12">',
+    '<rect width="1000" height="580" fill="#fff"/>',
     `<text x="${box.left}" y="24" font-size="14">${escapeXml(settingsText(traces))}</text>`,
     ...options.notes.map((note, k) => `<text x="${box.left}" y="${42 + 15 * k}" fill="#555">${escapeXml(note)}</text>`),
   ];
@@ -76,7 +76,7 @@ export function svgText(traces: TraceSet, options: PictureOptions): string {
     `<text x="16" y="${box.top + box.height / 2}" text-anchor="middle" ` +
       `transform="rotate(-90 16 ${box.top + box.height / 2})">dBm/${traces.axis.rbw_khz} kHz</text>`,
   );
-  let legend = box.left + 8;
+  let shown = 0;
   for (const kind of traceKinds) {
     if (!options.shown[kind] || kind === 'difference') continue;
     for (let chain = 0; chain < traces.chainCount(); ++chain) {
@@ -86,10 +86,12 @@ export function svgText(traces: TraceSet, options: PictureOptions): string {
       const stroke = `fill="none" stroke="${options.colours[kind]}"${dash}`;
       parts.push(`<path d="${pathOf(levels, traces.axis, options.zoom, x, y)}" ${stroke}/>`);
       const title = `${traceTitles[kind]} ${traces.chains()[chain]}`;
+      const left = box.left + 8 + 130 * (shown % 6);
+      const top = 548 + 18 * Math.floor(shown / 6);
       parts.push(
-        `<path d="M${legend} 492h24" ${stroke} stroke-width="2"/><text x="${legend + 30}" y="496">${title}</text>`,
+        `<path d="M${left} ${top}h24" ${stroke} stroke-width="2"/><text x="${left + 30}" y="${top + 4}">${title}</text>`,
       );
-      legend += 130;
+      ++shown;
     }
   }
   parts.push(

@@ -48,8 +48,8 @@ export class Model {
   connection: Connection = { state: 'connecting', retryAt_ms: 0 };
   progress: Progress | undefined;
   lastFrame_ms = 0;
-  /** What to say once to the person: that the tuning changed and the traces began anew. */
-  notice = '';
+  /** The newest error, until the person has put it away. */
+  alarm = '';
   cursor_mhz = NaN;
 
   private listeners = new Map<Topic, (() => void)[]>();
@@ -127,7 +127,7 @@ export class Model {
   note(kind: LogEntry['kind'], text: string): void {
     this.log.push({ utc: new Date().toISOString(), kind, text });
     if (this.log.length > logLength) this.log.shift();
-    this.notice = text;
+    if (kind === 'error') this.alarm = text;
     this.tell('messages');
   }
 

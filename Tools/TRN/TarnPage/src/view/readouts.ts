@@ -2,6 +2,7 @@
 import { binMhz, findPeaks } from '../model/axis';
 import { MarkerKind, markerKinds, markerTitles } from '../model/markers';
 import { Model } from '../model/model';
+import { ChainVerdict } from '../model/protocol';
 import { dbm, since, utcTime } from '../model/text';
 import { traceKinds, traceTitles } from '../model/traces';
 import { Actions } from './actions';
@@ -29,21 +30,24 @@ export function powerPanel(model: Model): Readout {
       return;
     }
     const facts = frame.facts;
-    const kind = facts.maxHold
+    const kind = facts.source
+      ? `of the capture ${facts.source}`
+      : facts.maxHold
       ? 'of the max hold'
       : facts.average
         ? `of the average (power), ${facts.averageCount}/${facts.averageTarget}`
         : 'of the last sweep';
+    const unit = model.host?.limits?.line.length ? `dBm/${tuning.rbw_khz} kHz` : 'dBm';
     const rows = facts.verdicts.map((verdict) =>
       el(
         'div',
         { class: `big ${verdict.verdict}`, 'data-chain': verdict.chain },
         el('span', { class: 'level' }, dbm(verdict.power_dbm, 1)),
         el('span', { class: 'unit' }, ` dBm/${tuning.bandwidth_mhz} MHz`),
-        el('div', { class: 'detail' }, `chain ${verdict.chain}`, verdict.verdict ? ` · ${verdictText(verdict)}` : ''),
+        el('div', { class: 'detail' }, `chain ${verdict.chain}`, verdict.verdict ? ` · ${verdictText(verdict, unit)}` : ''),
       ),
     );
-    const hold = facts.maxHold && facts.holdSince ? `, holding since ${since(facts.holdSince, now_ms)}` : '';
+    const hold = !facts.source && facts.maxHold && facts.holdSince ? `, holding since ${since(facts.holdSince, now_ms)}` : '';
     const stale = model.staleReason(now_ms);
     root.replaceChildren(
       el('h2', {}, `Channel ${tuning.channel}, ${tuning.centre_mhz} MHz`),
@@ -59,21 +63,11 @@ export function powerPanel(model: Model): Readout {
   return { root, draw };
 }
 
-function verdictText({
-  limit_dbm,
-  margin_db,
-  verdict,
-  reason,
-}: {
-  limit_dbm: number | null;
-  margin_db: number | null;
-  verdict: string;
-  reason: string;
-}): string {
+function verdictText({ limit_dbm, margin_db, verdict, reason }: ChainVerdict, unit: string): string {
   if (limit_dbm === null) return reason || verdict;
   const margin =
     margin_db === null ? '' : `, ${Math.abs(margin_db).toFixed(1)} dB ${margin_db >= 0 ? 'below' : 'above'}`;
-  return `limit ${limit_dbm} dBm: ${verdict}${margin}${reason ? ` (${reason})` : ''}`;
+  return `limit ${+limit_dbm.toFixed(1)} ${unit}: ${verdict}${margin}${reason ? ` (${reason})` : ''}`;
 }
 
 export function tracePanel(model: Model, actions: Actions): HTMLElement {

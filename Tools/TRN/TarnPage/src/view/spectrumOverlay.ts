@@ -55,30 +55,52 @@ function clip(plot: uPlot): void {
  */
 function drawLimit(plot: uPlot, model: Model, colours: Palette): void {
   const tuning = model.traces.tuning;
+  const limits = model.host?.limits;
+  if (!tuning || !limits) return;
   const limit = model.traces.frame?.facts.verdicts.find((verdict) => verdict.limit_dbm !== null)?.limit_dbm;
-  if (!tuning) return;
-  const { ctx } = plot;
-  ctx.strokeStyle = ctx.fillStyle = colours.limit;
-  ctx.lineWidth = 2 * devicePixelRatio;
-  ctx.setLineDash([12 * devicePixelRatio, 4 * devicePixelRatio]);
-  ctx.beginPath();
-  const line = model.host?.limits?.line ?? [];
-  if (line.length) {
-    for (const [mhz, level] of line) ctx.lineTo(plot.valToPos(mhz, 'x', true), plot.valToPos(level, 'y', true));
-    ctx.stroke();
-    return;
+  let points = limits.line;
+  let text = `limit ${limits.text}, dBm/${tuning.rbw_khz} kHz`;
+  if (!points.length) {
+    if (limit === null || limit === undefined) return;
+    const spread = limit - 10 * Math.log10((tuning.bandwidth_mhz * 1000) / tuning.rbw_khz);
+    points = [-1, 1].map((side) => [tuning.centre_mhz + (side * tuning.bandwidth_mhz) / 2, spread]);
+    text = `limit ${limit} dBm/${tuning.bandwidth_mhz} MHz, evenly spread`;
   }
-  if (limit === null || limit === undefined) return;
-  const spread = limit - 10 * Math.log10((tuning.bandwidth_mhz * 1000) / tuning.rbw_khz);
-  const y = plot.valToPos(spread, 'y', true);
-  const left = plot.valToPos(tuning.centre_mhz - tuning.bandwidth_mhz / 2, 'x', true);
-  const right = plot.valToPos(tuning.centre_mhz + tuning.bandwidth_mhz / 2, 'x', true);
-  ctx.moveTo(left, y);
-  ctx.lineTo(right, y);
-  ctx.stroke();
+  const { ctx } = plot;
+  const r = devicePixelRatio;
+  const place = ([mhz, level]: [number, number]): [number, number] => [
+    plot.valToPos(mhz, 'x', true),
+    plot.valToPos(level, 'y', true),
+  ];
+  ctx.strokeStyle = ctx.fillStyle = colours.limit;
+  // the limit, and under it where the margin begins
+  for (const [below, width, dash] of [
+    [0, 2, [12, 4]],
+    [limits.margin_db, 1, [2, 4]],
+  ] as [number, number, number[]][]) {
+    ctx.lineWidth = width * r;
+    ctx.setLineDash(dash.map((length) => length * r));
+    ctx.beginPath();
+    for (const [mhz, level] of points) ctx.lineTo(...place([mhz, level - below]));
+    ctx.stroke();
+  }
+  const { low, high } = model.zoom();
+  if (points[0][0] < high && points[points.length - 1][0] > low) label(plot, colours, text);
+}
+
+/** A text in the plot's upper right corner that traces behind it don't blur. */
+function label(plot: uPlot, colours: Palette, text: string): void {
+  const { ctx, bbox } = plot;
+  const r = devicePixelRatio;
+  const colour = ctx.fillStyle;
+  const width = ctx.measureText(text).width;
+  const left = Math.max(bbox.left, bbox.left + bbox.width - width - 6 * r);
+  const base = bbox.top + 16 * r;
+  ctx.fillStyle = colours.back;
+  ctx.fillRect(left - 3 * r, base - 12 * r, width + 6 * r, 16 * r);
+  ctx.fillStyle = colour;
   ctx.textAlign = 'left';
-  const text = `limit ${limit} dBm/${tuning.bandwidth_mhz} MHz, evenly spread`;
-  ctx.fillText(text, Math.max(left, plot.bbox.left) + 4 * devicePixelRatio, y + 14 * devicePixelRatio);
+  ctx.fillText(text, left, base);
 }
 
 function drawMarker(plot: uPlot, model: Model, colours: Palette, marker: Marker): void {
@@ -95,6 +117,7 @@ function drawMarker(plot: uPlot, model: Model, colours: Palette, marker: Marker)
   const isSelected = marker.id === model.markers.selected;
   ctx.strokeStyle = ctx.fillStyle = colours.marker;
   ctx.lineWidth = 1.5 * r;
+  ctx.setLineDash([]);
   ctx.beginPath();
   ctx.moveTo(x, y - 2 * r);
   ctx.lineTo(x - 6 * r, y - 13 * r);

@@ -106,6 +106,7 @@ export class SpectrumView {
     const { view, traces } = this.model;
     const facts = traces.frame?.facts;
     const parts = [`Ref ${view.reference_dbm} dBm`, `${view.perDivision_db} dB/div`];
+    if (facts?.source) parts.unshift(`CAPTURE ${facts.source}`);
     if (facts) {
       parts.push(`RBW ${facts.rbw_khz} kHz`, `${traces.axis.bins} bins`);
       if (facts.average) parts.push(`average ${facts.averageCount}/${facts.averageTarget} (of dB)`);

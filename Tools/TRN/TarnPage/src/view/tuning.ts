@@ -139,7 +139,7 @@ function tuningSection(model: Model, actions: Actions): HTMLElement {
     el('button', { title: 'Channel below', onclick: step(-1) }, '◀'),
     el('button', { title: 'Channel above', onclick: step(1) }, '▶'),
   );
-  const rbw = keySelect(model, actions, '-rbw', rbws, (value) => `${value} kHz`);
+  const rbw = keySelect(model, actions, '-rbw', rbws, (value) => value);
   return section(
     'Tuning',
     labelled('Band', band),
@@ -147,7 +147,7 @@ function tuningSection(model: Model, actions: Actions): HTMLElement {
     labelled('Channel', channel),
     steps,
     labelled('Chain', chain),
-    labelled('RBW', rbw),
+    labelled('RBW, kHz', rbw),
   );
 }
 
@@ -280,7 +280,7 @@ function limitSection(model: Model, actions: Actions): HTMLElement {
   });
   return section(
     'Limits',
-    labelled('Limit, dBm', limit),
+    labelled('Limit', limit),
     labelled('Margin, dB', margin),
     el('button', { id: 'set_limit', onclick: send }, 'Use limit'),
   );
