@@ -145,7 +145,7 @@ void plan(KelpsFFTSpec_C_64fc& spec, Arena& arena, const KelpKernel& kernel, int
     spec.order = order;
     spec.directOrder = order > kelpMaxDirectOrder ? kelpInnerOrder : order;
     spec.scale = forwardScale(order, flag);
-    const bool isShort = spec.directOrder < 2 * log2Of(kernel.fft.group);
+    const bool isShort = spec.directOrder < 2 * log2Of(kernel.fft.group) + (kernel.fft.isPaired ? 1 : 0);
     spec.fft = isShort ? &kelpSinglePointFft : &kernel.fft;
     const int group = spec.fft->group, tailBits = 2 * log2Of(group);
     chooseRadices(spec, spec.directOrder - tailBits);

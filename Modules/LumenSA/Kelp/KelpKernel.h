@@ -13,6 +13,7 @@ constexpr int kelpInnerOrder = 16;
 /// smaller groups.
 struct KelpFftKernel {
     int group;
+    bool isPaired;  ///< two of the last sub-transforms lie side by side, so there must be two
     /// Natural order in place, scaled by `spec.scale`. `work` holds 2 N doubles.
     void (*forward)(Kelp64f* srcDst, const KelpsFFTSpec_C_64fc& spec, Kelp64f* work);
     /// `work` holds 3 N doubles.
@@ -36,7 +37,8 @@ struct KelpKernel {
 
 /// A transform of N points: decimation in frequency by radix[0], radix[1], ..., each in place, until sub-transforms of
 /// group * group points are left. They end in order within, so that row s of the work memory, read as a matrix of
-/// `rows` rows, holds the bins t, t + rows, t + 2 rows, ... where rowOfBin[t] = s.
+/// `rows` rows, holds the bins t, t + rows, t + 2 rows, ... where rowOfBin[t] = s. Paired rows lie point by point
+/// beside each other.
 struct KelpsFFTSpec_C_64fc {
     const KelpKernel* kernel;  ///< The kernel chosen at the set-up.
     const KelpFftKernel* fft;  ///< Its transforms, or those of single points for a short length.
@@ -46,7 +48,7 @@ struct KelpsFFTSpec_C_64fc {
     int passes;
     int radix[kelpMaxPasses];
     const Kelp64f* twiddle[kelpMaxPasses];  ///< Of each pass, in the order of use: vectors of re, then of im.
-    const Kelp64f* tailTwiddle;             ///< Of the last sub-transforms, same form.
+    const Kelp64f* tailTwiddle;             ///< Of the last sub-transforms, same form; unless paired.
     std::int32_t rows;
     const std::int32_t* rowOfBin;
     const Kelp64fc* coarse;  ///< Huge transforms only: exp(-2 pi i k 2^h / N) and, behind, exp(-2 pi i k / N).

@@ -71,6 +71,11 @@ struct Lanes {
     }
     static KELP_INLINE Lanes set(double x) { return {x - Doubles{}}; }
     KELP_INLINE void store(double* p) const { std::memcpy(p, &v, sizeof v); }
+    /// One lane every `Step` doubles.
+    template <int Step>
+    KELP_INLINE void storeApart(double* p) const {
+        unroll<L>([&](auto k) KELP_INLINE_LAMBDA { p[k * Step] = v[int{k}]; });
+    }
 
     /// Places of the first L values a b a b ..., starting at `First` of each vector.
     template <int First, int... K>
