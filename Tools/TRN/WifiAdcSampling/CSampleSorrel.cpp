@@ -1,6 +1,8 @@
 #include "CSampleSorrel.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <new>
 
 #include "LumenSA.h"
 #include "QuayExceptions.h"
@@ -59,20 +61,34 @@ void CSampleSorrel::ReadSamples() {
     m_lmnSA->UpdateFromLastSweep();
 }
 
+void CSampleSorrel::Free::operator()(void* memory) const {
+    std::free(memory);
+}
+
 void CSampleSorrel::AllocateVectors() {
     const std::size_t length = m_numOfSamples;
     const std::size_t buffers = NumOfChainBuffers();
-    if (m_iVectors.empty()) {
-        m_samples.resize(2 * buffers * length);
+    if (!m_samples) {
+        constexpr std::size_t LineDoubles = 8;
+        const std::size_t stride = (length + LineDoubles - 1) / LineDoubles * LineDoubles;
+        std::size_t room = (2 * buffers * stride + LineDoubles) * sizeof(double);
+        // Fresh from the system, zeros that nobody wrote take no memory: the vectors of unused chains stay so.
+        m_samples.reset(std::calloc(room, 1));
+        if (!m_samples) throw std::bad_alloc();
+        void* start = m_samples.get();
+        std::align(LineDoubles * sizeof(double), 2 * buffers * stride * sizeof(double), start, room);
         m_iVectors.resize(buffers);
         m_qVectors.resize(buffers);
         for (std::size_t chain = 0; chain < buffers; ++chain) {
-            m_iVectors[chain] = m_samples.data() + 2 * chain * length;
-            m_qVectors[chain] = m_samples.data() + (2 * chain + 1) * length;
+            m_iVectors[chain] = static_cast<double*>(start) + 2 * chain * stride;
+            m_qVectors[chain] = m_iVectors[chain] + stride;
         }
     }
     // A read fills the vectors of its chains alone, which come first: the others still are as they were made.
-    std::fill_n(m_samples.begin(), 2 * m_filledChains * length, 0.0);
+    for (std::size_t chain = 0; chain < m_filledChains; ++chain) {
+        std::fill_n(m_iVectors[chain], length, 0.0);
+        std::fill_n(m_qVectors[chain], length, 0.0);
+    }
     m_filledChains = static_cast<std::size_t>(m_numChains);
 }
 

@@ -1,6 +1,7 @@
 // Capture of the first generation, and the read that all generations share.
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "CSampleCommon.h"
@@ -38,11 +39,14 @@ protected:
     quayCommand::CaptureDescriptorB m_descriptorB{};
 
 private:
+    struct Free {
+        void operator()(void* memory) const;
+    };
     /// Zeroed vectors for the next read.
     void AllocateVectors();
 
-    std::vector<double> m_samples;   ///< all vectors of a read, kept from one read to the next
-    std::size_t m_filledChains = 0;  ///< chains of the last read, whose vectors hold its samples
+    std::unique_ptr<void, Free> m_samples;  ///< all vectors of a read, kept from one read to the next
+    std::size_t m_filledChains = 0;         ///< chains of the last read, whose vectors hold its samples
     std::vector<double*> m_iVectors;
     std::vector<double*> m_qVectors;
 };
