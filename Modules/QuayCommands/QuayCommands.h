@@ -111,7 +111,8 @@ public:
     virtual void SetCaptureDescriptorD(const CaptureDescriptorD& descriptor) = 0;
     virtual void SetCaptureSource(const CaptureSource& record) = 0;
     /// Captures and fills `i[c]` and `q[c]` with ADC codes for each chain c of the capture, the first selected chain
-    /// first; the vectors hold GetCaptureLength() doubles and arrive zeroed.
+    /// first; the vectors hold GetCaptureLength() doubles. Those of the first ChainsReadWhole() chains arrive with
+    /// anything, the others zeroed.
     /// @return true on success
     virtual bool ReadCapture(const AdcReadRequest& request, double** i, double** q) = 0;
     /// @param metadata `CaptureMetadataBytes` bytes
@@ -124,6 +125,10 @@ public:
     virtual void GetDriverVersion(std::array<char, 256>& out) = 0;
     virtual void GetUscVersion(std::array<std::uint32_t, 4>& out) = 0;
     virtual void GetSVDriverVersion(std::array<std::uint32_t, 4>& out) = 0;
+
+    /// Chains whose vectors the next read writes to their end, with samples and zeros behind them, or with zeros alone
+    /// when it captures nothing. A radio that knows nothing of this writes none so.
+    virtual unsigned ChainsReadWhole() { return 0; }
 };
 
 /// The adapter.

@@ -1,3 +1,4 @@
+#include "Air/FileAir.h"
 #include "TestRadio.h"
 
 using namespace radiotest;
@@ -22,6 +23,11 @@ TEST(StoredCaptures, EachChainTakesTheNextFileInTheOrderOfNamesAndStartsOver) {
     EXPECT_EQ(Capture({1, 2, 42, 2, 1, 5})[0][2], std::complex(11.0, 12.0)) << "c, whatever the tuning";
     EXPECT_EQ(Capture({})[0][0], std::complex(1.0, 2.0)) << "a again";
     EXPECT_FALSE(quayCommand::SetRadioWorkload(true)) << "stored captures know no workload";
+    std::vector<double> i(3, 9.0), q(3, 9.0);  // as a capture before left them
+    quayCommand::ChainCapture chain{0, 0.0, i, q};
+    ASSERT_TRUE(quayCommand::FileAir::Open(folder / "a.txt", quayCommand::StoredTuning::AsTuned)
+                    ->Capture({2437, 40, 20, {&chain, 1}}));
+    EXPECT_EQ(std::pair(i, q), (std::pair<std::vector<double>, std::vector<double>>{{1, 0, 0}, {2, 0, 0}}));
 }
 
 TEST(StoredCaptures, AreHeardOnlyOnTheChannelWidthAndChainOfTheirNames) {

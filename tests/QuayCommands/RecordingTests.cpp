@@ -90,7 +90,7 @@ TEST(Recordings, OtherSamplesThanAskedForAreNeverDelivered) {
     WrongAir air;
     std::vector<double> i(4), q(4);
     const auto reason = [&](double centre, double rate, unsigned chain, const quayCommand::CaptureFacts& facts) {
-        std::ranges::fill(i, 0.0);
+        std::ranges::fill(i, 9.0);
         quayCommand::ChainCapture capture{chain, 0.0, i, q};
         air.facts = facts;
         const auto outcome = CaptureAsAsked(air, {centre, rate, 20.0, {&capture, 1}});

@@ -23,6 +23,7 @@ public:
     std::uint32_t length = 16;
     std::uint64_t state = 0;
     unsigned chains = 1;
+    unsigned whole = 0;
     bool fails = false;
     unsigned zeroVectors = 0;  ///< vectors that arrived zeroed at the last read, from the first on
 
@@ -55,6 +56,7 @@ public:
     void SetManualGainA(const quayCommand::GainConfig&) override {}
     void SetManualGainB(const quayCommand::GainConfigB&) override {}
     void SetManualGainC(const quayCommand::GainConfigC&) override {}
+    unsigned ChainsReadWhole() override { return whole; }
     std::uint32_t GetBoardSku() override { return 0; }
     void GetUcodeVersion(std::array<std::uint32_t, 2>&) override {}
     void GetDriverVersion(std::array<char, 256>&) override {}
@@ -187,11 +189,12 @@ TEST_F(CaptureClasses, AReadThatFailsInRadioOrEngineLeavesTheObjectReadyForTheNe
     sampler.ReadSamples();
     EXPECT_EQ(m_calls.back(), "update");
     EXPECT_EQ(m_radio.zeroVectors, 4u);
-    for (const unsigned chains : {3u, 1u, 2u, 1u}) {  // what more chains left behind is gone
+    for (const auto& [chains, whole] : {std::pair{3u, 0u}, {1u, 0u}, {2u, 1u}, {1u, 1u}, {1u, 0u}}) {
         Initiate(sampler, chains + 1, 3);
         m_radio.chains = chains;
+        m_radio.whole = whole;
         sampler.ReadSamples();
-        EXPECT_EQ(m_radio.zeroVectors, 4u);
+        EXPECT_EQ(m_radio.zeroVectors, 4u - whole) << "what more chains left behind is gone";
     }
 }
 

@@ -1,6 +1,7 @@
 #include "Adapter/SimulatedAdapter.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "GainModel.h"
@@ -63,17 +64,26 @@ double SimulatedAdc::GainDb(unsigned chain) const {
                                              m_tuning.m_channel, RadioFacts::BoardNumber(m_adapter.boardSku));
 }
 
-OSAL::Outcome<CaptureFacts> SimulatedAdc::Capture(double** i, double** q) {
-    const auto selected = m_selector ? m_selector : m_tuning.m_currChain;
+OSAL::Outcome<> SimulatedAdc::CheckSetUp() const {
+    const auto selected = SelectedChains();
     if (!m_tuned) return OSAL::Refusal{"the receiver isn't tuned, or its set-up failed"};
     if (selected == 0 || (selected & ~m_adapter.antennaMask) != 0)
         return OSAL::Refusal{"a selected chain has no antenna"};
     if ((selected & ~m_tuning.antennaMask) != 0)
         return OSAL::Refusal{"a selected chain isn't among the antennas that the receiver was set up with"};
+    return {};
+}
+
+unsigned SimulatedAdc::ChainsReadWhole() {
+    return CheckSetUp().IsRefused() ? 0 : static_cast<unsigned>(std::popcount(SelectedChains()));
+}
+
+OSAL::Outcome<CaptureFacts> SimulatedAdc::Capture(double** i, double** q) {
+    if (auto able = CheckSetUp(); able.IsRefused()) return able.Why();
     std::array<ChainCapture, MaxChains> chains;
     std::size_t used = 0;
     for (unsigned chain = 0; chain < MaxChains; ++chain) {
-        if ((selected >> chain & 1) == 0) continue;
+        if ((SelectedChains() >> chain & 1) == 0) continue;
         chains[used] = {chain, GainDb(chain), {i[used], m_adapter.samples}, {q[used], m_adapter.samples}};
         ++used;
     }

@@ -35,7 +35,7 @@ public:
     void SetCaptureDescriptorC(const CaptureDescriptorC& descriptor) override { m_selector = descriptor[1]; }
     void SetCaptureDescriptorD(const CaptureDescriptorD& descriptor) override { m_selector = descriptor[1]; }
     void SetCaptureSource(const CaptureSource&) override {}
-    /// False, and the vectors as they were, when nothing was captured; `LastCapture` tells why.
+    /// False when nothing was captured; `LastCapture` tells why.
     bool ReadCapture(const AdcReadRequest& request, double** i, double** q) override;
     /// The metadata of a simulated capture is all zero.
     bool ReadCaptureEx(const AdcReadRequest& request, double** i, double** q, std::uint8_t* metadata) override;
@@ -44,6 +44,7 @@ public:
     void GetDriverVersion(std::array<char, 256>& out) override;
     void GetUscVersion(std::array<std::uint32_t, 4>& out) override;
     void GetSVDriverVersion(std::array<std::uint32_t, 4>& out) override;
+    unsigned ChainsReadWhole() override;
 
     /// What the samples of the last read are, or why it gave none.
     const OSAL::Outcome<CaptureFacts>& LastCapture() const { return m_lastCapture; }
@@ -54,6 +55,9 @@ private:
         std::uint32_t internalGain = 0;
     };
     double GainDb(unsigned chain) const;
+    std::uint32_t SelectedChains() const { return m_selector ? m_selector : m_tuning.m_currChain; }
+    /// Why the receiver can't hear.
+    OSAL::Outcome<> CheckSetUp() const;
     OSAL::Outcome<CaptureFacts> Capture(double** i, double** q);
 
     const AdapterDescription& m_adapter;

@@ -48,15 +48,19 @@ std::size_t CountOverloaded(const ChainCapture& chain) {
 }
 
 OSAL::Outcome<CaptureFacts> CaptureAsAsked(IAir& air, const CaptureRequest& request) {
-    if (auto able = CheckAbilities(air.Abilities(), request); able.IsRefused()) return able.Why();
-    auto facts = air.Capture(request);
-    if (facts.IsRefused()) return facts;
-    if (auto good = CheckFacts(facts.Value(), request); good.IsRefused()) {
+    const auto capture = [&]() -> OSAL::Outcome<CaptureFacts> {
+        if (auto able = CheckAbilities(air.Abilities(), request); able.IsRefused()) return able.Why();
+        auto facts = air.Capture(request);
+        if (facts.IsRefused()) return facts;
+        if (auto good = CheckFacts(facts.Value(), request); good.IsRefused()) return good.Why();
+        return facts;
+    };
+    auto facts = capture();
+    if (facts.IsRefused()) {
         for (const auto& chain : request.chains) {
             std::ranges::fill(chain.i, 0.0);
             std::ranges::fill(chain.q, 0.0);
         }
-        return good.Why();
     }
     return facts;
 }

@@ -13,7 +13,7 @@ namespace quayCommand {
 struct ChainCapture {
     unsigned chain = 0;   ///< 0 is A, 1 is B
     double gainDb = 0.0;  ///< asked for; see ChainFacts
-    std::span<double> i;  ///< gets whole ADC codes of 16 bits; arrives zeroed, and stays so behind a shorter capture
+    std::span<double> i;  ///< written to its end: whole ADC codes of 16 bits, zeros behind a shorter capture
     std::span<double> q;  ///< as long as `i`
 };
 
@@ -62,7 +62,7 @@ public:
 };
 
 /// A capture whose samples are what was asked for: other samples would be read as a level at a frequency where they
-/// weren't taken. They are refused, and the chains are zeroed.
+/// weren't taken. They are refused; the chains of a refused capture are zeroed.
 OSAL::Outcome<CaptureFacts> CaptureAsAsked(IAir& air, const CaptureRequest& request);
 
 }  // namespace quayCommand

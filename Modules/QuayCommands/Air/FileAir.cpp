@@ -167,6 +167,8 @@ OSAL::Outcome<CaptureFacts> FileAir::Capture(const CaptureRequest& request) {
             chain.i[n] = stored.samples[n].i;
             chain.q[n] = stored.samples[n].q;
         }
+        std::ranges::fill(chain.i.subspan(count), 0.0);
+        std::ranges::fill(chain.q.subspan(count), 0.0);
         if (stored.counted.samples != count) stored.counted = {count, CountOverloaded(chain)};
         facts.chains[c] = {chain.gainDb, false, stored.counted.overloaded, count};
     }

@@ -49,6 +49,8 @@ public:
     void GetDriverVersion(std::array<char, 256>& out) override;
     void GetUscVersion(std::array<std::uint32_t, 4>& out) override;
     void GetSVDriverVersion(std::array<std::uint32_t, 4>& out) override;
+    /// No call to the radio: neither the journal nor the fault plan knows it.
+    unsigned ChainsReadWhole() override { return m_adc.ChainsReadWhole(); }
 
 private:
     IAdcCommands& m_adc;

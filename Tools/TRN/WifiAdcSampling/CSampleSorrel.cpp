@@ -85,11 +85,12 @@ void CSampleSorrel::AllocateVectors() {
         }
     }
     // A read fills the vectors of its chains alone, which come first: the others still are as they were made.
-    for (std::size_t chain = 0; chain < m_filledChains; ++chain) {
+    const std::size_t whole = m_adc->ChainsReadWhole();
+    for (std::size_t chain = whole; chain < m_filledChains; ++chain) {
         std::fill_n(m_iVectors[chain], length, 0.0);
         std::fill_n(m_qVectors[chain], length, 0.0);
     }
-    m_filledChains = static_cast<std::size_t>(m_numChains);
+    m_filledChains = std::max(whole, static_cast<std::size_t>(m_numChains));
 }
 
 void CSampleSorrel::PrepareRead() {

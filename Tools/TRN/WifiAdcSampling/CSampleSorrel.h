@@ -13,8 +13,8 @@ public:
     CSampleSorrel(quayCommand::IAdcCommands* adc, LumenSpectrumAnalyzer::CLmnSA* lmnSA);
 
     std::int32_t Initiate(quayCommand::AdcConfig adcConfig, const quayCommand::RxConfig& rxConfig) override;
-    /// The vectors are zeroed before each read. A read that reports no success still goes on to the engine, which
-    /// refuses an empty sweep.
+    /// The vectors are zeroed before each read, but for those that it writes to their end. A read that reports no
+    /// success still goes on to the engine, which refuses an empty sweep.
     void ReadSamples() override;
     void ScaleForSource(unsigned source, double& value) override;
     std::int32_t NumChains(unsigned source) override;
@@ -42,7 +42,7 @@ private:
     struct Free {
         void operator()(void* memory) const;
     };
-    /// Zeroed vectors for the next read.
+    /// Vectors for the next read, zeroed where it relies on that.
     void AllocateVectors();
 
     std::unique_ptr<void, Free> m_samples;  ///< all vectors of a read, kept from one read to the next
