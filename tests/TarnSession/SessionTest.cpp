@@ -96,6 +96,15 @@ TEST_F(FakeSession, AnAbandonedLineHoldsNobodyAndIsHeardNoMore) {
     EXPECT_TRUE(sink.printed.empty());
 }
 
+TEST_F(FakeSession, AnExceptionEndsItsLineOnly) {
+    const auto session = Open();
+    ASSERT_TRUE(session->Post("plain", {}, [](const Exchange&) { throw std::runtime_error("of a listener"); }));
+    const Exchange thrown = session->Run("throw");
+    EXPECT_EQ(ErrorSentence(thrown), "the line ended early: thrown by a line");
+    EXPECT_EQ(thrown.line + std::to_string(thrown.exitCode) + session->Busy().value_or(""), "throw259");
+    EXPECT_EQ(session->Run("plain").output, "no");
+}
+
 TEST_F(FakeSession, OpeningSaysWhatFailedAndHowFarItCame) {
     Step step = Step::Kernel;
     const auto reasonOf = [&](const Options& options) {

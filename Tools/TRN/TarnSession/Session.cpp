@@ -15,6 +15,7 @@
 #include "OSAL/OSAL.h"
 #include "PluginLibrary.h"
 #include "Streams/AppStreams.h"
+#include "Streams/Trace.h"
 
 namespace TarnSession {
 namespace {
@@ -22,6 +23,7 @@ namespace {
 using StreamsWrapper = SingletonWrapper<Streams::AppStreams>;
 
 constexpr std::size_t mostWarnings = 100;  ///< of one line that are kept
+constexpr int noExchange = 259;            ///< exit code of a line that the plug-in didn't answer
 
 std::vector<std::string> TextLines(const std::string& text) {
     std::vector<std::string> lines;
@@ -67,6 +69,7 @@ public:
     /// What `step` answers on the thread. Nothing when the session ends first.
     template <typename T>
     std::optional<T> Ask(std::function<T()> step);
+    /// Whatever the plug-in throws is the exchange's failure.
     Exchange RunLine(const std::string& line, LineOptions options);
 
     void OutputObject(std::string text) override { Send(&ISink::Message, std::move(text)); }
@@ -93,6 +96,7 @@ private:
     OSAL::Outcome<> Start(const std::function<void(Step)>& onStep);
     void Work();
     void End();
+    void Fill(Exchange& exchange, const std::string& line, LineOptions options);
     void Send(void (ISink::*message)(std::string), std::string text);
     std::vector<std::string> TakeLogged() {
         const std::lock_guard lock(m_mutex);
@@ -182,7 +186,9 @@ void Session::Worker::Work() {
         const Job job = std::move(m_jobs.front());
         m_jobs.pop_front();
         lock.unlock();
-        job();
+        const auto done = Guarded("who waited for a line failed", job);
+        if (!done && Streams::IsTraceOn(Streams::TraceError))
+            Streams::WriteTrace(Streams::TraceError, __FILE__, "TarnSession::Session", done.Reason());
         lock.lock();
     }
 }
@@ -250,6 +256,15 @@ void Session::Worker::Send(void (ISink::*message)(std::string), std::string text
 
 Exchange Session::Worker::RunLine(const std::string& line, LineOptions options) {
     Exchange exchange;
+    const auto ran = Guarded("the line ended early", [&] { Fill(exchange, line, options); });
+    SetRunning(std::nullopt);
+    if (ran) return exchange;
+    exchange.exitCode = noExchange;
+    exchange.error = ran.Reason();
+    return exchange;
+}
+
+void Session::Worker::Fill(Exchange& exchange, const std::string& line, LineOptions options) {
     exchange.line = line;
     exchange.left = line;
     m_errorStream.str({});
@@ -264,7 +279,6 @@ Exchange Session::Worker::RunLine(const std::string& line, LineOptions options) 
     // The engine says only that a capture was empty; the radio knows why.
     if (exchange.error.find("empty ADC") != std::string::npos)
         exchange.captureTrouble = quayCommand::CaptureTrouble().value_or("");
-    return exchange;
 }
 
 Session::Session(std::shared_ptr<Worker> worker) : m_worker(std::move(worker)) {}
@@ -296,7 +310,7 @@ Exchange Session::Run(const std::string& line, LineOptions options) {
     if (exchange) return std::move(*exchange);
     Exchange refused;
     refused.line = refused.left = line;
-    refused.exitCode = 259;
+    refused.exitCode = noExchange;
     refused.error = "the session is at its end";
     return refused;
 }

@@ -41,6 +41,8 @@ public:
             for (const char* text : {"second", "logged"})
                 if (Streams::IsTraceOn(Streams::TraceError))
                     Streams::WriteTrace(Streams::TraceError, "", "FakePlugin::RunCommand", text);
+        } else if (line == "throw") {
+            throw new std::runtime_error("thrown by a line");
         } else if (line == "fail") {
             return 259;
         } else if (line == "bytes") {
