@@ -109,6 +109,15 @@ TEST_F(Files, ModesOfOpeningDecideWhatIsKept) {
     EXPECT_EQ(TextOf(path), "");
 }
 
+TEST_F(Files, APrivateFileIsItsOwnersAloneWhateverItWasBefore) {
+    for (const unsigned mode : {OSAL::Append, OSAL::ReadWrite})
+        for (const std::string& path : {Make("open", "x"), m_folder + "new" + std::to_string(mode)}) {
+            if (fs::exists(path)) fs::permissions(path, static_cast<fs::perms>(0664));
+            OSAL::CloseFile(OSAL::OpenFile(path, mode | OSAL::Private, false));
+            EXPECT_EQ(fs::status(path).permissions(), static_cast<fs::perms>(0600)) << path;
+        }
+}
+
 TEST_F(Files, PathsThatNameNoFileGiveNoHandle) {
     Make("a", "x");
     for (const auto& path : {std::string(), m_folder, m_folder + "missing", m_folder + std::string("a\0b", 3)})

@@ -36,7 +36,7 @@ enum FileMode : unsigned { ReadOnly = 1, ReadWrite = 2, Append = 4, NoLink = 8, 
 /// Never waits: a pipe gives `InvalidFile`, as does a folder.
 /// @param mode one or several of `FileMode`, of the first three at least one; with `NoLink` a file that is a symbolic
 ///             link or has several names gives `InvalidFile`, whatever it has become since anybody looked; with
-///             `Private` a file that this makes is readable and writable for its owner alone
+///             `Private` the file becomes readable and writable for its owner alone, when that is this user
 /// @param openExisting false creates the file or empties it; `Append` opens it always
 FileHandle OpenFile(const std::string& path, unsigned mode, bool openExisting);
 /// Up to `size` bytes from `position` on; fewer only at the file's end. `Failure` for what can't be read.

@@ -56,6 +56,13 @@ bool IsAcceptable(int file, unsigned mode) {
     return S_ISREG(status.st_mode) || fcntl(file, F_SETFL, fcntl(file, F_GETFL) & ~O_NONBLOCK) == 0;
 }
 
+/// A file that stood there before may be open to others. Another user's stays as that one wants it.
+void MakePrivate(int file) {
+    struct stat status;
+    if (fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid() && status.st_mode & 077)
+        fchmod(file, status.st_mode & 0700);
+}
+
 ssize_t ReadSome(int file, void* buffer, std::size_t size) {
     ssize_t got;
     do {
@@ -170,8 +177,10 @@ FileHandle OpenFile(const std::string& path, unsigned mode, bool openExisting) {
     const bool emptied = !(mode & Append) && !openExisting;
     struct stat status;
     if (IsAcceptable(file, mode) &&
-        (!emptied || (fstat(file, &status) == 0 && (!S_ISREG(status.st_mode) || ftruncate(file, 0) == 0))))
+        (!emptied || (fstat(file, &status) == 0 && (!S_ISREG(status.st_mode) || ftruncate(file, 0) == 0)))) {
+        if (mode & Private) MakePrivate(file);
         return file;
+    }
     close(file);
     return InvalidFile;
 }
