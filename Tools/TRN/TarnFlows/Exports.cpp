@@ -1,6 +1,7 @@
 // The two functions that a host finds by name.
 #include <memory>
 
+#include "Caught.h"
 #include "ITrellisPlugin.h"
 #include "Web/TarnWifiFlowsWeb.h"
 #include "WifiDefs.h"  // starts the typed values when the library loads
@@ -19,14 +20,13 @@ ITrellisPlugin* instance = nullptr;
 /// @return null when there is no room for it
 extern "C" __attribute__((visibility("default"))) ITrellisPlugin* CreateInstance(IHostOutput* host, bool web) {
     if (instance) return instance;
-    try {
+    const auto make = [&] {
         if (web)
             instance = std::make_unique<TarnWifiFlowsWeb>(host).release();
         else
             instance = std::make_unique<TarnWifiFlows>(host).release();
-    } catch (...) {
-        return nullptr;
-    }
+    };
+    Common::RunCaught(make, [](const Common::Caught&) {});
     return instance;
 }
 

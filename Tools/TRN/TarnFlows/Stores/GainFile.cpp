@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "Caught.h"
 #include "Exceptions.h"
 #include "OSAL/OSAL.h"
 #include "Streams/Trace.h"
@@ -77,15 +78,19 @@ std::ifstream Open(const std::string& path) {
 std::optional<std::string> ReadRows(std::istream& file, GainList& list) {
     const auto header = NextLine(file);
     if (!header || header->size() != ColumnCount) return WrongColumns();
-    try {
+    std::optional<std::string> trouble;
+    const auto read = [&] {
         while (auto columns = NextLine(file)) {
-            if (columns->size() != ColumnCount) return WrongColumns();
-            AddRow(std::move(*columns), list);
+            if (columns->size() == ColumnCount)
+                AddRow(std::move(*columns), list);
+            else
+                return void(trouble = WrongColumns());
         }
-    } catch (...) {
-        return Failed(Common::Format("Frequency number or gain value have a wrong Common::Format"));
-    }
-    return std::nullopt;
+    };
+    Common::RunCaught(read, [&](const Common::Caught&) {
+        trouble = Failed(Common::Format("Frequency number or gain value have a wrong Common::Format"));
+    });
+    return trouble;
 }
 
 }  // namespace
