@@ -11,8 +11,8 @@ std::string NameParameter(std::string_view name, std::string_view key) {
 }
 
 std::optional<CaptureName> ReadCaptureName(std::string_view name) {
-    CaptureName read{NameParameter(name, "BAND_"), NameParameter(name, "CHANNEL_"), NameParameter(name, "BW_"),
-                     NameParameter(name, "CHAIN_")};
+    CaptureName read{NameParameter(name, NameKeys[0]), NameParameter(name, NameKeys[1]),
+                     NameParameter(name, NameKeys[2]), NameParameter(name, NameKeys[3])};
     if (read.band.empty() || read.channel.empty() || read.bandwidth.empty() || read.chain.empty()) return std::nullopt;
     return read;
 }

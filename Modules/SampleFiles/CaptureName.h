@@ -1,6 +1,7 @@
 // The name of a sample file tells the tuning: "BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_run7.txt".
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,7 +11,10 @@ namespace SampleFiles {
 /// Text between the first `key` in a name and the next "_" behind it; empty when either is missing.
 std::string NameParameter(std::string_view name, std::string_view key);
 
-/// The values of "BAND_", "CHANNEL_", "BW_" and "CHAIN_", in any order and with anything between them.
+/// In any order and with anything between them.
+inline constexpr std::array<std::string_view, 4> NameKeys = {"BAND_", "CHANNEL_", "BW_", "CHAIN_"};
+
+/// The values of `NameKeys`.
 struct CaptureName {
     std::string band;
     std::string channel;

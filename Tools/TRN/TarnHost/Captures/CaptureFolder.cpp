@@ -1,9 +1,9 @@
 #include "Captures/CaptureFolder.h"
 
-#include <array>
 #include <fstream>
 #include <system_error>
 
+#include "CaptureName.h"
 #include "Console/ResultTable.h"
 #include "OSAL/Files.h"
 
@@ -25,15 +25,14 @@ std::string SkipReason(const fs::path& folder, const std::string& name) {
 }  // namespace
 
 std::string MissingParameter(std::string_view name) {
-    static constexpr std::array<std::string_view, 4> keys = {"BAND_", "CHANNEL_", "BW_", "CHAIN_"};
-    for (const std::string_view key : keys) {
-        const std::string keyText(key);
+    for (const std::string_view key : SampleFiles::NameKeys) {
+        if (!SampleFiles::NameParameter(name, key).empty()) continue;
+        const std::string place = std::string(key) + " in its name";
         const auto found = name.find(key);
-        if (found == std::string_view::npos) return "has no " + keyText + " in its name";
-        const auto value = found + key.size();
-        const auto end = name.find('_', value);
-        if (end == value || value == name.size()) return "has no value behind " + keyText + " in its name";
-        if (end == std::string_view::npos) return "has no \"_\" behind the value of " + keyText + " in its name";
+        if (found == std::string_view::npos) return "has no " + place;
+        const auto value = name.substr(found + key.size());
+        if (value.empty() || value.starts_with('_')) return "has no value behind " + place;
+        return "has no \"_\" behind the value of " + place;
     }
     return {};
 }

@@ -19,8 +19,7 @@ struct CaptureFolder {
     std::size_t skippedCount = 0;
 };
 
-/// What a file name lacks of the four parameters BAND_, CHANNEL_, BW_ and CHAIN_; empty when it has all. A value stands
-/// between its key and the next "_".
+/// What a file name lacks of the parameters that tell the tuning; empty when it has all.
 std::string MissingParameter(std::string_view name);
 
 /// Looks through the folder; `result.csv` doesn't count. Refused when it can't be read, or when `isWanted` says that
