@@ -190,7 +190,7 @@ ExitStatus FolderAnalysis::Run() {
 
 }  // namespace
 
-ExitStatus Analyse(const AnalyseOptions& options, Context& context) {
+ExitStatus Execute(const AnalyseOptions& options, Context& context) {
     return FolderAnalysis(options, context).Run();
 }
 

@@ -82,46 +82,21 @@ using CommandOptions = std::variant<AnalyseOptions, RunOptions, SimulateOptions,
                                     VesperOptions, ServeOptions, ShellOptions>;
 
 /// Analyses a folder of sample files and prints the table of results.
-ExitStatus Analyse(const AnalyseOptions& options, Context& context);
+ExitStatus Execute(const AnalyseOptions& options, Context& context);
 /// Hands command lines to the plug-in and prints its answers.
-ExitStatus RunLines(const RunOptions& options, Context& context);
+ExitStatus Execute(const RunOptions& options, Context& context);
 /// Writes captures of the adapter's air as sample files.
-ExitStatus Simulate(const SimulateOptions& options, Context& context);
+ExitStatus Execute(const SimulateOptions& options, Context& context);
 /// Prints versions, adapter, air, kernel, paths.
-ExitStatus Info(const InfoOptions& options, Context& context);
+ExitStatus Execute(const InfoOptions& options, Context& context);
 /// Measures channels and shows table, picture and files.
-ExitStatus Measure(const MeasureOptions& options, Context& context);
+ExitStatus Execute(const MeasureOptions& options, Context& context);
 /// Serves page and API until a signal.
-ExitStatus Serve(const ServeOptions& options, Context& context);
+ExitStatus Execute(const ServeOptions& options, Context& context);
 /// Runs the burn-in desense test and leaves its files in a folder.
-ExitStatus Vesper(const VesperOptions& options, Context& context);
+ExitStatus Execute(const VesperOptions& options, Context& context);
 /// Reads lines from a person and runs them.
-ExitStatus RunShell(const ShellOptions& options, Context& context);
-
-inline ExitStatus Execute(const AnalyseOptions& options, Context& context) {
-    return Analyse(options, context);
-}
-inline ExitStatus Execute(const RunOptions& options, Context& context) {
-    return RunLines(options, context);
-}
-inline ExitStatus Execute(const SimulateOptions& options, Context& context) {
-    return Simulate(options, context);
-}
-inline ExitStatus Execute(const InfoOptions& options, Context& context) {
-    return Info(options, context);
-}
-inline ExitStatus Execute(const MeasureOptions& options, Context& context) {
-    return Measure(options, context);
-}
-inline ExitStatus Execute(const ServeOptions& options, Context& context) {
-    return Serve(options, context);
-}
-inline ExitStatus Execute(const VesperOptions& options, Context& context) {
-    return Vesper(options, context);
-}
-inline ExitStatus Execute(const ShellOptions& options, Context& context) {
-    return RunShell(options, context);
-}
+ExitStatus Execute(const ShellOptions& options, Context& context);
 
 /// Says why a command ends early. @return `status`
 ExitStatus Refuse(const std::string& reason, Context& context, ExitStatus status = Failed);

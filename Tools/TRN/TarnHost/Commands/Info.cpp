@@ -63,7 +63,7 @@ ExitStatus InfoPrinter::Print() {
 
 }  // namespace
 
-ExitStatus Info(const InfoOptions& options, Context& context) {
+ExitStatus Execute(const InfoOptions& options, Context& context) {
     if (!options.kernelsOnly) return InfoPrinter(context).Print();
     context.console.out.Write(TarnSession::KernelNames("\n") + "\n");
     return Success;

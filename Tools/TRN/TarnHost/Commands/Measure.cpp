@@ -129,7 +129,7 @@ ExitStatus StatusOf(const TarnMeasure::Result& result) {
 
 }  // namespace
 
-ExitStatus Measure(const MeasureOptions& options, Context& context) {
+ExitStatus Execute(const MeasureOptions& options, Context& context) {
     if (const auto check = CheckFiles(options); !check) return Refuse(check.Reason(), context);
     TarnMeasure::Request request = options.request;
     if (!options.limit.empty()) {

@@ -106,7 +106,7 @@ ExitStatus LineRunner::Run() {
 
 }  // namespace
 
-ExitStatus RunLines(const RunOptions& options, Context& context) {
+ExitStatus Execute(const RunOptions& options, Context& context) {
     return LineRunner(options, context).Run();
 }
 

@@ -6,7 +6,7 @@
 
 namespace TarnHost {
 
-ExitStatus Serve(const ServeOptions& options, Context& context) {
+ExitStatus Execute(const ServeOptions& options, Context& context) {
     using namespace std::chrono_literals;
     TarnServe::ServerOptions server;
     server.session.radio = context.options.radio;

@@ -213,7 +213,7 @@ ExitStatus Shell::Run() {
 
 }  // namespace
 
-ExitStatus RunShell(const ShellOptions&, Context& context) {
+ExitStatus Execute(const ShellOptions&, Context& context) {
     return Shell(context).Run();
 }
 

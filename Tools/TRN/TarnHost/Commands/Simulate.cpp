@@ -70,7 +70,7 @@ ExitStatus WriteAll(const std::vector<PlannedFile>& files, Context& context) {
 
 }  // namespace
 
-ExitStatus Simulate(const SimulateOptions& options, Context& context) {
+ExitStatus Execute(const SimulateOptions& options, Context& context) {
     auto setup = context.options.radio;
     if (!options.scene.empty()) setup.air = "sim:" + options.scene;
     if (const auto log = TarnSession::OpenLog(context.options.logPath); !log) return Refuse(log.Reason(), context);

@@ -140,7 +140,7 @@ ExitStatus StatusOf(const DesenseResult& result, const std::string& failOn) {
 
 }  // namespace
 
-ExitStatus Vesper(const VesperOptions& options, Context& context) {
+ExitStatus Execute(const VesperOptions& options, Context& context) {
     DesenseRequest request = options.request;
     if (!options.limit.empty()) {
         auto limits = Limits::Read(options.limit);
