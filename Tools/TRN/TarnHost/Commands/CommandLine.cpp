@@ -164,6 +164,15 @@ CLI::Validator NotNan() {
             ""};
 }
 
+void AddLimit(CLI::App& command, std::string& limit, double& margin_db, const std::string& help) {
+    command.add_option("--limit", limit, help)->type_name("FILE|LEVEL")->check(NotEmpty());
+    command.add_option("--margin", margin_db, "Room to leave below the limit")
+        ->type_name("DB")
+        ->check(CLI::Range(0.0, 100.0))
+        ->check(NotNan())
+        ->capture_default_str();
+}
+
 void AddMeasure(CLI::App& app, MeasureOptions& options) {
     auto* command = app.add_subcommand("measure", "Measure channels: power, graphs, peaks, a picture");
     TarnMeasure::Request& request = options.request;
@@ -199,16 +208,8 @@ void AddMeasure(CLI::App& app, MeasureOptions& options) {
         ->check(CLI::Range(0.5, 100.0))
         ->check(NotNan())
         ->capture_default_str();
-    command
-        ->add_option("--limit", options.limit,
-                     "What no level may exceed: dBm over the channel, or a CSV file by band, channel or frequency")
-        ->type_name("FILE|LEVEL")
-        ->check(NotEmpty());
-    command->add_option("--margin", request.margin_db, "Room to leave below the limit")
-        ->type_name("DB")
-        ->check(CLI::Range(0.0, 100.0))
-        ->check(NotNan())
-        ->capture_default_str();
+    AddLimit(*command, options.limit, request.margin_db,
+             "What no level may exceed: dBm over the channel, or a CSV file by band, channel or frequency");
     command
         ->add_option("--keys", request.setup,
                      "Further keys to run before the first channel, such as gain settings; keys that the options "
@@ -263,17 +264,9 @@ void AddVesper(CLI::App& app, VesperOptions& options) {
         ->add_option("--out", options.request.folder, "Folder for the report and the tables; made when it is missing")
         ->type_name("DIR")
         ->required();
-    command
-        ->add_option("--limit", options.limit,
-                     "What no level in one resolution bandwidth may exceed: dBm, or a CSV file by band, channel or "
-                     "frequency; without it 3 dB above each band's reference")
-        ->type_name("FILE|LEVEL")
-        ->check(NotEmpty());
-    command->add_option("--margin", options.request.margin_db, "Room to leave below the limit")
-        ->type_name("DB")
-        ->check(CLI::Range(0.0, 100.0))
-        ->check(NotNan())
-        ->capture_default_str();
+    AddLimit(*command, options.limit, options.request.margin_db,
+             "What no level in one resolution bandwidth may exceed: dBm, or a CSV file by band, channel or "
+             "frequency; without it 3 dB above each band's reference");
     command->add_flag("--idle-baseline", options.request.idleBaseline, "Sweep without load first, and show the rise");
     command->add_option("--fail-on", options.failOn, "What ends with status 4")
         ->check(CLI::IsMember({"fail", "margin", "none"}))
