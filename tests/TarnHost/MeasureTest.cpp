@@ -90,6 +90,8 @@ TEST(Measure, WrongOptionsAreRefusedWithTheirValues) {
         EXPECT_TRUE(Has(request.text, reason)) << request.text;
     }
     EXPECT_TRUE(TarnHost::ParseArguments({"measure", "--rbw", "39.06250", "--keys", "-internal_gain 2"}).command);
+    const auto unknown = Tarn({"measure", "--keys", "-internal_gian 2"});
+    EXPECT_TRUE(Has(unknown.err, "did you mean '-internal_gain'?")) << unknown.err;
 }
 
 TEST(Measure, FilesThatCanNotBeWrittenAreRefusedBeforeTheSweeps) {

@@ -7,8 +7,11 @@
 #include "Console/TextWidth.h"
 #include "Lines/AirName.h"
 #include "Lines/KeyLine.h"
+#include "Lines/ShellHelp.h"
 #include "Lines/ShellQuote.h"
+#include "Lines/Shorten.h"
 #include "Lines/Suggest.h"
+#include "Support/TempFolder.h"
 
 using namespace TarnHost;
 
@@ -103,6 +106,32 @@ TEST(Suggest, TheNearestNameIsMeantOrNone) {
     EXPECT_EQ(*ReadAir("/nowhere"), "/nowhere");
     EXPECT_EQ(ReadAir("lapto").Reason(), "there is no air 'lapto'; did you mean 'laptop'?");
     EXPECT_EQ(CommandText({"run", "it's", ""}), "tarn run 'it'\\''s' ''");
+}
+
+TEST(Shorten, ALongSentenceKeepsItsStartAndCountsTheRest) {
+    EXPECT_EQ(Shortened("as it is"), "as it is");
+    std::string tokens = "unknown:";
+    for (int k = 0; k < 40000; ++k)
+        tokens += " -x" + std::to_string(k);
+    EXPECT_TRUE(Shortened(tokens).ends_with(" -x149 ... and 39850 more")) << Shortened(tokens);
+    std::string word = "a";
+    for (int k = 0; k < 1000; ++k)
+        word += "\u00fc";
+    EXPECT_EQ(Shortened(word), word.substr(0, 799) + "...");
+    EXPECT_TRUE(Shortened(word + " b c").ends_with("\u00fc... and 2 more"));
+}
+
+TEST(Complete, AHugeFolderIsShortenedButItsCommonStartIsThatOfAll) {
+    const Support::TempFolder folder;
+    for (int k = 0; k < 250; ++k)
+        folder.Write("capture" + std::to_string(k), "");
+    folder.Write("card", "");
+    const Completion completion = Complete("-save_spectrum " + (folder / "c"));
+    EXPECT_EQ(completion.candidates.size(), 200U);
+    EXPECT_EQ(completion.more, 51U);
+    EXPECT_EQ(completion.start, folder / "ca");
+    EXPECT_EQ(Complete("-get_power_per_chain ").start, "");
+    EXPECT_EQ(Complete("-trigger_n").candidates, std::vector<std::string>{"-trigger_now"});
 }
 
 TEST(Progress, TellsRateAndRestOnceSomethingIsDone) {

@@ -11,6 +11,7 @@
 #include "Lines/AirName.h"
 #include "Lines/MeasureKeys.h"
 #include "Lines/ShellQuote.h"
+#include "Lines/Shorten.h"
 #include "Lines/Suggest.h"
 #include "Picture.h"
 #include "PlainText.h"
@@ -320,7 +321,7 @@ std::string UsageError(const CLI::App& app, std::string reason) {
     const auto chosen = app.get_subcommands();
     const std::string command = chosen.empty() ? "" : " " + chosen.front()->get_name();
     std::erase(reason, verbatimMark);
-    return TarnMeasure::Printable(reason) + " (tarn" + command + " --help tells more)";
+    return TarnMeasure::Printable(Shortened(reason)) + " (tarn" + command + " --help tells more)";
 }
 
 std::string UsageError(const CLI::App& app, const CLI::ParseError& error) {

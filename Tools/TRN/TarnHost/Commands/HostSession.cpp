@@ -1,6 +1,7 @@
 #include "Commands/HostSession.h"
 
 #include "Lines/ShellHelp.h"
+#include "Lines/Shorten.h"
 
 namespace TarnHost {
 
@@ -63,12 +64,12 @@ void AbandonLine(Session& session, Context& context) {
 
 std::string FailureText(const Exchange& exchange) {
     const bool isUnknown = exchange.error.starts_with("Unrecognized command line option");
-    return ErrorSentence(exchange) + (isUnknown ? Meant(exchange.left) : "");
+    return Shortened(ErrorSentence(exchange)) + (isUnknown ? Meant(exchange.left) : "");
 }
 
 void SayWarnings(const Exchange& exchange, const std::string& place, Context& context) {
     for (const std::string& warning : exchange.warnings)
-        context.console.Say((place.empty() ? "" : place + ": ") + warning);
+        context.console.Say((place.empty() ? "" : place + ": ") + Shortened(warning));
 }
 
 }  // namespace TarnHost

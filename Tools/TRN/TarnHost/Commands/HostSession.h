@@ -57,7 +57,7 @@ private:
 /// Gives up the line that runs, for a program that ends behind a signal.
 void AbandonLine(TarnSession::Session& session, Context& context);
 
-/// Why a line failed, for a person: behind a mistyped key the one that comes near.
+/// Why a line failed, for a person: shortened, and behind a mistyped key the one that comes near.
 std::string FailureText(const TarnSession::Exchange& exchange);
 
 /// What a line that succeeded left to say, each on a line of standard error behind `place`.

@@ -24,7 +24,8 @@ constexpr std::size_t longestRead = 4096;
 
 using Got = OSAL::InputStream::Got;
 
-void ShowCandidates(const std::vector<std::string>& candidates, std::size_t columns) {
+void ShowCandidates(const Completion& completion, std::size_t columns) {
+    const std::vector<std::string>& candidates = completion.candidates;
     std::size_t width = 0;
     for (const std::string& candidate : candidates)
         width = std::max(width, candidate.size() + 2);
@@ -35,6 +36,7 @@ void ShowCandidates(const std::vector<std::string>& candidates, std::size_t colu
         std::printf("%-*s%s", isLast ? 0 : static_cast<int>(width), TarnMeasure::Printable(candidates[k]).c_str(),
                     isLast ? "\n" : "");
     }
+    if (completion.more > 0) std::printf("... and %zu more\n", completion.more);
     std::fflush(stdout);
 }
 
@@ -116,12 +118,12 @@ int LineEditor::Terminal::GetCharacter(EditLine* line, wchar_t* character) {
 unsigned char LineEditor::Terminal::Complete(EditLine* line, int) {
     const LineInfo* info = ::el_line(line);
     const std::string before(info->buffer, info->cursor);
-    const std::vector<std::string> candidates = Completions(before);
-    if (candidates.empty()) return CC_ERROR;
+    const Completion completion = TarnHost::Complete(before);
+    if (completion.candidates.empty()) return CC_ERROR;
     const auto blank = before.find_last_of(" \t");
     const std::size_t word = before.size() - (blank == std::string::npos ? 0 : blank + 1);
-    std::string text = CommonStart(candidates);
-    const bool isWhole = candidates.size() == 1 && !text.ends_with('/');
+    std::string text = completion.start;
+    const bool isWhole = completion.candidates.size() == 1 && !text.ends_with('/');
     if (isWhole) text += ' ';
     if (text.size() > word || isWhole) {
         ::el_deletestr(line, static_cast<int>(word));
@@ -129,7 +131,7 @@ unsigned char LineEditor::Terminal::Complete(EditLine* line, int) {
     }
     int columns = 80;
     if (::el_get(line, EL_GETTC, "co", &columns) != 0) columns = 80;
-    ShowCandidates(candidates, static_cast<std::size_t>(std::max(columns, 20)));
+    ShowCandidates(completion, static_cast<std::size_t>(std::max(columns, 20)));
     return CC_REDISPLAY;
 }
 

@@ -79,7 +79,7 @@ TarnMeasure::Provenance ProvenanceOf(const MeasureOptions& options, const Sessio
 TarnMeasure::Answer RunKeys(Session& session, const std::string& line, Context& context) {
     const auto exchange = PendingLine(session, line).Wait(context.watch, lineGrace);
     if (!exchange) return {.ok = false, .text = {}, .interrupted = true};
-    if (exchange->exitCode != 0) return {.ok = false, .text = ErrorSentence(*exchange)};
+    if (exchange->exitCode != 0) return {.ok = false, .text = FailureText(*exchange)};
     std::string warning;
     for (const std::string& text : exchange->warnings)
         warning += (warning.empty() ? "" : "; ") + text;

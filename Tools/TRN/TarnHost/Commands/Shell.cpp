@@ -7,6 +7,7 @@
 #include "Commands/LineEditor.h"
 #include "Console/Present.h"
 #include "Lines/ShellHelp.h"
+#include "Lines/Shorten.h"
 #include "SettingsMemory.h"
 
 namespace TarnHost {
@@ -89,7 +90,7 @@ bool Shell::TakeAnswer() {
     const std::string line = m_running->Line();
     const auto answer = m_running->Wait(m_context.watch);
     if (!answer) {
-        if (TakeInterrupt()) Say("'" + line + "' goes on in the background; the next line waits for it");
+        if (TakeInterrupt()) Say("'" + Shortened(line) + "' goes on in the background; the next line waits for it");
         return false;
     }
     m_running.reset();
@@ -155,7 +156,7 @@ void Shell::ShowStatus() {
 
 void Shell::SayUnknown(const std::string& command) {
     const std::string meant = Meant(command);
-    Say("'" + command + "' isn't known here" + (meant.empty() ? "; help tells what is" : meant));
+    Say("'" + Shortened(command) + "' isn't known here" + (meant.empty() ? "; help tells what is" : meant));
 }
 
 void Shell::RunOwn(const std::string& command, const std::string& rest) {

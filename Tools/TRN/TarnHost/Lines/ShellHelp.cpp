@@ -57,26 +57,40 @@ std::vector<std::string> Split(std::string_view text, char separator) {
     return parts;
 }
 
+constexpr std::size_t mostCandidates = 200;
+
+void Add(Completion& completion, std::string candidate) {
+    std::string& start = completion.start;
+    if (completion.candidates.empty())
+        start = candidate;
+    else
+        start.erase(std::ranges::mismatch(start, candidate).in1, start.end());
+    if (completion.candidates.size() < mostCandidates)
+        completion.candidates.push_back(std::move(candidate));
+    else
+        ++completion.more;
+}
+
 /// Entries of the folder that `word` points into, each with `word`'s own spelling of the folder.
-std::vector<std::string> Files(const std::string& word) {
+void AddFiles(Completion& completion, const std::string& word) {
     const auto slash = word.rfind('/');
     const std::string folder = slash == std::string::npos ? "" : word.substr(0, slash + 1);
-    std::vector<std::string> names;
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator(folder.empty() ? "." : folder, error)) {
-        const std::string name = folder + entry.path().filename().string();
-        const bool isHidden = entry.path().filename().string().starts_with('.');
+    std::error_code error, ignored;
+    for (fs::directory_iterator at(folder.empty() ? "." : folder, error), end; !error && at != end;
+         at.increment(error)) {
+        const std::string name = folder + at->path().filename().string();
+        const bool isHidden = at->path().filename().string().starts_with('.');
         // a name that no token can hold, or that would steer the terminal, can't be offered
         const bool isOdd = name.find_first_of(" \"") != std::string::npos || TarnMeasure::Printable(name) != name;
         if (isHidden || !name.starts_with(word) || isOdd) continue;
-        names.push_back(entry.is_directory(error) ? name + "/" : name);
+        Add(completion, at->is_directory(ignored) ? name + "/" : name);
     }
-    return names;
 }
 
-void KeepStarting(std::vector<std::string>& candidates, const std::string& word) {
+void AddWords(Completion& completion, const std::vector<std::string>& words, const std::string& word) {
     const std::string start = Lower(word);
-    std::erase_if(candidates, [&](const std::string& text) { return !Lower(text).starts_with(start); });
+    for (const std::string& candidate : words)
+        if (Lower(candidate).starts_with(start)) Add(completion, candidate);
 }
 
 std::vector<std::string> KeyNames() {
@@ -144,34 +158,25 @@ std::string Meant(std::string_view line) {
     return TarnKeys::FindKey(word) ? std::string() : DidYouMean(word, names);
 }
 
-std::vector<std::string> Completions(std::string_view beforeCursor) {
+Completion Complete(std::string_view beforeCursor) {
+    using TarnKeys::ArgumentKind;
     const auto blank = beforeCursor.find_last_of(" \t");
     const std::string word(blank == std::string_view::npos ? beforeCursor : beforeCursor.substr(blank + 1));
     const std::vector<std::string> before =
         Split(blank == std::string_view::npos ? std::string_view() : beforeCursor.substr(0, blank), ' ');
-    std::vector<std::string> candidates;
     const KeyRow* key = before.empty() ? nullptr : TarnKeys::FindKey(before.back());
-    if (key && key->argument.kind != TarnKeys::ArgumentKind::None) {
-        if (key->argument.kind == TarnKeys::ArgumentKind::File || key->argument.kind == TarnKeys::ArgumentKind::Folder)
-            return Files(word);
-        candidates = Split(key->argument.values, '|');
+    const ArgumentKind kind = key ? key->argument.kind : ArgumentKind::None;
+    Completion completion;
+    if (kind == ArgumentKind::File || kind == ArgumentKind::Folder) {
+        AddFiles(completion, word);
+    } else if (kind != ArgumentKind::None) {
+        AddWords(completion, Split(key->argument.values, '|'), word);
     } else {
-        candidates = KeyNames();
-        if (before.empty()) candidates.insert(candidates.end(), ownCommands.begin(), ownCommands.end());
+        AddWords(completion, KeyNames(), word);
+        if (before.empty()) AddWords(completion, {ownCommands.begin(), ownCommands.end()}, word);
     }
-    KeepStarting(candidates, word);
-    std::ranges::sort(candidates);
-    return candidates;
-}
-
-std::string CommonStart(const std::vector<std::string>& candidates) {
-    if (candidates.empty()) return {};
-    std::string start = candidates.front();
-    for (const std::string& candidate : candidates) {
-        const auto differing = std::ranges::mismatch(start, candidate).in1;
-        start.erase(differing, start.end());
-    }
-    return start;
+    std::ranges::sort(completion.candidates);
+    return completion;
 }
 
 }  // namespace TarnHost

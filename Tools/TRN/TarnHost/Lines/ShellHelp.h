@@ -1,6 +1,7 @@
 // What the shell knows of the command language: help and completion, out of the one table of keys.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,11 +22,14 @@ std::string HelpText(std::string_view key);
 /// no key and no command of the shell is near.
 std::string Meant(std::string_view line);
 
-/// Ends that the text before the cursor can take: whole replacements of its last word, sorted. Keys, values of the key
-/// before, entries of folders, the shell's own commands.
-std::vector<std::string> Completions(std::string_view beforeCursor);
+/// Ends that a text can take: whole replacements of its last word.
+struct Completion {
+    std::vector<std::string> candidates;  ///< 200 at most, sorted
+    std::size_t more = 0;                 ///< that aren't among them
+    std::string start;                    ///< what all have in common
+};
 
-/// What all have in common at their start.
-std::string CommonStart(const std::vector<std::string>& candidates);
+/// @return keys, values of the key before, entries of folders, the shell's own commands
+Completion Complete(std::string_view beforeCursor);
 
 }  // namespace TarnHost
