@@ -45,6 +45,15 @@ public:
         m_environment.push_back(variable);
         return *this;
     }
+    /// All three streams are a terminal, at which somebody types that once the shell's prompt is there.
+    Program& OnTerminal(const std::string& typed = "") {
+        m_typed = typed;
+        m_master = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        ::grantpt(m_master);
+        ::unlockpt(m_master);
+        m_environment.push_back("TERM=dumb");
+        return *this;
+    }
     /// Sends the signal once `isReady` answers true.
     Program& Signal(int number, std::function<bool()> isReady) {
         m_signal = number;
@@ -53,6 +62,7 @@ public:
     }
 
     ProgramRun Run() {
+        if (m_master >= 0) return RunOnTerminal();
         const auto in = File("in", O_RDONLY | O_CREAT);
         const auto out = File("out", O_WRONLY | O_CREAT);
         const auto err = File("err", O_WRONLY | O_CREAT);
@@ -77,6 +87,25 @@ public:
 private:
     int File(const char* name, int mode) const {
         return ::open((m_folder.Path() / name).c_str(), mode | O_CLOEXEC, 0600);
+    }
+
+    ProgramRun RunOnTerminal() {
+        const int terminal = ::open(::ptsname(m_master), O_RDWR | O_NOCTTY | O_CLOEXEC);
+        const pid_t process = Start(terminal, terminal, terminal);
+        ::close(terminal);
+        ProgramRun run;
+        char block[4096];
+        for (ssize_t count; (count = ::read(m_master, block, sizeof block)) > 0;) {
+            run.out.append(block, static_cast<std::size_t>(count));
+            if (m_typed.empty() || run.out.find("tarn> ") == std::string::npos) continue;
+            [[maybe_unused]] const auto written = ::write(m_master, m_typed.data(), m_typed.size());
+            m_typed.clear();
+        }
+        ::close(m_master);
+        int status = 0;
+        ::waitpid(process, &status, 0);
+        run.status = WIFSIGNALED(status) ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+        return run;
     }
 
     pid_t Start(int in, int out, int err) {
@@ -112,6 +141,8 @@ private:
     std::vector<std::string> m_environment;
     int m_input = -1;
     int m_output = -1;
+    int m_master = -1;  ///< of the terminal
+    std::string m_typed;
     int m_signal = 0;
     std::function<bool()> m_isReady;
 };

@@ -295,6 +295,42 @@ TEST(Run, AFailedSetUpIsTold) {
     EXPECT_FALSE(Has(measured.out, "dBm")) << measured.out;
 }
 
+TEST(Terminal, NothingFromOutsideSteersIt) {
+    const std::string evil = "\x1b[31m\x07\xC2\x9B\x01";
+    const Support::TempFolder folder;
+    const std::string captures = folder / ("cap" + evil),
+                      capture = "BAND_5.2_CHANNEL_36_BW_20_CHAIN_A_" + evil + ".txt";
+    std::filesystem::create_directory(captures);
+    std::ofstream(captures + "/" + capture) << "1 2\n3 4\n";
+    std::ofstream(captures + "/b" + capture) << "1 2\n" << evil << "\n";
+    std::ofstream(captures + "/skipped" + evil) << "";
+    for (const char* name : {"a1", "a2", "a\x1b[31m"})
+        folder.Write(name, "");
+    const std::vector<std::vector<std::string>> commands = {
+        {"analyse", captures},
+        {"info", "--log", folder / ("log" + evil)},
+        {"info", "--air", "file:" + captures},
+        {"run", "--record", "--keep-going", "--", "-band " + evil, "-x" + evil},
+        {"measure", "--air", "file:" + captures, "--as-tuned", "--channel", "36", "--json"},
+        {"measure", "--picture", evil + ".png", "--keys", evil},
+        {"simulate", captures, "--scene", evil},
+        {"--" + evil}};
+    for (const auto& command : commands) {
+        std::string out = Program(command).OnTerminal().Run().out;
+        for (std::size_t at; (at = out.find("\x1b[K")) != std::string::npos;)
+            out.erase(at, 3);  // the progress clears its line
+        EXPECT_EQ(out.find_first_of("\x1b\x07\x01"), std::string::npos) << command[0] << ":\n" << out;
+        EXPECT_FALSE(Has(out, "\xC2\x9B")) << out;
+        EXPECT_TRUE(Has(out, "?")) << command[0] << " shows what it replaced:\n" << out;
+    }
+    const auto typed = Program({"shell"})
+                           .With("XDG_STATE_HOME=" + folder.Path().string())
+                           .OnTerminal("-save_spectrum " + (folder / "a") + "\t\t\n!quit\n")
+                           .Run();
+    EXPECT_TRUE(Has(typed.out, "a1") && Has(typed.out, "a2")) << typed.out;
+    EXPECT_FALSE(Has(typed.out, "\x1b[31m")) << typed.out;
+}
+
 TEST(Run, AnyWaitEndsWithinASecondOfASignal) {
     const Support::TempFolder folder;
     const std::string fifo = folder / "fifo.json";

@@ -11,7 +11,7 @@ using TarnSession::Step;
 
 void PassingSink::Message(std::string json) {
     if (!json.ends_with('\n')) json += '\n';
-    m_console.out.WriteForeign(json);
+    m_console.out.Write(json);
     m_console.out.Flush();
 }
 

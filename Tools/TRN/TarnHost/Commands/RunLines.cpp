@@ -45,7 +45,7 @@ void LineRunner::Show(const Exchange& exchange, const std::string& place) {
         console.out.Write(RecordText(exchange, m_keeping) + "\n");
         m_keeping = {};
     } else if (exchange.exitCode == 0 && !exchange.output.empty()) {
-        console.out.WriteForeign(exchange.output);
+        console.out.Write(exchange.output);
         if (!exchange.output.ends_with('\n')) console.out.Write("\n");
     }
     console.out.Flush();

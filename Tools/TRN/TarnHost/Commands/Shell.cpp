@@ -42,7 +42,7 @@ private:
     void Reopen(const std::string& what);
     void ShowStatus();
     void Print(const std::string& text) {
-        m_context.console.out.WriteForeign(text);
+        m_context.console.out.Write(text);
         m_context.console.out.Flush();
     }
     void Say(const std::string& text) { m_context.console.Say(text); }

@@ -5,6 +5,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "PlainText.h"
+
 namespace TarnHost {
 namespace {
 
@@ -35,14 +37,14 @@ void StatusLine::Show(const std::string& text) {
     m_last = now;
     const std::size_t columns = m_terminal.Columns();
     // back to the line's start, the text, clear the rest of the line
-    m_terminal.Write("\r" + (columns > 0 ? text.substr(0, columns - 1) : text) + "\x1b[K");
+    m_terminal.Steer("\r" + TarnMeasure::Printable(columns > 0 ? text.substr(0, columns - 1) : text) + "\x1b[K");
     m_terminal.Flush();
     m_isShown = true;
 }
 
 void StatusLine::Clear() {
     if (!m_isShown) return;
-    m_terminal.Write("\r\x1b[K");
+    m_terminal.Steer("\r\x1b[K");
     m_terminal.Flush();
     m_isShown = false;
 }

@@ -6,7 +6,7 @@ namespace TarnHost {
 
 constexpr std::size_t bufferBytes = 1 << 16;
 
-void Output::Write(std::string_view text) {
+void Output::Steer(std::string_view text) {
     const std::lock_guard lock(m_mutex);
     if (!Ok()) return;
     m_pending += text;
@@ -23,8 +23,11 @@ void Output::FlushLocked() {
     m_pending.clear();
 }
 
-void Output::WriteForeign(std::string_view text) {
-    Write(IsTerminal() ? TarnMeasure::PrintableLines(text) : std::string(text));
+void Output::Write(std::string_view text) {
+    if (IsTerminal())
+        Steer(TarnMeasure::PrintableLines(text));
+    else
+        Steer(text);
 }
 
 void Console::Say(std::string_view text) {

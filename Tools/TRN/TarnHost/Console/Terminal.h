@@ -18,9 +18,10 @@ public:
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;
 
+    /// On a terminal without what could steer it, elsewhere byte for byte.
     void Write(std::string_view text);
-    /// A text from outside: on a terminal without what could steer it, elsewhere byte for byte.
-    void WriteForeign(std::string_view text);
+    /// Byte for byte on a terminal too; nothing from outside may stand in it.
+    void Steer(std::string_view text);
     void Flush();
     bool Ok() const { return !m_readerGone && m_error.empty(); }
     /// The other end of a pipe was closed: the reader has what it wanted.
