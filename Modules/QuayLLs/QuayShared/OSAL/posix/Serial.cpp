@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cmath>
+#include <limits>
 #include <utility>
 
 #include "OSAL/Time.h"
@@ -17,6 +19,8 @@
 namespace OSAL {
 
 namespace {
+
+constexpr std::size_t mostBytes = 1024;  // of one read
 
 constexpr std::pair<std::uint32_t, speed_t> rates[] = {
     {1200, B1200},   {2400, B2400},     {4800, B4800},     {9600, B9600},     {19200, B19200},   {38400, B38400},
@@ -42,7 +46,7 @@ int SerialPort::Open(const std::string& device, const SerialOptions& options) {
     if (cfsetspeed(&settings, rate->second) != 0 || tcsetattr(port.Get(), TCSANOW, &settings) != 0) return errno;
     m_port = port.Release();
     m_timeoutMs = options.timeoutMs;
-    m_writeConstantMs = m_writeMultiplierMs = 0;
+    SetTimeouts(0, 0, 0, 0, 0);
     return 0;
 }
 
@@ -66,14 +70,27 @@ std::int64_t SerialPort::Read(std::string& text) {
         SleepMs(count == 0 ? noneMs : growingMs);
     }
     if (last == 0) return 0;
-    std::array<char, 1024> piece;
-    ssize_t got;
+    std::array<char, mostBytes> piece;
+    std::size_t size = 0;
+    const Stopwatch watch;
     do {
-        got = read(Handle(m_port), piece.data(), piece.size());
-    } while (got < 0 && errno == EINTR);
-    if (got < 0) return errno == EAGAIN ? 0 : -1;
-    text.append(piece.data(), static_cast<std::size_t>(got));
-    return got;
+        const auto got = read(Handle(m_port), piece.data() + size, piece.size() - size);
+        if (got < 0 && (errno == EINTR || errno == EAGAIN)) continue;
+        if (got < 0 && size == 0) return -1;
+        if (got <= 0) break;
+        size += static_cast<std::size_t>(got);
+    } while (size < piece.size() && WaitForMore(watch.ElapsedMs()));
+    text.append(piece.data(), size);
+    return static_cast<std::int64_t>(size);
+}
+
+bool SerialPort::WaitForMore(double elapsedMs) const {
+    if (m_readIntervalMs == std::numeric_limits<std::uint32_t>::max()) return false;
+    double waitMs = m_readIntervalMs;
+    if (m_readTotalMs > 0) waitMs = std::min(waitMs > 0 ? waitMs : m_readTotalMs, m_readTotalMs - elapsedMs);
+    pollfd state{Handle(m_port), POLLIN, 0};
+    return waitMs > 0 && poll(&state, 1, static_cast<int>(std::min(std::ceil(waitMs), 1e9))) > 0 &&
+           (state.revents & POLLIN);
 }
 
 bool SerialPort::Write(const void* data, std::size_t size) {
@@ -96,8 +113,10 @@ bool SerialPort::Write(const void* data, std::size_t size) {
     return IsOpen();
 }
 
-bool SerialPort::SetTimeouts(std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t writeConstant,
-                             std::uint32_t writeMultiplier) {
+bool SerialPort::SetTimeouts(std::uint32_t readInterval, std::uint32_t readConstant, std::uint32_t readMultiplier,
+                             std::uint32_t writeConstant, std::uint32_t writeMultiplier) {
+    m_readIntervalMs = readInterval;
+    m_readTotalMs = readConstant + static_cast<double>(readMultiplier) * mostBytes;
     m_writeConstantMs = writeConstant;
     m_writeMultiplierMs = writeMultiplier;
     return IsOpen();
