@@ -116,6 +116,14 @@ TEST_F(Processes, CrashWithAReportAndTheirOwnSignal) {
         {SIGSEGV, [] { *reinterpret_cast<volatile int*>(0x1234) = 1; },
          "signal 11 SIGSEGV\naddress 0x0000000000001234"},
         {SIGSEGV, [] { static_cast<void>(Overflow(0)); }, "signal 11 SIGSEGV\n"},
+        {SIGSEGV,
+         [] {
+             OSAL::ThreadRecord record{nullptr, [](void*) { return static_cast<std::uint32_t>(Overflow(0)); }};
+             OSAL::Thread thread(&record);
+             thread.Resume();
+             thread.Wait(SyncObjectsOSAL::Infinite);
+         },
+         "signal 11 SIGSEGV\n"},
         {SIGABRT, [] { abort(); }, "signal 6 SIGABRT\n"},
         {SIGFPE, [] { raise(SIGFPE); }, "signal 8 SIGFPE\n"},
     };

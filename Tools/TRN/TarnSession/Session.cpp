@@ -130,6 +130,7 @@ OSAL::Outcome<> Session::Worker::Begin(const std::shared_ptr<Worker>& worker, st
     std::promise<OSAL::Outcome<>> opened;
     auto isOpen = opened.get_future();
     worker->m_thread = std::thread([worker, onStep = std::move(onStep), opened = std::move(opened)]() mutable {
+        OSAL::PrepareCrashStack();
         OSAL::Outcome<> start;
         const auto guarded = Guarded("can't start", [&] { start = worker->Start(onStep); });
         if (!guarded) start = guarded;

@@ -15,8 +15,8 @@ int WriteCrashDump(const void* exceptionPointers);
 /// it would have without. A handler that was installed before for one of these signals stays.
 void InstallCrashReports();
 
-/// Gives the calling thread a stack for its own crash, so that a stack that overflowed can be told of. The thread that
-/// installs the reports has one.
+/// Gives the calling thread a stack for its own crash, until its end, so that a stack that overflowed can be told of.
+/// The thread that installs the reports and those of `Thread` have one.
 void PrepareCrashStack();
 
 /// Folder of the reports, with its closing separator. It is there after the first report.

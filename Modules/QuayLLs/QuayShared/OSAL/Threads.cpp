@@ -7,6 +7,7 @@
 #include <system_error>
 #include <thread>
 
+#include "OSAL/Crash.h"
 #include "OSAL/Errors.h"
 #include "OSAL/Locks.h"
 
@@ -41,6 +42,7 @@ struct Thread::State {
     std::thread thread;
 
     void Run(ThreadRecord* record) {
+        PrepareCrashStack();
         std::unique_lock lock(guard);
         changed.wait(lock, [this] { return resumed || dropped; });
         const bool wanted = resumed;

@@ -218,6 +218,27 @@ void OnCrash(int signal, siginfo_t* info, void* context) {
     if (info->si_code <= 0 || signal == SIGABRT) raise(signal);
 }
 
+/// Where a thread's crash is handled.
+class CrashStack {
+public:
+    CrashStack() {
+        m_stack.ss_size = 256 * 1024;
+        m_stack.ss_sp = mmap(nullptr, m_stack.ss_size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+        if (m_stack.ss_sp != MAP_FAILED) sigaltstack(&m_stack, &m_before);
+    }
+    ~CrashStack() {
+        if (m_stack.ss_sp == MAP_FAILED || getpid() == syscall(SYS_gettid))
+            return;  // the first one's serves to the end
+        sigaltstack(&m_before, nullptr);
+        munmap(m_stack.ss_sp, m_stack.ss_size);
+    }
+    CrashStack(const CrashStack&) = delete;
+    CrashStack& operator=(const CrashStack&) = delete;
+
+private:
+    stack_t m_stack{}, m_before{};
+};
+
 }  // namespace
 
 std::string CrashFolder() {
@@ -236,13 +257,7 @@ int WriteCrashDump(const void* exceptionPointers) {
 }
 
 void PrepareCrashStack() {
-    // Never given back: it serves to the very end.
-    constexpr std::size_t stackBytes = 256 * 1024;
-    void* const memory = mmap(nullptr, stackBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    stack_t stack{};
-    stack.ss_sp = memory;
-    stack.ss_size = stackBytes;
-    if (memory != MAP_FAILED) sigaltstack(&stack, nullptr);
+    thread_local const CrashStack stack;
 }
 
 void InstallCrashReports() {
