@@ -45,7 +45,9 @@ void Outer() {
 std::string Traced(const std::string& path) {
     EXPECT_TRUE(Publisher::PublishToFile(path));
     Outer();
+    const std::string killed = Support::ReadText(path);
     EXPECT_TRUE(Publisher::PublishToFile(""));
+    EXPECT_EQ(Support::ReadText(path), killed) << "an end by force would have left the same";
     EXPECT_FALSE(Publisher::IsPublishing());
     Outer();  // not heard
     return Support::ReadText(path);

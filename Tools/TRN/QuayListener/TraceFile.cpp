@@ -73,6 +73,9 @@ double MicrosecondsOf(const PublishMessage& message) {
     return begin + (message.record->kind == Publisher::ScopeEnd ? message.record->elapsed * 1e3 : 0.0);
 }
 
+/// Of a Chrome trace, behind each event; the next one takes its place.
+constexpr const char* ListEnd = "\n]\n";
+
 }  // namespace
 
 std::string JsonLine(const Heard& heard) {
@@ -113,26 +116,27 @@ OSAL::Outcome<> TraceFile::Open(const std::string& path) {
     m_file = OSAL::OpenFile(path, OSAL::ReadWrite | OSAL::NoLink, false);
     if (!IsOpen()) return OSAL::Refusal{"it can't be opened for writing, or is a link"};
     m_isChrome = path.ends_with(".json");
-    m_isFirst = true;
+    m_end = 0;
+    if (m_isChrome) Put("[", ListEnd);
     return {};
 }
 
-void TraceFile::Put(const std::string& text) {
-    std::size_t written = 0;
-    if (OSAL::WriteFile(m_file, text.data(), text.size(), written) == OSAL::Success) return;
-    OSAL::CloseFile(std::exchange(m_file, OSAL::InvalidFile));  // a full disk ends the trace, not the program
+void TraceFile::Put(const std::string& text, const std::string& behind) {
+    const std::string all = text + behind;
+    if (OSAL::WriteFileAt(m_file, m_end, all.data(), all.size()) == OSAL::Success)
+        m_end += text.size();
+    else
+        Close();  // a full disk ends the trace, not the program
 }
 
 void TraceFile::Write(const Heard& heard) {
     if (m_isChrome)
-        Put((std::exchange(m_isFirst, false) ? "[\n" : ",\n") + ChromeEvent(heard));
+        Put((m_end == 1 ? "\n" : ",\n") + ChromeEvent(heard), ListEnd);
     else
-        Put(JsonLine(heard));
+        Put(JsonLine(heard), "");
 }
 
 void TraceFile::Close() {
-    if (!IsOpen()) return;
-    if (m_isChrome) Put(m_isFirst ? "[]\n" : "\n]\n");
     OSAL::CloseFile(std::exchange(m_file, OSAL::InvalidFile));
 }
 

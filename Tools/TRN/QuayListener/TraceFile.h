@@ -23,7 +23,8 @@ std::string JsonLine(const Heard& heard);
 /// One event of the Chrome trace format: a scope's begin or end, or an instant. Times in microseconds.
 std::string ChromeEvent(const Heard& heard);
 
-/// The open file. Each message is with the system when `Write` returns, so that a killed program loses none.
+/// The open file. Each message is with the system when `Write` returns, so that a killed program loses none, and a
+/// Chrome trace has its closing bracket behind each.
 /// Thread: one at a time.
 class TraceFile {
 public:
@@ -36,15 +37,15 @@ public:
 
     bool IsOpen() const { return m_file != OSAL::InvalidFile; }
     void Write(const Heard& heard);
-    /// Ends the list of a Chrome trace; a viewer takes one without an end too.
     void Close();
 
 private:
-    void Put(const std::string& text);
+    /// `behind` is written too, and the next text over it.
+    void Put(const std::string& text, const std::string& behind);
 
     OSAL::FileHandle m_file = OSAL::InvalidFile;
     bool m_isChrome = false;
-    bool m_isFirst = true;
+    std::uint64_t m_end = 0;  ///< where the next message goes
 };
 
 }  // namespace QuayListener

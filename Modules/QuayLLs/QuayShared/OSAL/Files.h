@@ -45,6 +45,8 @@ int ReadFile(FileHandle file, std::uint64_t position, void* data, std::size_t si
 int FileSize(FileHandle file, std::uint64_t& size);
 /// All bytes or `Failure`.
 int WriteFile(FileHandle file, const void* data, std::size_t size, std::size_t& written);
+/// The same from `position` on, over what stands there; where the next `WriteFile` goes stays as it was.
+int WriteFileAt(FileHandle file, std::uint64_t position, const void* data, std::size_t size);
 void CloseFile(FileHandle file);
 
 }  // namespace OSAL

@@ -219,6 +219,18 @@ int WriteFile(FileHandle file, const void* data, std::size_t size, std::size_t& 
     return Success;
 }
 
+int WriteFileAt(FileHandle file, std::uint64_t position, const void* data, std::size_t size) {
+    if (file < 0 || (!data && size > 0)) return Failure;
+    for (std::size_t written = 0; written < size;) {
+        const auto count = pwrite(static_cast<int>(file), static_cast<const char*>(data) + written, size - written,
+                                  static_cast<off_t>(position + written));
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return Failure;
+        written += static_cast<std::size_t>(count);
+    }
+    return Success;
+}
+
 void CloseFile(FileHandle file) {
     if (file >= 0) close(static_cast<int>(file));
 }
