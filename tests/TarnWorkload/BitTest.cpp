@@ -7,6 +7,7 @@
 #include "OSAL/Process.h"
 #include "OSAL/Time.h"
 #include "Support/TempFolder.h"
+#include "Support/WorkloadLock.h"
 
 namespace {
 
@@ -47,24 +48,30 @@ TEST(Bit, WithoutASwitchOrAFileItSaysWhatIsWrong) {
 }
 
 /// Starts the built program under its name with a light load of its own making.
-OSAL::ProcessInformation Start(const Support::TempFolder& folder, const std::string& program) {
+OSAL::ProcessInformation Start(const Support::TempFolder& folder, std::vector<std::string> environment = {}) {
     folder.Write("light.bitcfg", "cpu 1\nload_percent 5\nmemtest_mib 1\nengine built-in\nlimit_s 20\n");
     OSAL::ProcessInformation process;
-    EXPECT_TRUE(
-        OSAL::StartProcess(TARN_WORKLOAD_FOLDER, program, "-T -R -C \"" + (folder / "light.bitcfg") + "\"", process));
+    EXPECT_TRUE(OSAL::StartProcess(TARN_WORKLOAD_FOLDER, "bit", "-T -R -C \"" + (folder / "light.bitcfg") + "\"",
+                                   process, {.environment = std::move(environment)}));
     return process;
 }
 
 TEST(Bit, ASignalEndsTheLoadAndItsCompanion) {
+    const Support::WorkloadLock lock;
     const Support::TempFolder folder;
-    const OSAL::ProcessInformation process = Start(folder, "bit");
-    OSAL::SleepMs(300);
+    const OSAL::ProcessInformation process = Start(folder);
+    // A host that was gone before the load could look for it; its number is beyond all there can be.
+    const OSAL::ProcessInformation orphan = Start(folder, {"TARN_HOST_PROCESS=999999999"});
+    for (int k = 0; k < 500 && OSAL::IsRunning(orphan); ++k)
+        OSAL::SleepMs(10);
+    EXPECT_FALSE(OSAL::IsRunning(orphan));
     EXPECT_TRUE(OSAL::IsRunning(process));
     EXPECT_TRUE(OSAL::TerminateHandle(process));
     EXPECT_FALSE(OSAL::IsRunning(process));
 }
 
 TEST(Bit, TheLoadEndsWithAHostThatIsKilled) {
+    const Support::WorkloadLock lock;
     const Support::TempFolder folder;
     folder.Write("light.bitcfg", "cpu 1\nload_percent 5\nengine built-in\nlimit_s 20\n");
     // The host is a shell that starts the program, tells its number and is killed.

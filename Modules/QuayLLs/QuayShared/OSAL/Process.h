@@ -23,6 +23,8 @@ struct ProcessOptions {
     FileHandle output = InvalidFile;
     /// Is asked to end when the thread that starts it is gone, whatever ended that. Only in the caller's console.
     bool endsWithCaller = false;
+    /// Texts "NAME=VALUE" that it gets beside the caller's environment.
+    std::vector<std::string> environment{};
 };
 
 /// Whether a program of that name runs, given with or without ".exe"; names match as a whole, case included.
@@ -43,6 +45,8 @@ bool TerminateHandle(const ProcessInformation& information);
 bool IsRunning(const ProcessInformation& information);
 /// The process that started this one, or the one that took its place when that was gone.
 std::uint32_t GetParentProcessId();
+/// Whether a process of that number hasn't ended.
+bool IsProcessThere(std::uint32_t processId);
 /// Ends every program of that name but the caller. False when one of them is still there.
 bool TerminateByName(const std::string& name);
 std::uint32_t GetCurrentProcessId();

@@ -72,6 +72,7 @@ void Workload::Start(const std::string& bitcfgFile, const Messages& message) {
     const OutputLog log;
     OSAL::ProcessOptions options;
     options.output = log.Handle();
+    options.environment = {"TARN_HOST_PROCESS=" + std::to_string(OSAL::GetCurrentProcessId())};
     if (!OSAL::StartProcess(m_burnInDirectory, m_burnInName, m_burnInArguments, m_burnInProcess, options)) {
         const std::string text =
             Common::Format("Failed to start BurnInTest process. Error code: ${1}") % OSAL::GetLastError();

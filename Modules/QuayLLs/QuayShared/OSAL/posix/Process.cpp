@@ -128,16 +128,23 @@ public:
     void To(FileHandle file, int stream) {
         posix_spawn_file_actions_adddup2(&m_actions, static_cast<int>(file), stream);
     }
+    void With(const std::vector<std::string>& environment) { m_environment = environment; }
     /// 0 or the error.
     int Start(std::vector<std::string> commandLine, bool ownSession, pid_t& process) {
         const int session = ownSession ? POSIX_SPAWN_SETSID : 0;
         posix_spawnattr_setflags(&m_attributes,
                                  static_cast<short>(POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF | session));
         const auto arguments = PointersTo(commandLine);
-        return posix_spawn(&process, arguments[0], &m_actions, &m_attributes, arguments.data(), environ);
+        auto variables = PointersTo(m_environment);
+        variables.pop_back();
+        for (char** variable = environ; *variable; ++variable)
+            variables.push_back(*variable);
+        variables.push_back(nullptr);
+        return posix_spawn(&process, arguments[0], &m_actions, &m_attributes, arguments.data(), variables.data());
     }
 
 private:
+    std::vector<std::string> m_environment;
     posix_spawn_file_actions_t m_actions;
     posix_spawnattr_t m_attributes;
 };
@@ -254,6 +261,7 @@ bool StartProcess(const std::string& directory, const std::string& name, const s
     const std::string folder = NativePath(directory);
     Spawning spawning;
     spawning.In(folder);
+    spawning.With(options.environment);
     if (!options.callersConsole)
         for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
             spawning.Nowhere(stream);
@@ -293,6 +301,11 @@ bool IsRunning(const ProcessInformation& information) {
 
 std::uint32_t GetParentProcessId() {
     return static_cast<std::uint32_t>(getppid());
+}
+
+bool IsProcessThere(std::uint32_t processId) {
+    const Status now = StatusOf(processId);
+    return now.state != 0 && now.state != 'Z';
 }
 
 std::uint32_t GetCurrentThreadId() {
