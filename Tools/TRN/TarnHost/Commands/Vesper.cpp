@@ -89,6 +89,8 @@ DesenseAnswer RunKeys(TarnSession::Session& session, SayingSink& sink, const std
     DesenseAnswer answer;
     answer.wereShown = true;
     const bool waits = line.find("-start_vesper_test") != std::string::npos;
+    std::optional<InterruptWatch::Finishing> finishing;  // an end by force comes before a line of 2 s would have ended
+    if (!waits) finishing.emplace(context.watch);
     const auto exchange = PendingLine(session, line).Wait(context.watch, waits ? waitGrace : lineGrace);
     keeping.HasBegun();
     if (!exchange) {
