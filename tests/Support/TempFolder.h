@@ -9,6 +9,7 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace Support {
 
@@ -17,6 +18,19 @@ inline std::string ReadText(const std::filesystem::path& path) {
     std::ostringstream text;
     text << std::ifstream(path, std::ios::binary).rdbuf();
     return text.str();
+}
+
+/// The lines of all code blocks of a document.
+inline std::vector<std::string> CodeLines(const std::filesystem::path& document) {
+    std::ifstream text(document);
+    std::vector<std::string> lines;
+    bool isCode = false;
+    for (std::string line; std::getline(text, line);)
+        if (line.starts_with("```"))
+            isCode = !isCode;
+        else if (isCode)
+            lines.push_back(line);
+    return lines;
 }
 
 /// Goes away with all its content.
