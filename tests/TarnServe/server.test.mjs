@@ -184,6 +184,16 @@ test('a capture is analysed as its name says and shown to everybody, or told wha
   assert.deepEqual([band, channel, chain, centre_mhz], ['5.2', 100, 'B', 5500]);
   const levels = stream.messages.filter((message) => message.type === 'Spectrum Data').at(-1).data[0].data;
   assert.equal(levels.indexOf(Math.max(...levels)), Math.round(64 + 4 / 0.3125));
+  // a code at the converter's end, told by the histogram or else by the samples
+  const loud = name.replace('_1.', '_4.');
+  await put(loud, samples.with(7, '32767 ,0\n').join(''));
+  for (const histogram of ['true', 'false']) {
+    await server.line(`-histogram ${histogram}`);
+    await server.json('POST', '/api/captures', { name: loud });
+    do frame = await stream.next('Host Frame');
+    while (frame.data.source !== loud);
+    assert.deepEqual(frame.data.overloaded, ['B'], `histogram ${histogram}`);
+  }
   for (const [wrong, why] of [
     ['BAND_5.2_CHANNEL_100_BW_20_CHAIN_B_2.txt', /line 2: I isn't a number/],
     ['BAND_5.2_CHANNEL_100_BW_20_CHAIN_B_3.txt', /there is no file/],

@@ -228,7 +228,8 @@ void Station::Finish(const TarnSession::Exchange& exchange) {
         if (m_mode == Mode::Single) m_mode = Mode::Hold;
     }
     Received received = std::exchange(m_received, {});
-    Publish(received, exchange);
+    const std::string record = job.done ? RecordOf(exchange, received) : "";
+    Publish(std::move(received), exchange);
     // a key may answer that all is well though its file isn't written; a failed line's error tells it by itself
     if (isFine && !job.isSweep)
         for (const std::string& warning : exchange.warnings)
@@ -242,7 +243,7 @@ void Station::Finish(const TarnSession::Exchange& exchange) {
     }
     OSAL::Outcome<> taken;
     if (!job.capture.empty()) taken = TakeCapture(job, exchange);
-    if (job.done) job.done(taken ? OSAL::Outcome<std::string>(RecordOf(exchange, received)) : taken.Why());
+    if (job.done) job.done(taken ? OSAL::Outcome<std::string>(record) : taken.Why());
     if (m_scan) NextScanStep(job, isFine, m_lastVerdicts);
     if (isFine && !job.isSweep && !job.isTuning) CompleteTuning();
     if (State().dump() != before) TellState();
@@ -327,11 +328,11 @@ void Station::End(std::function<void()> done) {
     Pump();
 }
 
-std::string Station::RecordOf(const TarnSession::Exchange& exchange, Received& received) const {
+std::string Station::RecordOf(const TarnSession::Exchange& exchange, const Received& received) const {
     TarnSession::KeepingSink sink;
-    sink.messages = std::move(received.messages);
-    sink.printed = std::move(received.texts);
-    sink.printedErrors = std::move(received.errors);
+    sink.messages = received.messages;
+    sink.printed = received.texts;
+    sink.printedErrors = received.errors;
     return m_folder.Hide(TarnSession::RecordText(exchange, sink));
 }
 

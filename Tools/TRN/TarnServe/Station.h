@@ -102,7 +102,7 @@ private:
     };
     struct Received {
         std::vector<std::string> messages, texts, errors;
-        std::vector<bool> overloaded;  ///< a chain each, once samples came
+        std::vector<bool> overloaded{};  ///< a chain each, of a sweep
     };
 
     Station(DataFolder folder, ILoop& loop, IAudience& audience);
@@ -120,8 +120,8 @@ private:
     OSAL::Outcome<> TakeCapture(const Job& job, const TarnSession::Exchange& exchange);
     void RestoreTuning();
     void CompleteTuning();
-    void Publish(const Received& received, const TarnSession::Exchange& exchange);
-    void PublishSweep(const Received& received, const TarnSession::Exchange& exchange);
+    void Publish(Received received, const TarnSession::Exchange& exchange);
+    void PublishSweep(Received received, const TarnSession::Exchange& exchange);
     void Remember(const std::string& envelope);
     void TakeLoadedSettings(const nlohmann::json& parameters);
     std::vector<ChainVerdict> Verdicts(const Received& received, const std::string& doubt) const;
@@ -131,14 +131,14 @@ private:
     void EndScan();
     bool MaySweep() const;
     MessagePtr Number(std::string type, std::string envelope);
-    MessagePtr FromPlugin(const std::string& envelope);
+    MessagePtr FromPlugin(std::string envelope);
     void Tell(std::string_view type, const nlohmann::json& data);
     void TellState();
     void TellChannels(bool atOnce);
     void LoadState();
     void SaveState();
     void SaveStateNow();
-    std::string RecordOf(const TarnSession::Exchange& exchange, Received& received) const;
+    std::string RecordOf(const TarnSession::Exchange& exchange, const Received& received) const;
 
     DataFolder m_folder;
     ILoop& m_loop;

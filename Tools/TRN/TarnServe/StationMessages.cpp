@@ -3,7 +3,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <functional>
 #include <nlohmann/json.hpp>
 
 #include "OSAL/WholeFile.h"
@@ -24,20 +23,43 @@ Json NumberOrNull(const std::optional<double>& value) {
     return value ? Json(*value) : Json(nullptr);
 }
 
-/// Looks at every seventh character or so of the megabytes that samples are.
-bool Holds(std::string_view text, std::string_view wanted) {
-    return std::search(text.begin(), text.end(), std::boyer_moore_horspool_searcher(wanted.begin(), wanted.end())) !=
-           text.end();
+/// Whether a code is within 0.2 dB of the converter's end: samples come without their mean, so that the end itself is
+/// seldom met.
+bool IsAtEnd(double code) {
+    return std::abs(code) >= 32000;
 }
 
-/// Which chains of an "IQ Amplitude Data" message hold a code at the converter's end.
-std::vector<bool> OverloadedChains(std::string_view envelope) {
+/// The same of samples as text.
+bool HoldsEnd(std::string_view text) {
+    const auto isDigit = [&](std::size_t at) { return at < text.size() && text[at] >= '0' && text[at] <= '9'; };
+    for (std::size_t at = text.find("32"); at != std::string_view::npos; at = text.find("32", at + 1))
+        if (!isDigit(at - 1) && isDigit(at + 2) && isDigit(at + 3) && isDigit(at + 4) && !isDigit(at + 5)) return true;
+    return false;
+}
+
+/// The message of this type among those of a sweep; empty when it isn't there.
+std::string_view Find(const std::vector<std::string>& messages, std::string_view type) {
+    const auto found = std::ranges::find(messages, type, [](const auto& text) { return TypeOf(text); });
+    return found == messages.end() ? std::string_view() : *found;
+}
+
+/// Which chains hold a code at the converter's end. The histogram tells it at once; the samples must be searched.
+std::vector<bool> OverloadedChains(const std::vector<std::string>& messages) {
     std::vector<bool> chains;
+    if (const std::string_view histogram = Find(messages, "Histogram Data"); !histogram.empty()) {
+        const Json data = Json::parse(DataOf(histogram), nullptr, false);
+        for (const Json& chain : data.is_array() ? data : Json::array()) {
+            const auto ends = chain.value("IQMinMax", std::vector<double>());
+            chains.push_back(std::ranges::any_of(ends, IsAtEnd));
+        }
+        return chains;
+    }
+    const std::string_view samples = Find(messages, "IQ Amplitude Data");
     constexpr std::string_view chainMark = R"({"chain": )";
-    for (std::size_t at = envelope.find(chainMark); at != std::string_view::npos;) {
-        const std::size_t next = envelope.find(chainMark, at + 1);
-        const std::string_view part = envelope.substr(at, next == std::string_view::npos ? next : next - at);
-        chains.push_back(Holds(part, "32767.0") || Holds(part, "-32768.0"));
+    for (std::size_t at = samples.find(chainMark); at != std::string_view::npos;) {
+        const std::size_t next = samples.find(chainMark, at + 1);
+        const std::string_view part = samples.substr(at, next == std::string_view::npos ? next : next - at);
+        chains.push_back(HoldsEnd(part));
         at = next;
     }
     return chains;
@@ -46,9 +68,9 @@ std::vector<bool> OverloadedChains(std::string_view envelope) {
 /// The graph of each chain that a limit line is held against: what was highest, else the average, else the sweep.
 std::vector<std::vector<double>> HighestGraphs(const std::vector<std::string>& messages) {
     std::vector<std::vector<double>> graphs;
-    const auto spectrum = std::ranges::find(messages, "Spectrum Data", [](const auto& text) { return TypeOf(text); });
-    if (spectrum == messages.end()) return graphs;
-    const Json chains = Json::parse(DataOf(*spectrum), nullptr, false);
+    const std::string_view spectrum = Find(messages, "Spectrum Data");
+    if (spectrum.empty()) return graphs;
+    const Json chains = Json::parse(DataOf(spectrum), nullptr, false);
     if (!chains.is_array()) return graphs;
     for (const Json& chain : chains) {
         const char* name = chain.contains("maxData")       ? "maxData"
@@ -76,13 +98,7 @@ std::optional<double> FiniteNumber(const std::string& text) {
 }  // namespace
 
 void Station::Message(std::string json) {
-    // on the plug-in's thread: searching the samples costs the loop nothing
-    std::vector<bool> overloaded;
-    if (TypeOf(json) == "IQ Amplitude Data") overloaded = OverloadedChains(json);
-    m_loop.Post([this, json = std::move(json), overloaded = std::move(overloaded)]() mutable {
-        m_received.messages.push_back(std::move(json));
-        if (!overloaded.empty()) m_received.overloaded = std::move(overloaded);
-    });
+    m_loop.Post([this, json = std::move(json)]() mutable { m_received.messages.push_back(std::move(json)); });
 }
 
 void Station::Text(std::string text) {
@@ -103,8 +119,9 @@ MessagePtr Station::Number(std::string type, std::string envelope) {
 }
 
 /// A message of the plug-in as clients get it: always JSON, and without the folder's path.
-MessagePtr Station::FromPlugin(const std::string& envelope) {
-    return Number(std::string(TypeOf(envelope)), AsJson(m_folder.Hide(envelope)));
+MessagePtr Station::FromPlugin(std::string envelope) {
+    std::string type(TypeOf(envelope));
+    return Number(std::move(type), AsJson(m_folder.Hide(std::move(envelope))));
 }
 
 void Station::Tell(std::string_view type, const Json& data) {
@@ -123,9 +140,8 @@ void Station::TellChannels(bool atOnce) {
     Tell(HostType::Channels, m_channels.ToJson());
 }
 
-void Station::Publish(const Received& received, const TarnSession::Exchange& exchange) {
-    const auto isSpectrum = [](const std::string& envelope) { return TypeOf(envelope) == "Spectrum Data"; };
-    const bool isSweep = std::ranges::any_of(received.messages, isSpectrum);
+void Station::Publish(Received received, const TarnSession::Exchange& exchange) {
+    const bool isSweep = !Find(received.messages, "Spectrum Data").empty();
     for (const std::string& envelope : received.messages) {
         if (isSweep && IsOfSweep(TypeOf(envelope))) continue;
         Remember(envelope);
@@ -133,16 +149,17 @@ void Station::Publish(const Received& received, const TarnSession::Exchange& exc
     }
     for (const std::string& text : received.errors)
         Tell(HostType::Refusal, {{"text", text}});
-    if (isSweep) PublishSweep(received, exchange);
+    if (isSweep) PublishSweep(std::move(received), exchange);
 }
 
-void Station::PublishSweep(const Received& received, const TarnSession::Exchange& exchange) {
+void Station::PublishSweep(Received received, const TarnSession::Exchange& exchange) {
+    received.overloaded = OverloadedChains(received.messages);
     const std::string trouble = exchange.warnings.empty() ? "" : exchange.warnings.front();
     m_lastVerdicts = Verdicts(received, trouble);
     const Tuning& tuning = m_book.Now();
     auto frame = std::make_shared<Frame>();
-    for (const std::string& envelope : received.messages)
-        if (IsOfSweep(TypeOf(envelope))) frame->push_back(FromPlugin(envelope));
+    for (std::string& envelope : received.messages)  // megabytes: they aren't copied
+        if (IsOfSweep(TypeOf(envelope))) frame->push_back(FromPlugin(std::move(envelope)));
     Json verdicts = Json::array();
     for (const ChainVerdict& verdict : m_lastVerdicts)
         verdicts.push_back({{"chain", verdict.chain},
