@@ -128,6 +128,11 @@ TEST(Vesper, RefusesWhatItCannotRun) {
     const auto run = Tarn({"vesper", "--config", config, "--out", folder / "out"});
     EXPECT_EQ(run.status, 1);
     EXPECT_NE(run.err.find("Failed to parse file"), std::string::npos) << run.err;
+    std::string bare = Config;
+    bare.replace(bare.find("[36]"), 4, "136");
+    const auto refused = Tarn({"vesper", "--config", folder.Write("bare.cfg", bare), "--out", folder / "out"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_NE(refused.err.find("HBChannels: the channels must stand in brackets"), std::string::npos) << refused.err;
     EXPECT_FALSE(std::filesystem::exists(folder / "out/junit.xml"));  // nothing was tested
     EXPECT_EQ(Tarn({"vesper", "--config", config}).status, 2);
     for (const auto& [option, value] : {std::pair{"--limit", "x"}, {"--limit", ""}, {"--margin", "nan"}})

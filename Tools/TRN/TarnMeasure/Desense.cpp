@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -174,11 +175,11 @@ private:
                     }
             }
         }
+        FindLeftOut();
         if (m_result.channels.empty())
             Fail("the configuration names no channel that the adapter has at " + m_result.bandwidth + " MHz");
-        else
-            FindLeftOut();
-        return !m_result.channels.empty();
+        if (!m_result.trouble.empty()) m_result.channels.clear();
+        return m_result.trouble.empty();
     }
 
     /// So that the folder never holds files of two tests.
@@ -201,7 +202,12 @@ private:
             const auto row = std::ranges::find_if(
                 Bands, [&](const BandRow& band) { return line.compare(0, comma, band.list) == 0; });
             if (row == Bands.end() || comma == std::string::npos) continue;
-            std::istringstream list(line.substr(comma + 1));
+            std::istringstream list(line.substr(comma + 1, line.find_first_of(",\r", comma + 1) - comma - 1));
+            // The plug-in drops the first and the last character unseen, so that digits there would change a channel.
+            const std::string text = list.str();
+            if (!text.empty() && (std::isdigit(static_cast<unsigned char>(text.front())) ||
+                                  std::isdigit(static_cast<unsigned char>(text.back()))))
+                Fail(std::string(row->list) + ": the channels must stand in brackets, such as [1;6]");
             list.ignore();  // the bracket
             for (int number = 0; list >> number; list.ignore()) {
                 const auto isIt = [&](const auto& one) { return one.channel == number && one.band == row->name; };
