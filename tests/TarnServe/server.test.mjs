@@ -233,6 +233,12 @@ test('ten clients with lines of a megabyte, binary and broken bodies get answers
     .request('POST', '/api/lines', { headers: { ...json, 'Content-Length': 1 << 30 }, body: '{' })
     .catch(() => ({ status: 413 }));
   assert.equal(huge.status, 413);
+  // long files lie in memory until they are whole: the fifth one is refused
+  const head = `PUT /api/files/big HTTP/1.1\r\nHost: 127.0.0.1:${server.port}\r\nContent-Length: ${100 << 20}\r\n\r\n`;
+  const uploads = Array.from({ length: 5 }, () => server.raw(head));
+  const refused = await Promise.any(uploads.map((one) => new Promise((done) => one.once('data', done))));
+  assert.match(String(refused), /^HTTP\/1.1 503/);
+  uploads.forEach((one) => one.destroy());
   assert.equal((await server.line('-nonsense')).json.exitCode !== 0, true);
   for (const [method, path, value] of [
     ['POST', '/api/run', { mode: 'fly' }],

@@ -86,6 +86,14 @@ export class Server {
     return this.json('POST', '/api/lines', { line, plain });
   }
 
+  /** A connection that says this and no more. */
+  raw(text) {
+    const socket = connect(this.port, '127.0.0.1');
+    socket.on('error', () => {});
+    socket.write(text);
+    return socket;
+  }
+
   /** A WebSocket client; resolves to { status, send, next, close, socket }. */
   stream({ headers = {}, path = '/api/stream', reads = true } = {}) {
     const fields = { Host: `127.0.0.1:${this.port}`, Upgrade: 'websocket', Connection: 'Upgrade', ...headers };

@@ -33,6 +33,7 @@ struct Desk final : IAudience {
     FramePtr lastFrame;  ///< for those who come while nothing is swept
     std::size_t connections = 0;
     std::size_t answers = 0;  ///< that are being written
+    std::size_t uploads = 0;  ///< long files that are being read, each whole in memory
     bool isEnding = false;
 
     void Tell(const MessagePtr& message) override;
@@ -44,6 +45,7 @@ struct Desk final : IAudience {
 
     static constexpr std::size_t mostConnections = 128;
     static constexpr std::size_t mostStreams = 32;
+    static constexpr std::size_t mostUploads = 4;
 };
 
 /// Answers requests until the client goes, asks for the stream, or the server ends.
@@ -62,12 +64,14 @@ private:
     void TakeRequest();
     void Send(ApiResponse response, bool keepAlive);
     void Refuse(unsigned status, const std::string& reason);
+    void EndUpload();
 
     beast::tcp_stream m_stream;
     Desk& m_desk;
     beast::flat_buffer m_buffer;
     std::optional<http::request_parser<http::string_body>> m_parser;
     std::optional<http::response<http::string_body>> m_response;
+    bool m_isUploading = false;
     bool m_isHead = false;  ///< the request wants what GET would tell, without the body
 };
 

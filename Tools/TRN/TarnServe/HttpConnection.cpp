@@ -45,7 +45,12 @@ HttpConnection::HttpConnection(asio::ip::tcp::socket socket, Desk& desk) : m_str
 }
 
 HttpConnection::~HttpConnection() {
+    EndUpload();
     --m_desk.connections;
+}
+
+void HttpConnection::EndUpload() {
+    if (std::exchange(m_isUploading, false)) --m_desk.uploads;
 }
 
 void HttpConnection::Start() {
@@ -87,6 +92,11 @@ void HttpConnection::TakeHeader() {
     const std::uint64_t limit = Api::TakesFile(path) ? longestFile : longestBody;
     if (m_parser->content_length() && *m_parser->content_length() > limit) return Refuse(413, "the body is too long");
     m_parser->body_limit(limit);
+    if (limit == longestFile && m_parser->content_length().value_or(limit) > longestBody) {
+        if (m_desk.uploads >= Desk::mostUploads) return Refuse(503, "too many files are on their way already");
+        m_isUploading = true;
+        ++m_desk.uploads;
+    }
     ReadBody();
 }
 
@@ -128,6 +138,7 @@ void HttpConnection::Refuse(unsigned status, const std::string& reason) {
 }
 
 void HttpConnection::Send(ApiResponse response, bool keepAlive) {
+    EndUpload();
     m_response.emplace();
     m_response->result(response.status);
     m_response->set(http::field::content_type, response.type);
