@@ -17,25 +17,36 @@ struct PlannedFile {
     fs::path path;
 };
 
-std::vector<PlannedFile> PlanFiles(const std::vector<PlanEntry>& plan, const SimulateOptions& options) {
-    std::vector<PlannedFile> files;
-    for (unsigned run = 1; run <= options.count; ++run) {
-        for (const PlanEntry& entry : plan)
-            files.push_back({entry, fs::path(options.folder) / CaptureFileName(entry, run)});
-    }
-    return files;
-}
+/// Every capture of the plan, run after run; made as they are asked for, as they can be millions.
+class PlannedFiles {
+public:
+    PlannedFiles(const std::vector<PlanEntry>& plan, const SimulateOptions& options)
+        : m_plan(plan), m_folder(options.folder), m_count(plan.size() * options.count) {}
 
-OSAL::Outcome<> PrepareFolder(const SimulateOptions& options, const std::vector<PlannedFile>& files) {
+    std::size_t Count() const { return m_count; }
+    PlannedFile operator[](std::size_t index) const {
+        const PlanEntry& entry = m_plan[index % m_plan.size()];
+        const auto run = static_cast<unsigned>(index / m_plan.size() + 1);
+        return {entry, m_folder / CaptureFileName(entry, run)};
+    }
+
+private:
+    const std::vector<PlanEntry>& m_plan;
+    fs::path m_folder;
+    std::size_t m_count;
+};
+
+OSAL::Outcome<> PrepareFolder(const SimulateOptions& options, const PlannedFiles& files, const Context& context) {
     std::error_code error;
     fs::create_directories(options.folder, error);
     if (error) return OSAL::Refusal{"can't make the folder '" + options.folder + "': " + error.message()};
-    if (options.overwrite) return {};
-    // a link that leads nowhere stands there too
-    const auto existing = std::ranges::find_if(
-        files, [&](const PlannedFile& file) { return fs::exists(fs::symlink_status(file.path, error)); });
-    if (existing == files.end()) return {};
-    return OSAL::Refusal{"'" + existing->path.string() + "' exists already; --force overwrites"};
+    if (options.overwrite || fs::is_empty(options.folder, error)) return {};
+    for (std::size_t k = 0; k < files.Count() && !context.watch.IsRequested(); ++k) {
+        const fs::path path = files[k].path;
+        if (fs::exists(fs::symlink_status(path, error)))  // a link that leads nowhere stands there too
+            return OSAL::Refusal{"'" + path.string() + "' exists already; --force overwrites"};
+    }
+    return {};
 }
 
 /// One capture with the highest gain, which an analysis of files assumes.
@@ -47,16 +58,16 @@ OSAL::Outcome<> WriteCapture(const PlannedFile& file) {
     return SampleFiles::WriteSampleFile(file.path.string(), samples.i, samples.q);
 }
 
-ExitStatus WriteAll(const std::vector<PlannedFile>& files, Context& context) {
+ExitStatus WriteAll(const PlannedFiles& files, Context& context) {
     StatusLine status(context.console.err);
     const auto start = std::chrono::steady_clock::now();
     std::size_t done = 0;
-    for (const PlannedFile& file : files) {
-        if (context.watch.IsRequested()) break;
-        status.Show(ProgressText(done, files.size(), std::chrono::steady_clock::now() - start));
-        if (const auto written = WriteCapture(file); !written) {
+    while (done < files.Count() && !context.watch.IsRequested()) {
+        status.Show(ProgressText(done, files.Count(), std::chrono::steady_clock::now() - start));
+        if (const auto written = WriteCapture(files[done]); !written) {
             status.Clear();
-            context.console.Say(std::to_string(done) + " of " + std::to_string(files.size()) + " captures are written");
+            context.console.Say(std::to_string(done) + " of " + std::to_string(files.Count()) +
+                                " captures are written");
             return Refuse(written.Reason(), context);
         }
         ++done;
@@ -64,7 +75,7 @@ ExitStatus WriteAll(const std::vector<PlannedFile>& files, Context& context) {
     status.Clear();
     const bool isInterrupted = context.watch.IsRequested();
     context.console.Say((isInterrupted ? "interrupted: " : "") + std::to_string(done) + " of " +
-                        std::to_string(files.size()) + " captures are written");
+                        std::to_string(files.Count()) + " captures are written");
     return isInterrupted ? context.watch.Status() : Success;
 }
 
@@ -78,8 +89,8 @@ ExitStatus Execute(const SimulateOptions& options, Context& context) {
     const auto plan = MakeCapturePlan(quayCommand::AdapterInUse(), quayCommand::ReceivesChannel);
     if (!plan) return Refuse("can't ask the adapter for its channels: " + plan.Reason(), context);
     if (plan->empty()) return Refuse("the adapter supports no channel", context);
-    const auto files = PlanFiles(*plan, options);
-    if (const auto folder = PrepareFolder(options, files); !folder) return Refuse(folder.Reason(), context);
+    const PlannedFiles files(*plan, options);
+    if (const auto folder = PrepareFolder(options, files, context); !folder) return Refuse(folder.Reason(), context);
     return CheckRadio(WriteAll(files, context), context);
 }
 
