@@ -6,10 +6,12 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <future>
 #include <nlohmann/json.hpp>
 #include <sstream>
 
 #include "Console/ResultTable.h"
+#include "Console/Supervisor.h"
 
 namespace fs = std::filesystem;
 
@@ -335,22 +337,30 @@ TEST(Run, AnyWaitEndsWithinASecondOfASignal) {
     const Support::TempFolder folder;
     const std::string fifo = folder / "fifo.json";
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-    const std::vector<std::string> commands[] = {
-        {"run", "--script", fifo}, {"run", "--air", "sim:" + fifo, "--", ""}, {"shell"}};
-    for (const auto& command : commands) {
+    struct Case {
+        std::vector<std::string> command;
+        int signal = SIGHUP;
+        std::string typed = {};
+    };
+    const Case cases[] = {{{"run", "--script", fifo}},
+                          {{"run", "--air", "sim:" + fifo, "--", ""}},
+                          {{"shell"}},
+                          {{"shell"}, SIGINT, "!repeat 4000000000 -band 2.4\n"}};
+    for (const auto& [command, signal, typed] : cases) {
         int silent[2];
         ASSERT_EQ(::pipe2(silent, O_CLOEXEC), 0);
+        ASSERT_EQ(::write(silent[1], typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
         std::chrono::steady_clock::time_point sent;
         int looks = 0;
         const auto run = Program(command)
                              .InputFrom(silent[0])
-                             .Signal(SIGHUP,
+                             .Signal(signal,
                                      [&] {
                                          sent = std::chrono::steady_clock::now();
                                          return ++looks > 200;  // it waits by then; where it doesn't it ends anyway
                                      })
                              .Run();
-        EXPECT_TRUE(run.status == 129 || run.status == 3) << command[0] << run.status << run.err;
+        EXPECT_TRUE(run.status == 128 + signal || run.status == 3) << command[0] << run.status << run.err;
         EXPECT_LT(std::chrono::steady_clock::now() - sent, std::chrono::seconds(20)) << command[0];
         ::close(silent[0]);
         ::close(silent[1]);
@@ -395,6 +405,25 @@ ProgramRun WaitingAndGetting(int signal, std::vector<std::string> options, const
     ::close(silent[0]);
     ::close(silent[1]);
     return run;
+}
+
+TEST(Run, ASecondSignalEndsWhatTheFirstWaitsFor) {
+    TarnHost::InterruptWatch watch;
+    std::promise<void> release, isOver;
+    const auto status = TarnHost::RunWatched(watch, [&] {
+        {
+            const TarnHost::InterruptWatch::Finishing finishing(watch);
+            ::raise(SIGINT);
+            ::raise(SIGINT);
+            release.get_future().wait();
+        }
+        isOver.set_value();
+        return TarnHost::Success;
+    });
+    EXPECT_FALSE(status);
+    EXPECT_EQ(watch.Status(), TarnHost::Interrupted);
+    release.set_value();
+    isOver.get_future().wait();
 }
 
 TEST(Run, CtrlCEndsTheWaitForTheNextLine) {

@@ -50,7 +50,7 @@ private:
         if (TarnSession::ReadsBeforeItsTrigger(line))
             Say("the reading keys of a line run before its trigger: send them on a line of their own");
     }
-    /// True once after Ctrl-C.
+    /// True once after Ctrl-C of a person, for whom the shell goes on.
     bool TakeInterrupt();
 
     Context& m_context;
@@ -80,7 +80,7 @@ OSAL::Outcome<> Shell::Open(const HostOptions& options) {
 }
 
 bool Shell::TakeInterrupt() {
-    if (!m_context.watch.IsRequested() || m_context.watch.Status() != Interrupted) return false;
+    if (!m_isEditing || !m_context.watch.IsRequested() || m_context.watch.Status() != Interrupted) return false;
     m_context.watch.Forget();
     return true;
 }
