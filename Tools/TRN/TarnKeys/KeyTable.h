@@ -1,6 +1,6 @@
 // The command language as data: every key that a command line may hold, in the order in which keys take effect, with
-// all that a host must know of it. The plug-in binds each row to the operation of its name at start and refuses to
-// start with a row that has none. Headings order the help text; nothing is decided by them.
+// all that a host must know of it. KeyRows.h holds the rows; the operation that each names is the plug-in's alone.
+// Headings order the help text; nothing is decided by them.
 #pragma once
 
 #include <span>
