@@ -3,6 +3,7 @@
 #include <cmath>
 #include <limits>
 
+#include "ChannelPlan.h"
 #include "LumenSA.h"
 #include "LumenSABuffers.h"
 #include "Streams/Trace.h"
@@ -120,18 +121,11 @@ void CLmnSA::CompensateFrequency(double* power) {
 /// Corner of the frequency compensation in MHz.
 double CLmnSA::GetFrequencyCutoff() {
     TRACE_SCOPE("CLmnSA::GetFrequencyCutoff");
-    switch (m_Bandwidth) {
-        case 20:
-            return 9.0;
-        case 40:
-            return 18.0;
-        case 80:
-            return 36.0;
-        case 160:
-            return 72.0;
-        default:
-            return 1.0;
-    }
+    const auto isWidth = [this](const RadioFacts::Bandwidth& width) {
+        return static_cast<int>(width.mhz) == m_Bandwidth;
+    };
+    const auto row = std::ranges::find_if(RadioFacts::Bandwidths, isWidth);
+    return row == RadioFacts::Bandwidths.end() ? 1.0 : row->cutoffMhz;
 }
 
 void CLmnSA::LinearToLog(double* pCurr, int chain) {

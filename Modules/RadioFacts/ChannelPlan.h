@@ -28,8 +28,15 @@ constexpr std::uint32_t BandCount = Bands.size();
 struct Bandwidth {
     std::string_view name;  ///< decimal text of the width
     std::uint32_t mhz;
+    double cutoffMhz = 1.0;  ///< corner of the roll-off that the engine's compensation undoes; 1: none is told
 };
-inline constexpr std::array<Bandwidth, 5> Bandwidths{{{"20", 20}, {"40", 40}, {"80", 80}, {"160", 160}, {"320", 320}}};
+inline constexpr std::array<Bandwidth, 5> Bandwidths{{
+    {"20", 20, 9.0},
+    {"40", 40, 18.0},
+    {"80", 80, 36.0},
+    {"160", 160, 72.0},
+    {"320", 320},
+}};
 constexpr std::uint32_t BandwidthCount = Bandwidths.size();
 
 namespace Detail {
