@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -68,6 +69,17 @@ inline void printRatio(const std::string& what, const Ratio& ratio, const char* 
     std::printf("ratio %s: %.2f (tarn %.4g us, %s %.4g us)\n", what.c_str(), ratio.value(), ratio.ours_us, peer,
                 ratio.peer_us);
     std::fflush(stdout);
+}
+
+/// The same beside a plain copy that reads and writes `traffic` bytes, half of them each.
+template <class Ours>
+void compareToCopy(const std::string& what, Ours&& ours, std::size_t traffic) {
+    std::vector<char> from(traffic / 2, 1), to(traffic / 2);
+    const auto copy = [&] {
+        std::memcpy(to.data(), from.data(), to.size());
+        benchmark::ClobberMemory();
+    };
+    printRatio(what + " to a copy with the same traffic", measureRatio(ours, copy), "memcpy");
 }
 
 }  // namespace Bench

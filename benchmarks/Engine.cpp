@@ -202,14 +202,8 @@ void compareIntake(CLmnSA& engine, const Codes& codes) {
     // All three chains are read and stored as 16 bits; the used one is written four doubles a sample.
     constexpr std::size_t Traffic =
         kSamples * (CLmnSA::MaxChains * (2 * sizeof(double) + sizeof(IQBuffer)) + 4 * sizeof(double));
-    std::vector<char> from(Traffic / 2, 1);
-    std::vector<char> to(Traffic / 2);
-    const auto copy = [&] {
-        std::memcpy(to.data(), from.data(), to.size());
-        benchmark::ClobberMemory();
-    };
-    Bench::printRatio("intake to a copy with the same traffic", Bench::measureRatio([&] { codes.addTo(engine); }, copy),
-                      "memcpy");
+    Bench::compareToCopy(
+        "intake", [&] { codes.addTo(engine); }, Traffic);
 }
 
 template <class Work>

@@ -258,13 +258,8 @@ void printRatios([[maybe_unused]] std::vector<std::unique_ptr<Spectrum>>& spectr
         Bench::printRatio(std::to_string(bins) + " bins", ratio, (std::string("fftw ") + peer.planName()).c_str());
     }
 #endif
-    std::vector<char> from(Intake::traffic / 2, 1), to(Intake::traffic / 2);
-    const auto copy = [&] {
-        std::memcpy(to.data(), from.data(), to.size());
-        benchmark::ClobberMemory();
-    };
-    Bench::printRatio("intake of a chain to a copy with the same traffic",
-                      Bench::measureRatio([&] { intake.run(); }, copy), "memcpy");
+    Bench::compareToCopy(
+        "intake of a chain", [&] { intake.run(); }, Intake::traffic);
 }
 
 }  // namespace
