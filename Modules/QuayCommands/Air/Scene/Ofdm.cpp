@@ -46,7 +46,7 @@ constexpr double FadeUs = 0.1;
 constexpr double EdgeFadeUs = 0.8;
 /// What counts as next to the end of the span; the receiver's filter takes the outermost part of it. A network that is
 /// as wide as the span leaves 1.9 MHz free there.
-constexpr double EdgeMhz = 4.0;
+constexpr double EdgeMhz = 6.0;
 constexpr double FilteredMhz = 1.5;
 
 /// Weights of a rising fade, an even number of samples. Together with the falling one it keeps the power of symbols
