@@ -176,7 +176,7 @@ std::optional<Station::Job> Station::NextJob() {
         if (auto line = m_scan->TuningLine())
             return Job{.line = *line, .placed = *line, .isOwn = true, .isTuning = true};
     }
-    m_nextSweep = now + sweepPeriod;
+    m_nextSweep = std::max(now, m_nextSweep + sweepPeriod);  // what came late is caught up once
     return SweepJob();
 }
 
