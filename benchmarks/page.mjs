@@ -26,12 +26,14 @@ function residentMb(pid) {
   return Number(/VmRSS:\s+(\d+)/.exec(readFileSync(`/proc/${pid}/status`, 'utf8'))?.[1] ?? 0) / 1024;
 }
 
-/** The browser's process that runs the page: the youngest renderer. */
+/** The browser's process that runs the page: the youngest renderer that descends from this process. */
 function rendererPid() {
   const pids = readdirSync('/proc').filter((name) => /^\d+$/.test(name));
+  const parent = (pid) => Number(readFileSync(`/proc/${pid}/stat`, 'utf8').split(') ')[1].split(' ')[1]);
+  const isOurs = (pid) => pid === process.pid || (pid > 1 && isOurs(parent(pid)));
   const isRenderer = (pid) => {
     try {
-      return readFileSync(`/proc/${pid}/cmdline`, 'utf8').includes('--type=renderer');
+      return readFileSync(`/proc/${pid}/cmdline`, 'utf8').includes('--type=renderer') && isOurs(Number(pid));
     } catch {
       return false; // gone meanwhile
     }
@@ -97,7 +99,8 @@ async function measurePage() {
   await page.evaluate(() => {
     window.drawn = new Set();
     const note = () => window.drawn.add(/sweep \d+/.exec(document.querySelector('.power').textContent)?.[0]);
-    new MutationObserver(note).observe(document.querySelector('.power'), { childList: true });
+    window.observer = new MutationObserver(note);
+    window.observer.observe(document.querySelector('.power'), { childList: true });
   });
   for (let round = 0; round < 3; ++round) {
     const before = { cpu: processorSeconds(pid), time: Date.now(), server: processorSeconds(server.process.pid) };
@@ -112,6 +115,10 @@ async function measurePage() {
         `"${await page.locator('#rate').innerText()}" (${load()})`,
     );
   }
+  await page.evaluate(() => {
+    window.observer.disconnect(); // its own memory must not count
+    window.drawn.clear();
+  });
   for (let half = 0; half <= 2 * minutes; ++half) {
     await debug.send('HeapProfiler.collectGarbage');
     const { metrics } = await debug.send('Performance.getMetrics');
