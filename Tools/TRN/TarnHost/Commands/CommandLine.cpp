@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <map>
 
+#include "ChannelPlan.h"
 #include "Inputs.h"
 #include "Lines/AirName.h"
 #include "Lines/MeasureKeys.h"
@@ -184,7 +185,9 @@ void AddMeasure(CLI::App& app, MeasureOptions& options) {
     command->add_option("--channel,--channels", request.channels, "Channel numbers such as 1,6,36-48, or all")
         ->type_name("LIST")
         ->check(NotEmpty());
-    command->add_option("--bandwidth", request.bandwidth, "Channel width in MHz: 20, 40, 80, 160 or 320")
+    command
+        ->add_option("--bandwidth", request.bandwidth,
+                     "Channel width in MHz: " + TarnMeasure::Listed(RadioFacts::BandwidthChoices))
         ->type_name("MHZ")
         ->transform(Reader(TarnMeasure::ReadBandwidth))
         ->capture_default_str();
