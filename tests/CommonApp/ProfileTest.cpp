@@ -19,7 +19,7 @@ struct Tool : Common::Application {
         return ThrownText([&] { LoadProfile(stream); });
     }
     /// Runs the line's commands of the queue "q".
-    std::string Execute(const std::string& line) {
+    std::string RunLine(const std::string& line) {
         return ThrownText([&] {
             auto tokens = CmdLine::Tokenize(line);
             GetProcessor().GetParser().Parse(tokens);
@@ -61,11 +61,11 @@ TEST(Profile, GivesVariablesAndCommandsInBothForms) {
         Tool tool;
         EXPECT_EQ(tool.Load(bytes), "nothing thrown");
         EXPECT_EQ(tool.m_context.GetGlobal().GetOrEmpty("all2"), "$(who)!");
-        EXPECT_EQ(tool.Execute("-tell x -plain -tell $(who)"), "nothing thrown");
+        EXPECT_EQ(tool.RunLine("-tell x -plain -tell $(who)"), "nothing thrown");
         EXPECT_EQ(Telling::told, "tell: <all!>, x, of all; tell: <all!>, all, of all; ");
-        EXPECT_EQ(tool.Execute("-none"), "none Command is not supported!");
-        EXPECT_EQ(tool.Execute("-xyz"), "nothing thrown");
-        EXPECT_EQ(tool.Execute("-tell"), "invalid usage of key <tell>: argument is missing.");
+        EXPECT_EQ(tool.RunLine("-none"), "none Command is not supported!");
+        EXPECT_EQ(tool.RunLine("-xyz"), "nothing thrown");
+        EXPECT_EQ(tool.RunLine("-tell"), "invalid usage of key <tell>: argument is missing.");
         const auto command = tool.GetProcessor().FindCommand("tell");
         command->PrintHeadNote();
         command->PrintFootNote();

@@ -1,6 +1,6 @@
 // The hot path takes no memory, and memory that runs out leaves an engine that can go on. A sanitizer watches operator
 // new by itself, so this test is not part of such a build.
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#ifndef TARN_SANITIZED
 
 #include <gtest/gtest.h>
 
