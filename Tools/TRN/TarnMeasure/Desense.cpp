@@ -95,13 +95,14 @@ public:
     DesenseResult Run() {
         const Clock::time_point begin = Clock::now();
         if (ReadConfig() && RemoveOldFiles()) {
-            const std::string summary = m_request.folder + "/summary.csv";
             bool goesOn = true;
             m_step.total = m_result.channels.size() * Chains().size() * static_cast<std::size_t>(m_result.iterations) *
                            (m_request.idleBaseline ? 2 : 1);
             if (m_request.idleBaseline) {
+                m_isIdle = true;
                 goesOn = Pass("-vesper_disable_bit true -start_vesper_test");
-                if (Export(true)) m_idle = ReadSummary(summary);
+                if (Export(true)) m_idle = ReadSummary(Summary());
+                m_isIdle = false;
                 if (goesOn) goesOn = ReadConfig();
                 for (DesenseChannel& channel : m_result.channels) {
                     channel.levels.clear();
@@ -109,8 +110,9 @@ public:
                     channel.judgement = {};
                 }
             }
+            const bool isLoaded = goesOn;
             if (goesOn) Pass("-start_vesper_test");
-            if (Export(false) && goesOn) m_loaded = ReadSummary(summary);
+            if (Export(false) && isLoaded) m_loaded = ReadSummary(Summary());
         }
         Judge();
         m_result.duration_s = SecondsSince(begin);
@@ -236,6 +238,7 @@ private:
             for (const std::string& chain : Chains())
                 goesOn = goesOn && SweepChain(channel, chain);
             if (goesOn && !channel.levels.empty()) TakeGraph(channel);
+            if (goesOn && m_io.measured) TellMeasured(channel);
         }
         m_current = nullptr;
         if (!m_result.outOfReach) Line("-stop_vesper_test");
@@ -249,8 +252,7 @@ private:
         for (int i = 1; reason.empty() && i <= m_result.iterations; ++i, ++m_step.done) {
             m_step.what = channel.band + " channel " + std::to_string(channel.channel) + ", chain " + chain +
                           ", iteration " + std::to_string(i) + (m_hasStartedLoad ? ", loaded" : ", idle");
-            if (!m_io.progress(m_step)) m_result.interrupted = true;
-            if (m_result.interrupted) return false;
+            if (!MaySweep()) return false;
             const Clock::time_point sweepBegin = Clock::now();
             Sweep(channel, chain, i, reason);
             m_step.sweeping_s += SecondsSince(sweepBegin);
@@ -269,6 +271,31 @@ private:
             Fail(LostLoad);
         }
         return m_hasLostLoad;
+    }
+
+    /// Rests when that is wanted. False: the test ends here.
+    bool MaySweep() {
+        bool goesOn = true;
+        if (m_io.wantsRest && m_io.wantsRest()) {
+            Line("-stop_vesper_test");
+            if (m_result.outOfReach) return false;
+            goesOn = m_io.rest();
+            if (goesOn && !Line("-resume_vesper_test")) return false;
+        }
+        goesOn = goesOn && m_io.progress(m_step);
+        if (!goesOn) m_result.interrupted = true;
+        return goesOn;
+    }
+
+    /// The summary is written anew behind each channel: it tells the figures, and outlives the process.
+    void TellMeasured(DesenseChannel channel) {
+        if (!Export(true)) return;
+        (m_isIdle ? m_idle : m_loaded) = ReadSummary(Summary());
+        if (!m_isIdle)
+            Judge(channel);
+        else if (const auto idle = m_idle.find({channel.band, channel.channel}); idle != m_idle.end())
+            channel.idle_db = idle->second;
+        m_io.measured(channel);
     }
 
     void Sweep(DesenseChannel& channel, const std::string& chain, int iteration, std::string& reason) {
@@ -340,10 +367,12 @@ private:
             same->level_dbm = std::max(same->level_dbm, spur.level_dbm);
     }
 
+    std::string Summary() const { return m_request.folder + "/summary.csv"; }
+
     /// False: the summary is not of this test.
     bool Export(bool isIdle) {
         if (m_result.outOfReach) return false;
-        const bool isWritten = Line("-export_vesper_result " + Quoted(m_request.folder + "/summary.csv")).has_value();
+        const bool isWritten = Line("-export_vesper_result " + Quoted(Summary())).has_value();
         if (isIdle) return isWritten;
         Line("-dump_vesper_data " + Quoted(m_request.folder + "/bins.csv"));
         Line("-vesper_save_test_messages " + Quoted(m_request.folder + "/messages.log"));
@@ -351,17 +380,19 @@ private:
     }
 
     void Judge() {
-        const Limits limits = m_request.limits ? *m_request.limits : UsualLimits();
-        for (DesenseChannel& channel : m_result.channels) {
-            const std::pair key{channel.band, channel.channel};
-            if (const auto found = m_loaded.find(key); found != m_loaded.end() && channel.levels.size() >= ChainCount())
-                channel.desense_db = found->second;
-            if (const auto found = m_idle.find(key); found != m_idle.end()) channel.idle_db = found->second;
-            Judge(channel, limits);
-        }
+        for (DesenseChannel& channel : m_result.channels)
+            Judge(channel);
         std::ranges::stable_sort(m_result.channels, [](const DesenseChannel& a, const DesenseChannel& b) {
             return a.desense_db.value_or(-1e9) > b.desense_db.value_or(-1e9);
         });
+    }
+
+    void Judge(DesenseChannel& channel) {
+        const std::pair key{channel.band, channel.channel};
+        if (const auto found = m_loaded.find(key); found != m_loaded.end() && channel.levels.size() >= ChainCount())
+            channel.desense_db = found->second;
+        if (const auto found = m_idle.find(key); found != m_idle.end()) channel.idle_db = found->second;
+        Judge(channel, m_limits);
     }
 
     void Judge(DesenseChannel& channel, const Limits& limits) {
@@ -397,11 +428,13 @@ private:
 
     const DesenseRequest& m_request;
     const DesenseIo& m_io;
+    const Limits m_limits = m_request.limits ? *m_request.limits : UsualLimits();
     DesenseResult m_result;
     DesenseChannel* m_current = nullptr;
     DesenseStep m_step;
     bool m_hasStartedLoad = false;
     bool m_hasLostLoad = false;
+    bool m_isIdle = false;  ///< the pass without load
     std::map<std::pair<std::string, int>, double> m_idle, m_loaded;
 };
 

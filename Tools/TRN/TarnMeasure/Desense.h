@@ -39,11 +39,20 @@ struct DesenseStep {
     std::string what;       ///< "5.2 channel 36, chain A, iteration 2, loaded"
 };
 
+struct DesenseChannel;
+
 struct DesenseIo {
     std::function<DesenseAnswer(const std::string& line)> run;
     std::function<void(const std::string& text)> message;   ///< of the test, unless they were shown
     std::function<bool(const DesenseStep& step)> progress;  ///< false: stop here
     std::function<bool()> isLoaded;                         ///< whether the workload runs; asked behind each sweep
+
+    // May be empty.
+    /// A channel that was just measured, judged as far as it is known; without load it has its idle_db alone.
+    std::function<void(const DesenseChannel& channel)> measured;
+    /// True: before the next sweep the test rests, with its load ended.
+    std::function<bool()> wantsRest;
+    std::function<bool()> rest;  ///< returns at the end of the rest; false: stop here
 };
 
 /// A bin that stands out of its neighbours.
@@ -74,6 +83,8 @@ struct DesenseChannel {
     bool hasLimit = false;  ///< a level was held against a limit
 
     std::optional<double> Rise() const;  ///< dB that the load adds
+    /// Whether its verdict says something yet.
+    bool IsJudged() const { return hasLimit || !judgement.invalid.empty(); }
 };
 
 /// A channel of the configuration that wasn't tried.

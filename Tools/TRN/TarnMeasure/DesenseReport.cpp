@@ -4,11 +4,16 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <nlohmann/json.hpp>
+
+#include "OSAL/WholeFile.h"
 
 namespace TarnMeasure {
 
 namespace {
+
+using Json = nlohmann::ordered_json;
 
 std::string Figure(double value, int digits = 1) {
     char text[64];
@@ -181,6 +186,29 @@ std::string SpurRows(const DesenseResult& result) {
     return html;
 }
 
+Json ChannelJson(const DesenseChannel& one) {
+    const auto orNull = [](const std::optional<double>& value) { return value ? Json(*value) : Json(nullptr); };
+    Json levels = Json::array(), spurs = Json::array();
+    for (const DesenseLevel& level : one.levels)
+        levels.push_back({{"chain", level.chain}, {"average_dbm", level.average_dbm}, {"peak_dbm", level.peak_dbm}});
+    for (const DesenseSpur& spur : one.spurs)
+        spurs.push_back({{"chain", spur.chain},
+                         {"frequency_mhz", spur.frequency_mhz},
+                         {"baseband_mhz", spur.baseband_mhz},
+                         {"level_dbm", spur.level_dbm}});
+    return {{"band", one.band},
+            {"channel", one.channel},
+            {"centre_mhz", one.centre_mhz},
+            {"verdict", VerdictText(one.judgement.verdict)},
+            {"invalid", one.judgement.invalid},
+            {"limit_dbm", orNull(LimitOf(one))},
+            {"desense_db", orNull(one.desense_db)},
+            {"idle_desense_db", orNull(one.idle_db)},
+            {"rise_db", orNull(one.Rise())},
+            {"levels", levels},
+            {"spurs", spurs}};
+}
+
 }  // namespace
 
 std::string DesenseTable(const DesenseResult& result) {
@@ -203,9 +231,11 @@ std::string DesenseTable(const DesenseResult& result) {
            "   (levels in dBm a resolution bandwidth, desense and rise in dB)\n";
 }
 
+std::string DesenseChannelJson(const DesenseChannel& channel) {
+    return ChannelJson(channel).dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
 std::string DesenseJson(const DesenseResult& result, const DesenseOrigin& origin) {
-    using Json = nlohmann::ordered_json;
-    const auto orNull = [](const std::optional<double>& value) { return value ? Json(*value) : Json(nullptr); };
     Json json{{"verdict", VerdictText(result.Gravest())},
               {"interrupted", result.interrupted},
               {"trouble", result.trouble},
@@ -224,28 +254,8 @@ std::string DesenseJson(const DesenseResult& result, const DesenseOrigin& origin
               {"left_out", Json::array()}};
     for (const DesenseLeftOut& one : result.leftOut)
         json["left_out"].push_back({{"band", one.band}, {"channel", one.channel}, {"reason", one.reason}});
-    for (const DesenseChannel& one : result.channels) {
-        Json levels = Json::array(), spurs = Json::array();
-        for (const DesenseLevel& level : one.levels)
-            levels.push_back(
-                {{"chain", level.chain}, {"average_dbm", level.average_dbm}, {"peak_dbm", level.peak_dbm}});
-        for (const DesenseSpur& spur : one.spurs)
-            spurs.push_back({{"chain", spur.chain},
-                             {"frequency_mhz", spur.frequency_mhz},
-                             {"baseband_mhz", spur.baseband_mhz},
-                             {"level_dbm", spur.level_dbm}});
-        json["channels"].push_back({{"band", one.band},
-                                    {"channel", one.channel},
-                                    {"centre_mhz", one.centre_mhz},
-                                    {"verdict", VerdictText(one.judgement.verdict)},
-                                    {"invalid", one.judgement.invalid},
-                                    {"limit_dbm", orNull(LimitOf(one))},
-                                    {"desense_db", orNull(one.desense_db)},
-                                    {"idle_desense_db", orNull(one.idle_db)},
-                                    {"rise_db", orNull(one.Rise())},
-                                    {"levels", levels},
-                                    {"spurs", spurs}});
-    }
+    for (const DesenseChannel& one : result.channels)
+        json["channels"].push_back(ChannelJson(one));
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 
@@ -314,6 +324,17 @@ std::string DesenseHtml(const DesenseResult& result, const DesenseOrigin& origin
         for (const DesenseLevel& level : one.levels)
             html += Spectrum(one, level, width_mhz);
     return html + "</body></html>\n";
+}
+
+std::vector<std::string> WriteDesenseReports(const DesenseResult& result, const DesenseOrigin& origin,
+                                             const std::string& folder) {
+    std::vector<std::string> failures;
+    for (const auto& [name, text] : {std::pair{"result.json", DesenseJson(result, origin)},
+                                     {"junit.xml", DesenseJunit(result, origin)},
+                                     {"report.html", DesenseHtml(result, origin)}})
+        if (const auto written = OSAL::WriteWholeFile(std::filesystem::path(folder) / name, text); !written)
+            failures.push_back(written.Reason());
+    return failures;
 }
 
 }  // namespace TarnMeasure

@@ -10,7 +10,6 @@
 #include "DesenseReport.h"
 #include "OSAL/Machine.h"
 #include "OSAL/Process.h"
-#include "OSAL/WholeFile.h"
 #include "Record.h"
 
 namespace TarnHost {
@@ -123,15 +122,10 @@ DesenseResult RunWithProgress(const DesenseRequest& request, TarnSession::Sessio
 bool WriteReports(const DesenseResult& result, const VesperOptions& options, const DesenseOrigin& origin,
                   Context& context) {
     const InterruptWatch::Finishing finishing(context.watch);
-    bool isFine = true;
-    for (const auto& [name, text] : {std::pair{"result.json", DesenseJson(result, origin)},
-                                     {"junit.xml", DesenseJunit(result, origin)},
-                                     {"report.html", DesenseHtml(result, origin)}}) {
-        const auto written = OSAL::WriteWholeFile(fs::path(options.request.folder) / name, text);
-        if (!written) context.console.Say(written.Reason());
-        isFine = isFine && written;
-    }
-    return isFine;
+    const std::vector<std::string> failures = WriteDesenseReports(result, origin, options.request.folder);
+    for (const std::string& failure : failures)
+        context.console.Say(failure);
+    return failures.empty();
 }
 
 ExitStatus StatusOf(const DesenseResult& result, const std::string& failOn) {
