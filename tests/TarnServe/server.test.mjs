@@ -403,3 +403,74 @@ test('hold, single, scan and the average are driven by the server, for every cli
   assert.deepEqual([kept.run.mode, kept.limits.text], ['hold', '-70']);
   await again.stop();
 });
+
+test('a desense test rests, goes on, ends and keeps what it measured, and refuses what doesn’t fit', async (t) => {
+  const server = await Server.start({ air: 'sim:laptop', more: ['--workload', 'on'] });
+  t.after(() => server.process.kill('SIGKILL'));
+  const api = (await server.json('GET', '/api')).json;
+  const stream = await server.stream();
+  stream.send({ subscribe: '*' });
+  const order = async (action, more = {}) => (await server.json('POST', '/api/desense', { action, ...more })).status;
+  const until = async (phase) => {
+    while ((await stream.next('Host Desense')).data.phase !== phase);
+    return (await server.json('GET', '/api/desense')).json;
+  };
+  const config = {
+    ...{ bw: 20, rbw: 39.0625, chainMode: 'A->B', iterations: 2, bitcfg: 'Workload.bitcfg', disableBit: true },
+    ...{ LBChannels: '13', HBChannels: [36, 52], UHBChannels: [] },
+  };
+  for (const action of ['pause', 'resume', 'stop']) assert.equal(await order(action), 409, action);
+  for (const wrong of [{ bw: 21 }, { iterations: 0 }, { iterations: '2x' }, { bitcfg: '../x' }, { more: 1 }, { HBChannels: 'x' }, { rbw: 'nan' }])
+    assert.equal(await order('start', { config: { ...config, ...wrong } }), 400, JSON.stringify(wrong));
+  for (const wrong of [{ config: 'none.cfg' }, { config, name: '../up' }, { config, limit: 'none.csv' }, { config, margin_db: -1 }, {}])
+    assert.ok([400, 409].includes(await order('start', wrong)), JSON.stringify(wrong));
+
+  assert.equal(await order('start', { name: 'short', config, idleBaseline: true }), 200);
+  const ended = await until('ended');
+  const verdicts = ended.channels.map((row) => [row.channel, row.verdict]);
+  assert.deepEqual([ended.verdict, verdicts], ['FAIL', [[52, 'FAIL'], [13, 'FAIL'], [36, 'PASS']]]);
+  assert.ok(ended.channels.every((row) => Math.abs(row.rise_db) < 1)); // it is as loud without the test's own load
+  for (const message of stream.messages)
+    assert.equal(misfit(api.components.schemas[message.type], message), '', message.type);
+  for (const [path, place] of [
+    ['/api/desense', '/api/desense'],
+    ['/api/desense/tests', '/api/desense/tests'],
+    ['/api/desense/channels/{band}/{channel}', '/api/desense/channels/5.2/52'],
+  ]) {
+    const schema = api.paths[path].get.responses['200'].content['application/json'].schema;
+    assert.equal(misfit(schema, (await server.json('GET', place)).json), '', path);
+  }
+
+  // a long one, out of a file, that has the adapter for itself until it is stopped
+  const lines = Object.entries({ ...config, iterations: 100, HBChannels: '[36;52]', LBChannels: '[1;2;3;4;5;6;7;8;9;10;11;12;13]', UHBChannels: '[]' });
+  const file = lines.map((line) => `${line.join(',')}\n`).join('');
+  writeFileSync(join(server.folder, 'data', 'long.cfg'), file);
+  writeFileSync(join(server.folder, 'data', 'twice.cfg'), `${file}bw,20\n`);
+  assert.equal(await order('start', { config: 'twice.cfg' }), 400);
+  assert.equal(await order('start', { name: 'short', config: 'long.cfg' }), 409); // keeps what is there
+  assert.equal(await order('start', { name: 'long', config: 'long.cfg' }), 200);
+  assert.equal(await order('start', { name: 'other', config: 'long.cfg' }), 409);
+  assert.equal(await order('resume'), 409);
+  assert.equal((await server.line('-channel 6')).status, 409);
+  assert.equal((await server.line('-get_platform_info')).json.exitCode, 0);
+  assert.equal((await server.json('POST', '/api/run', { mode: 'scan' })).status, 409);
+  assert.equal((await server.json('DELETE', '/api/desense/tests/long')).status, 409);
+  assert.equal(await order('pause'), 200);
+  const resting = await until('paused');
+  assert.equal(await order('pause'), 409);
+  assert.equal((await server.json('GET', '/api/state')).json.desense.phase, 'paused');
+  assert.equal(await order('resume'), 200);
+  while ((await stream.next('Host Desense')).data.done <= resting.done);
+  assert.equal(await order('stop'), 200);
+  assert.equal((await until('ended')).interrupted, true);
+  const settings = (await server.json('GET', '/api/state')).json.settings;
+  assert.equal((await stream.next('Host Frame')).data.channel, Number(settings['-channel']));
+
+  // the end of the server ends the test with what it has
+  assert.equal(await order('start', { name: 'last', config: 'long.cfg' }), 200);
+  while ((await stream.next('Host Desense')).data.done < 3);
+  assert.equal(await server.stop(true), 0);
+  const kept = JSON.parse(readFileSync(join(server.folder, 'data', 'last', 'result.json'), 'utf8'));
+  assert.deepEqual([kept.interrupted, kept.channels.length], [true, 15]);
+  rmSync(server.folder, { recursive: true });
+});

@@ -20,7 +20,7 @@ export class Server {
     server.folder = options.folder ?? mkdtempSync(join(tmpdir(), 'tarn-serve-'));
     const sceneFile = join(server.folder, 'scene.json');
     writeFileSync(sceneFile, JSON.stringify(scene));
-    const air = ['--air', `sim:${sceneFile}`, '--adapter', `samples=${options.samples ?? 8192}`];
+    const air = ['--air', options.air ?? `sim:${sceneFile}`, '--adapter', `samples=${options.samples ?? 8192}`];
     const data = join(server.folder, 'data');
     server.process = spawn(process.env.TARN_PROGRAM, [
       'serve',

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
+#include "ApiAnswers.h"
 #include "Guard.h"
 #include "KeyTable.h"
 #include "PageFiles.h"
@@ -13,22 +14,6 @@ namespace {
 using Json = nlohmann::json;
 
 constexpr std::string_view filesPath = "/api/files/";
-
-ApiResponse JsonResponse(const Json& json, unsigned status = 200) {
-    return {status, "application/json", json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n", {}};
-}
-
-ApiResponse ResponseTo(const OSAL::Outcome<>& outcome) {
-    return outcome ? JsonResponse({{"status", "ok"}}) : ErrorResponse(409, outcome.Reason());
-}
-
-/// The body as a JSON object, sent as such: a form of a foreign page can't say that type.
-OSAL::Outcome<Json> BodyOf(const ApiRequest& request) {
-    if (!request.contentType.starts_with("application/json")) return OSAL::Refusal{"the body must be application/json"};
-    Json body = Json::parse(request.body, nullptr, false);
-    if (!body.is_object()) return OSAL::Refusal{"the body isn't a JSON object"};
-    return body;
-}
 
 std::string_view ArgumentText(TarnKeys::ArgumentKind kind) {
     switch (kind) {
@@ -72,14 +57,29 @@ ApiResponse PageResponse(const std::string& path) {
     return {200, std::string(file->type), std::string(file->bytes), {}};
 }
 
-Json FilesJson(const DataFolder& folder) {
-    Json files = Json::array();
-    for (const FileEntry& file : folder.List())
-        files.push_back({{"name", file.name}, {"bytes", file.bytes}, {"utc", file.utc}});
-    return files;
+}  // namespace
+
+ApiResponse JsonResponse(const Json& json, unsigned status) {
+    return {status, "application/json", json.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n", {}};
 }
 
-}  // namespace
+ApiResponse ResponseTo(const OSAL::Outcome<>& outcome) {
+    return outcome ? JsonResponse({{"status", "ok"}}) : ErrorResponse(409, outcome.Reason());
+}
+
+OSAL::Outcome<Json> BodyOf(const ApiRequest& request) {
+    if (!request.contentType.starts_with("application/json")) return OSAL::Refusal{"the body must be application/json"};
+    Json body = Json::parse(request.body, nullptr, false);
+    if (!body.is_object()) return OSAL::Refusal{"the body isn't a JSON object"};
+    return body;
+}
+
+Json FileListJson(const std::vector<FileEntry>& files) {
+    Json list = Json::array();
+    for (const FileEntry& file : files)
+        list.push_back({{"name", file.name}, {"bytes", file.bytes}, {"utc", file.utc}});
+    return list;
+}
 
 ApiResponse ErrorResponse(unsigned status, const std::string& reason) {
     return JsonResponse({{"error", reason}}, status);
@@ -115,10 +115,17 @@ const std::vector<Api::Route>& Api::Routes() {
         {"PUT", "/api/limits", now(std::mem_fn(&Api::SetLimit))},
         {"GET", "/api/channels", now([](Api& api, Request) { return JsonResponse(api.m_station.Channels()); })},
         {"DELETE", "/api/channels", now([](Api& api, Request) { return api.ClearChannels(); })},
-        {"GET", "/api/files", now([](Api& api, Request) { return JsonResponse(FilesJson(api.m_station.Folder())); })},
+        {"GET", "/api/files",
+         now([](Api& api, Request) { return JsonResponse(FileListJson(api.m_station.Folder().List())); })},
         {"GET", filesPath, now(std::mem_fn(&Api::ReadFile))},
         {"PUT", filesPath, now(std::mem_fn(&Api::WriteFile))},
         {"DELETE", filesPath, now(std::mem_fn(&Api::RemoveFile))},
+        {"GET", "/api/desense", now([](Api& api, Request) { return JsonResponse(api.m_station.Desense().Whole()); })},
+        {"POST", "/api/desense", now(std::mem_fn(&Api::OrderTest))},
+        {"GET", "/api/desense/channels/", now(std::mem_fn(&Api::TestGraph))},
+        {"GET", "/api/desense/tests", now([](Api& api, Request) { return api.ListTests(); })},
+        {"GET", "/api/desense/tests/", now(std::mem_fn(&Api::ReadTestFile))},
+        {"DELETE", "/api/desense/tests/", now(std::mem_fn(&Api::RemoveTest))},
     };
     return routes;
 }

@@ -52,6 +52,11 @@ private:
     ApiResponse RemoveFile(const ApiRequest& request);
     ApiResponse SetMode(const ApiRequest& request);
     ApiResponse SetLimit(const ApiRequest& request);
+    ApiResponse OrderTest(const ApiRequest& request);
+    ApiResponse TestGraph(const ApiRequest& request);
+    ApiResponse ListTests();
+    ApiResponse ReadTestFile(const ApiRequest& request);
+    ApiResponse RemoveTest(const ApiRequest& request);
 
     Station& m_station;
     const IAudience& m_audience;

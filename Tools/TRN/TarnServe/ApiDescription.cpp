@@ -44,6 +44,42 @@ Json Either(const Json& a, const Json& b) {
 
 const Json status = ObjectOf({{"status", text}});
 
+/// Data of the plug-in's messages of the burn-in desense test, by type.
+Json TestSchemas() {
+    const Json levels = ArrayOf(numberOrNull);
+    const Json channel = ObjectOf({{"value", text}, {"frequency", text}});
+    const Json width = ObjectOf({{"bandwidth", text}, {"channels", ArrayOf(channel)}});
+    Json schemas = {
+        {"Vesper Settings Response",
+         ObjectOf({{"bw", text},
+                   {"rbw", text},
+                   {"chainMode", text},
+                   {"iterations", text},
+                   {"channels", ArrayOf(ObjectOf({{"band", text}, {"bandwidths", ArrayOf(width)}}))}})},
+        {"Clear Vesper Test Messages", ObjectOf({})},
+        {"Add Vesper Test Message Response", ObjectOf({{"timestamp", text}, {"message", text}})},
+        {"Start Triggers Message",
+         ObjectOf({{"NumOfIterations", text}, {"ChainMode", text}, {"Bandwidth", text}, {"RBW", text}})},
+        {"Resume Triggers Message", ObjectOf({{"Msg", text}})},
+        {"Trigger Response Vesper", ObjectOf({{"numOfBins", text},
+                                              {"Band", text},
+                                              {"Channel", text},
+                                              {"Chain", text},
+                                              {"Frequency", text},
+                                              {"MaxPeak", text, true},
+                                              {"MaxPeakA", text, true},
+                                              {"MaxPeakB", text, true},
+                                              {"PowerAverage", text, true},
+                                              {"PowerAverageA", text, true},
+                                              {"PowerAverageB", text, true}})},
+        {"Vesper Channel Data Response",
+         ArrayOf(ObjectOf({{"frequency", text}, {"numOfBins", text}, {"averageData", levels}, {"maxData", levels}}))}};
+    for (const char* type : {"Stop Vesper Test Response", "Export Vesper Result Response", "Dump Vesper Data Response",
+                             "Save Vesper Test Messages Response"})
+        schemas[type] = status;
+    return schemas;
+}
+
 /// Data of the plug-in's messages, by type.
 Json PluginSchemas() {
     const Json levels = ArrayOf(number);
@@ -85,6 +121,7 @@ Json PluginSchemas() {
                                         {"activeProcessorMask", text}})},
         {"Set MCC Response", ObjectOf({{"status", text}, {"value", text}})},
         {"Load All Response", ArrayOf(ObjectOf({{"parameter", text}, {"value", text}}))}};
+    schemas.update(TestSchemas());
     for (const char* type : {"Gain Status", "Read ADC Samples From File Response", "Save Spectrum Response",
                              "Save MaxHold Response", "Save IQ Response", "Save Spectrum by RBW-Power Response",
                              "Export Spectrum by Frequency-Power Response", "Save All Response"})
@@ -111,6 +148,45 @@ Json ChannelRows() {
                              {"utc", text}}));
 }
 
+const Json phase = {{"enum", {"none", "running", "pausing", "paused", "stopping", "ended"}}};
+
+/// Phase and progress of the burn-in desense test; `isWhole` adds what only GET /api/desense tells.
+Json TestSchema(bool isWhole) {
+    const Json level = ObjectOf({{"chain", text}, {"average_dbm", number}, {"peak_dbm", number}});
+    const Json spur =
+        ObjectOf({{"chain", text}, {"frequency_mhz", number}, {"baseband_mhz", number}, {"level_dbm", number}});
+    const Json channel = ObjectOf({{"band", text},
+                                   {"channel", whole},
+                                   {"centre_mhz", number},
+                                   {"verdict", {{"enum", {"", "PASS", "MARGIN", "FAIL", "INVALID"}}}},
+                                   {"invalid", text},
+                                   {"limit_dbm", numberOrNull},
+                                   {"desense_db", numberOrNull},
+                                   {"idle_desense_db", numberOrNull},
+                                   {"rise_db", numberOrNull},
+                                   {"levels", ArrayOf(level)},
+                                   {"spurs", ArrayOf(spur)}});
+    const Json order = ObjectOf({{"config", {{"type", "object"}, {"additionalProperties", text}}},
+                                 {"limit", text},
+                                 {"margin_db", number},
+                                 {"idleBaseline", flag}});
+    return ObjectOf({{"phase", phase},
+                     {"name", text},
+                     {"what", text},
+                     {"done", whole},
+                     {"total", whole},
+                     {"left_s", numberOrNull},
+                     {"startedUtc", text},
+                     {"endedUtc", text},
+                     {"verdict", {{"enum", {"", "PASS", "MARGIN", "FAIL", "INVALID"}}}},
+                     {"interrupted", flag},
+                     {"trouble", text},
+                     {"revision", whole},
+                     {"order", Either(order, {{"type", "null"}}), !isWhole},
+                     {"channels", ArrayOf(channel), !isWhole},
+                     {"messages", ArrayOf(text), !isWhole}});
+}
+
 /// The state; `isRequested` adds what only GET /api/state tells.
 Json StateSchema(bool isRequested) {
     const Json adapter = ObjectOf({{"description", text}, {"mac", text}, {"air", text}, {"antennas", whole}});
@@ -123,6 +199,7 @@ Json StateSchema(bool isRequested) {
                      {"adapter", adapter},
                      {"settings", {{"type", "object"}, {"additionalProperties", text}}},
                      {"run", run},
+                     {"desense", ObjectOf({{"phase", phase}, {"name", text}})},
                      {"trouble", text},
                      {"limits", Either(limits, {{"type", "null"}})},
                      {"seq", whole, !isRequested},
@@ -156,6 +233,7 @@ Json HostSchemas() {
                                        {"error", text}})},
             {HostType::Progress, ObjectOf({{"what", text}, {"done", whole}, {"total", whole}})},
             {HostType::Channels, ChannelRows()},
+            {HostType::Desense, TestSchema(false)},
             {HostType::Refusal, ObjectOf({{"text", text}})}};
 }
 
@@ -190,6 +268,58 @@ Json FilePath() {
             {"delete", Operation("Removes a file", status)}};
 }
 
+Json PathParameter(const std::string& name, const Json& schema) {
+    return {{"name", name}, {"in", "path"}, {"required", true}, {"schema", schema}};
+}
+
+/// The requests about the burn-in desense test.
+Json TestPaths() {
+    const Json list = {{"anyOf", {{{"type", "string"}}, ArrayOf(whole)}}};
+    const Json numberOrText = {{"type", {"number", "string"}}};
+    const Json config = ObjectOf({{"bw", numberOrText},
+                                  {"rbw", numberOrText},
+                                  {"chainMode", {{"enum", {"A", "B", "AB", "A->B"}}}},
+                                  {"iterations", numberOrText},
+                                  {"bitcfg", text},
+                                  {"disableBit", {{"type", {"boolean", "string"}}}},
+                                  {"LBChannels", list},
+                                  {"HBChannels", list},
+                                  {"UHBChannels", list}});
+    const Json order = ObjectOf({{"action", {{"enum", {"start", "pause", "resume", "stop"}}}},
+                                 {"name", text, true},
+                                 {"config", Either(config, text), true},
+                                 {"limit", text, true},
+                                 {"margin_db", number, true},
+                                 {"idleBaseline", flag, true}});
+    const Json file = ObjectOf({{"name", text}, {"bytes", whole}, {"utc", text}});
+    const Json test = ObjectOf({{"name", text}, {"utc", text}, {"verdict", text}, {"files", ArrayOf(file)}});
+    const Json levels = ArrayOf(numberOrNull);
+    const Json graph =
+        ObjectOf({{"band", text},
+                  {"channel", whole},
+                  {"centre_mhz", number},
+                  {"bandwidth_mhz", whole},
+                  {"levels", ArrayOf(ObjectOf({{"chain", text}, {"average", levels}, {"maximum", levels}}))}});
+    Json read = Operation("A file of a test", nullptr);
+    read["responses"]["200"] = Bytes();
+    read["responses"]["200"]["description"] = "the file; report.html as a page";
+    return {
+        {"/api/desense",
+         {{"get", Operation("The newest burn-in desense test", TestSchema(true))},
+          {"post",
+           Operation("Starts a test (with a configuration, or the name of its file in the data folder), lets it "
+                     "pause and go on, or stops it",
+                     status, order)}}},
+        {"/api/desense/channels/{band}/{channel}",
+         {{"parameters", {PathParameter("band", {{"enum", {"2.4", "5.2", "6-7"}}}), PathParameter("channel", whole)}},
+          {"get", Operation("Average and maximum of a channel's bins, in dBm in one RBW", graph)}}},
+        {"/api/desense/tests", {{"get", Operation("The tests of the data folder, newest first", ArrayOf(test))}}},
+        {"/api/desense/tests/{test}",
+         {{"parameters", {PathParameter("test", text)}}, {"delete", Operation("Removes a test's files", status)}}},
+        {"/api/desense/tests/{test}/{file}",
+         {{"parameters", {PathParameter("test", text), PathParameter("file", text)}}, {"get", read}}}};
+}
+
 Json Paths() {
     const Json record = ObjectOf({{"line", text},
                                   {"exitCode", whole},
@@ -204,7 +334,7 @@ Json Paths() {
     const Json runBody = ObjectOf(
         {{"mode", {{"enum", {"run", "hold", "single", "scan"}}}}, {"sweeps", whole, true}, {"allBands", flag, true}});
     const Json file = ObjectOf({{"name", text}, {"bytes", whole}, {"utc", text}});
-    return {
+    Json paths = {
         {"/api/health", {{"get", Operation("That the server answers", status)}}},
         {"/api/state", {{"get", Operation("Adapter, settings, what runs", StateSchema(true))}}},
         {"/api/lines",
@@ -229,6 +359,8 @@ Json Paths() {
              "WebSocket: send {\"subscribe\": [types] or \"*\", \"acknowledge\": false}; each message is one "
              "JSON object. With \"acknowledge\", send {\"drawn\": seq of the Host Frame} behind each sweep"},
             {"responses", {{"101", {{"description", "the stream"}}}}}}}}}};
+    paths.update(TestPaths());
+    return paths;
 }
 
 Json Build() {

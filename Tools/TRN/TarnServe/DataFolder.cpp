@@ -1,7 +1,6 @@
 #include "DataFolder.h"
 
 #include <algorithm>
-#include <chrono>
 #include <fstream>
 #include <sstream>
 
@@ -26,12 +25,6 @@ OSAL::Refusal BadName(const std::string& name) {
 bool NamesFile(const TarnKeys::KeyRow* key) {
     return key &&
            (key->argument.kind == TarnKeys::ArgumentKind::File || key->argument.kind == TarnKeys::ArgumentKind::Folder);
-}
-
-std::string TextOf(fs::file_time_type time) {
-    const auto system = std::chrono::time_point_cast<std::chrono::system_clock::duration>(
-        time - fs::file_time_type::clock::now() + std::chrono::system_clock::now());
-    return UtcText(system);
 }
 
 }  // namespace
@@ -82,7 +75,7 @@ std::vector<FileEntry> DataFolder::List() const {
         std::error_code ignored;
         const std::string name = entry->path().filename().string();
         if (!IsFileName(name) || entry->is_symlink(ignored) || !entry->is_regular_file(ignored)) continue;
-        files.push_back({name, entry->file_size(ignored), TextOf(entry->last_write_time(ignored))});
+        files.push_back({name, entry->file_size(ignored), UtcText(entry->last_write_time(ignored))});
     }
     std::ranges::sort(files, {}, &FileEntry::name);
     return files;

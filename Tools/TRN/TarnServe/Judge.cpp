@@ -28,19 +28,22 @@ TarnMeasure::Reading ReadingOf(const Tuning& tuning, const std::vector<double>& 
 
 }  // namespace
 
+OSAL::Outcome<std::optional<TarnMeasure::Limits>> ReadLimits(const std::string& text, const DataFolder& folder) {
+    if (text.empty()) return std::optional<TarnMeasure::Limits>();
+    double level = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), level);
+    const bool isLevel = error == std::errc() && end == text.data() + text.size();
+    const auto file = isLevel ? OSAL::Outcome<std::string>(std::string()) : folder.Read(text);
+    if (!file) return OSAL::Refusal{"'" + text.substr(0, 80) + "' is no level in dBm, and " + file.Reason()};
+    auto read = isLevel ? TarnMeasure::Limits::OfLevel(level) : TarnMeasure::Limits::Parse(*file);
+    if (!read) return OSAL::Refusal{text + ": " + read.Reason()};
+    return std::optional(std::move(*read));
+}
+
 OSAL::Outcome<> Judge::Use(const std::string& text, double margin_db, const DataFolder& folder) {
-    std::optional<TarnMeasure::Limits> limits;
-    if (!text.empty()) {
-        double level = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), level);
-        const bool isLevel = error == std::errc() && end == text.data() + text.size();
-        const auto file = isLevel ? OSAL::Outcome<std::string>(std::string()) : folder.Read(text);
-        if (!file) return OSAL::Refusal{"'" + text.substr(0, 80) + "' is no level in dBm, and " + file.Reason()};
-        auto read = isLevel ? TarnMeasure::Limits::OfLevel(level) : TarnMeasure::Limits::Parse(*file);
-        if (!read) return OSAL::Refusal{text + ": " + read.Reason()};
-        limits = std::move(*read);
-    }
-    m_limits = std::move(limits);
+    auto limits = ReadLimits(text, folder);
+    if (!limits) return limits.Why();
+    m_limits = std::move(*limits);
     m_text = text;
     m_margin_db = margin_db;
     return {};

@@ -12,6 +12,9 @@
 
 namespace TarnServe {
 
+/// @param text  a level in dBm, or a limit file of the data folder; empty: no limit
+OSAL::Outcome<std::optional<TarnMeasure::Limits>> ReadLimits(const std::string& text, const DataFolder& folder);
+
 /// Thread: one at a time.
 class Judge {
 public:

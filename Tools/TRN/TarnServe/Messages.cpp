@@ -63,4 +63,9 @@ std::string UtcText(std::chrono::system_clock::time_point time) {
     return std::string(text.data(), length) + fraction.data();
 }
 
+std::string UtcText(std::filesystem::file_time_type time) {
+    return UtcText(std::chrono::time_point_cast<std::chrono::system_clock::duration>(
+        time - std::filesystem::file_time_type::clock::now() + std::chrono::system_clock::now()));
+}
+
 }  // namespace TarnServe

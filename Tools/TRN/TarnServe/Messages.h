@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -17,6 +18,7 @@ constexpr std::string_view Frame = "Host Frame";        ///< ends the messages o
 constexpr std::string_view Line = "Host Line";          ///< a line was run, and its answer
 constexpr std::string_view Progress = "Host Progress";  ///< of a scan
 constexpr std::string_view Channels = "Host Channels";  ///< the power of all channels visited
+constexpr std::string_view Desense = "Host Desense";    ///< phase and progress of the burn-in desense test
 constexpr std::string_view Refusal = "Host Refusal";    ///< why an order was not followed
 }  // namespace HostType
 
@@ -53,5 +55,6 @@ bool IsOfSweep(std::string_view type);
 
 /// "2026-01-31T14:03:22.123Z"
 std::string UtcText(std::chrono::system_clock::time_point time);
+std::string UtcText(std::filesystem::file_time_type time);
 
 }  // namespace TarnServe

@@ -54,7 +54,7 @@ std::optional<Mode> ModeOf(std::string_view text) {
 }
 
 Station::Station(DataFolder folder, ILoop& loop, IAudience& audience)
-    : m_folder(std::move(folder)), m_loop(loop), m_audience(audience) {}
+    : m_folder(std::move(folder)), m_loop(loop), m_audience(audience), m_desense(loop, SurroundingsOfTest()) {}
 
 Station::~Station() {
     m_session.reset();
@@ -97,6 +97,7 @@ OSAL::Outcome<> Station::RunLine(const std::string& line, TarnSession::LineOptio
     auto placed = m_folder.Place(line);
     if (!placed) return placed.Why();
     if (m_scan && Disturbs(line)) return OSAL::Refusal{"a scan is running: stop it first"};
+    if (m_desense.IsActive() && Disturbs(line)) return m_desense.MayStart();
     Job job{.line = line, .placed = std::move(*placed), .options = options, .done = std::move(done)};
     return Queue(std::move(job));
 }
@@ -111,6 +112,7 @@ OSAL::Outcome<> Station::Queue(Job job) {
 
 OSAL::Outcome<> Station::SetMode(Mode mode, const ScanOrder& order) {
     if (m_isEnding) return OSAL::Refusal{"the server is ending"};
+    if (const auto isFree = m_desense.MayStart(); !isFree) return isFree;
     if (mode == Mode::Scan && !m_scan) {
         const auto supported = m_vocabulary.find("Supported Channels Data");
         std::vector<ChannelName> channels;
@@ -143,6 +145,7 @@ void Station::EndScan() {
 }
 
 bool Station::MaySweep() const {
+    if (m_desense.IsActive()) return false;
     if (m_mode == Mode::Single || m_mode == Mode::Scan) return true;
     // nobody looks and nothing is held: the machine is left in peace
     return m_mode == Mode::Run && (m_audience.IsWatching() || m_book.IsMaxHold());
@@ -185,7 +188,7 @@ void Station::Pump() {
     auto job = NextJob();
     if (job) {
         Start(std::move(*job));
-    } else if (m_isEnding && m_ended) {
+    } else if (m_isEnding && m_ended && !m_desense.IsActive()) {
         SaveStateNow();  // with what the last line set
         std::exchange(m_ended, {})();
     }
@@ -209,7 +212,10 @@ void Station::Start(Job job) {
 /// Those who wait for a line are told that it doesn't run.
 void Station::Refuse(const std::string& reason) {
     for (const Job& job : std::exchange(m_jobs, {}))
-        if (job.done) job.done(OSAL::Refusal{reason});
+        if (job.done)
+            job.done(OSAL::Refusal{reason});
+        else if (job.answer)
+            job.answer({.ok = false, .error = reason, .messages = {}});
 }
 
 void Station::Finish(const TarnSession::Exchange& exchange) {
@@ -217,9 +223,10 @@ void Station::Finish(const TarnSession::Exchange& exchange) {
     m_running.reset();
     const bool isFine = exchange.exitCode == 0;
     const std::string before = State().dump();
-    if (isFine) {
+    const bool isTesting = m_desense.IsActive();  // its lines leave the settings, which come back behind it
+    if (isFine && !job.answer) {
         TakeSettings(job);
-    } else if (!job.isSweep && !job.isRestoring) {
+    } else if (!isFine && !job.isSweep && !job.isRestoring && !isTesting) {
         RestoreTuning();
     }
     if (job.isSweep) {
@@ -229,6 +236,7 @@ void Station::Finish(const TarnSession::Exchange& exchange) {
     }
     Received received = std::exchange(m_received, {});
     const std::string record = job.done ? RecordOf(exchange, received) : "";
+    auto answer = job.answer ? AnswerOf(exchange, received) : TarnMeasure::DesenseAnswer();
     Publish(std::move(received), exchange);
     // a key may answer that all is well though its file isn't written; a failed line's error tells it by itself
     if (isFine && !job.isSweep)
@@ -244,8 +252,9 @@ void Station::Finish(const TarnSession::Exchange& exchange) {
     OSAL::Outcome<> taken;
     if (!job.capture.empty()) taken = TakeCapture(job, exchange);
     if (job.done) job.done(taken ? OSAL::Outcome<std::string>(record) : taken.Why());
+    if (job.answer) job.answer(std::move(answer));
     if (m_scan) NextScanStep(job, isFine, m_lastVerdicts);
-    if (isFine && !job.isSweep && !job.isTuning) CompleteTuning();
+    if (isFine && !job.isSweep && !job.isTuning && !isTesting) CompleteTuning();
     if (State().dump() != before) TellState();
     Pump();
 }
@@ -324,7 +333,14 @@ void Station::AudienceChanged() {
 void Station::End(std::function<void()> done) {
     m_isEnding = true;
     m_ended = std::move(done);
+    // the last lines of a desense test end the load and keep what was measured
+    const auto isOfTest = [](const Job& job) { return job.answer != nullptr; };
+    std::deque<Job> last;
+    std::ranges::copy_if(m_jobs, std::back_inserter(last), isOfTest);
+    std::erase_if(m_jobs, isOfTest);
     Refuse("the server is ending");
+    m_jobs = std::move(last);
+    if (m_desense.IsActive()) static_cast<void>(m_desense.Stop());
     Pump();
 }
 

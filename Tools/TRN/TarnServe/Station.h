@@ -15,7 +15,10 @@
 
 #include "ChannelTable.h"
 #include "DataFolder.h"
+#include "DesenseArchive.h"
+#include "DesenseTest.h"
 #include "Judge.h"
+#include "Loop.h"
 #include "Messages.h"
 #include "OSAL/Outcome.h"
 #include "Scan.h"
@@ -24,16 +27,6 @@
 #include "SweepBook.h"
 
 namespace TarnServe {
-
-/// The one thread that the server works on.
-class ILoop {
-public:
-    virtual ~ILoop() = default;
-    /// Runs `work` on the loop's thread, behind what was posted before. Thread: any.
-    virtual void Post(std::function<void()> work) = 0;
-    /// Runs `work` on the loop's thread in a while. Thread: the loop's.
-    virtual void After(std::chrono::milliseconds delay, std::function<void()> work) = 0;
-};
 
 /// Who hears the messages. Thread: the loop's.
 class IAudience {
@@ -71,6 +64,10 @@ public:
     /// @param text  a level in dBm, or a file of the data folder; empty: no limit
     OSAL::Outcome<> SetLimit(const std::string& text, double margin_db);
     void ClearChannels();
+    /// Refused while a test or a scan runs, and when the data folder has something of the test's name.
+    OSAL::Outcome<> StartDesense(DesenseOrder order);
+    DesenseTest& Desense() { return m_desense; }
+    DesenseArchive Archive() const { return DesenseArchive(m_folder); }
 
     /// What a new client has to know: state, channels, vocabulary.
     std::vector<MessagePtr> Greeting();
@@ -96,9 +93,10 @@ private:
         LineDone done{};
         bool isOwn = false;  ///< the station's: not told to clients when it succeeds
         bool isSweep = false;
-        bool isTuning = false;     ///< of a scan
-        bool isRestoring = false;  ///< sets the known tuning again
-        std::string capture{};     ///< that the line analyses
+        bool isTuning = false;                                     ///< of a scan
+        bool isRestoring = false;                                  ///< sets the known tuning again
+        std::string capture{};                                     ///< that the line analyses
+        std::function<void(TarnMeasure::DesenseAnswer)> answer{};  ///< of a desense test, which waits for it
     };
     struct Received {
         std::vector<std::string> messages, texts, errors;
@@ -120,6 +118,9 @@ private:
     OSAL::Outcome<> TakeCapture(const Job& job, const TarnSession::Exchange& exchange);
     void RestoreTuning();
     void CompleteTuning();
+    DesenseSurroundings SurroundingsOfTest();
+    void DesenseChanged();
+    TarnMeasure::DesenseAnswer AnswerOf(const TarnSession::Exchange& exchange, const Received& received) const;
     void Publish(Received received, const TarnSession::Exchange& exchange);
     void PublishSweep(Received received, const TarnSession::Exchange& exchange);
     void Remember(const std::string& envelope);
@@ -156,6 +157,7 @@ private:
     Mode m_modeBehindScan = Mode::Hold;
     std::vector<ChainVerdict> m_lastVerdicts;
     std::string m_source;  ///< capture that the results are of; empty: of the adapter
+    DesenseTest m_desense;
 
     std::deque<Job> m_jobs;
     std::optional<Job> m_running;

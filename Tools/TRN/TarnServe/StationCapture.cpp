@@ -9,6 +9,7 @@ namespace TarnServe {
 
 OSAL::Outcome<> Station::Analyse(const std::string& name, LineDone done) {
     if (m_scan) return OSAL::Refusal{"a scan is running: stop it first"};
+    if (const auto isFree = m_desense.MayStart(); !isFree) return isFree;
     if (!SampleFiles::ReadCaptureName(name))
         return OSAL::Refusal{"'" + name.substr(0, 80) +
                              "' doesn't tell its tuning: a capture's name is like "

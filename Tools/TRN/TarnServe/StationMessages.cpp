@@ -98,7 +98,10 @@ std::optional<double> FiniteNumber(const std::string& text) {
 }  // namespace
 
 void Station::Message(std::string json) {
-    m_loop.Post([this, json = std::move(json)]() mutable { m_received.messages.push_back(std::move(json)); });
+    m_loop.Post([this, json = std::move(json)]() mutable {
+        if (m_running && m_running->answer) m_desense.Hear(json);
+        m_received.messages.push_back(std::move(json));
+    });
 }
 
 void Station::Text(std::string text) {
@@ -272,6 +275,7 @@ Json Station::State() const {
               {"line", m_running && !m_running->isOwn ? m_running->line : ""},
               {"waiting", m_jobs.size()},
               {"resting", m_mode == Mode::Run && !IsSweeping()}}},
+            {"desense", {{"phase", m_desense.PhaseText()}, {"name", m_desense.Name()}}},
             {"trouble", m_trouble},
             {"limits", limits}};
 }
@@ -290,6 +294,7 @@ std::vector<MessagePtr> Station::Greeting() {
     for (const auto& [type, message] : m_vocabulary)
         messages.push_back(message);
     add(HostType::Channels, m_channels.ToJson());
+    add(HostType::Desense, m_desense.Progress());
     return messages;
 }
 

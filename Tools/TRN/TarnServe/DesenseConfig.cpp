@@ -1,0 +1,132 @@
+#include "DesenseConfig.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "Guard.h"
+
+namespace TarnServe {
+namespace {
+
+using Json = nlohmann::json;
+
+enum Key : std::size_t { Width, Rbw, ChainMode, Iterations, Bitcfg, DisableBit, FirstList };
+constexpr std::array<std::string_view, DesenseConfig::keyCount> keys = {
+    "bw", "rbw", "chainMode", "iterations", "bitcfg", "disableBit", "LBChannels", "HBChannels", "UHBChannels"};
+constexpr std::size_t longestText = 64 << 10;
+constexpr int mostIterations = 100;
+
+std::string Shown(std::string_view text) {
+    return "'" + std::string(text.substr(0, 80)) + "'";
+}
+
+bool IsOneOf(const std::string& value, std::initializer_list<std::string_view> values) {
+    return std::ranges::find(values, value) != values.end();
+}
+
+template <typename Number>
+bool IsNumber(const std::string& text, Number low, Number high) {
+    Number value{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && end == text.data() + text.size() && value >= low && value <= high;
+}
+
+/// A value of a request as the file writes it; empty for one that has no such form.
+std::string TextOf(const Json& value) {
+    if (value.is_string()) return value.get<std::string>();
+    if (value.is_boolean()) return value.get<bool>() ? "true" : "false";
+    if (value.is_number()) return value.dump();
+    std::string list;
+    if (value.is_array())
+        for (const Json& item : value)
+            list += (list.empty() ? "" : ";") + (item.is_number_integer() ? item.dump() : std::string("?"));
+    return list;
+}
+
+}  // namespace
+
+OSAL::Outcome<DesenseConfig> DesenseConfig::FromText(std::string_view text) {
+    if (text.size() > longestText) return OSAL::Refusal{"the configuration is too long"};
+    Json values = Json::object();
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        std::string line(text.substr(0, end));
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (line.ends_with('\r')) line.pop_back();
+        if (line.empty()) continue;
+        const std::size_t comma = line.find(',');
+        if (comma == std::string::npos) return OSAL::Refusal{Shown(line) + " isn't a line KEY,VALUE"};
+        const std::string key = line.substr(0, comma);
+        std::string value = line.substr(comma + 1);
+        if (values.contains(key)) return OSAL::Refusal{"the configuration says " + Shown(key) + " twice"};
+        if (key.ends_with("Channels")) {
+            if (value.size() < 2 || value.front() != '[' || value.back() != ']')
+                return OSAL::Refusal{key + ": the channels must stand in brackets, such as [1;6;11]"};
+            value = value.substr(1, value.size() - 2);
+        }
+        values[key] = value;
+    }
+    return FromJson(values);
+}
+
+OSAL::Outcome<DesenseConfig> DesenseConfig::FromJson(const Json& json) {
+    if (!json.is_object()) return OSAL::Refusal{"the configuration isn't a JSON object"};
+    for (const auto& [key, value] : json.items())
+        if (std::ranges::find(keys, key) == keys.end())
+            return OSAL::Refusal{Shown(key) + " is no key of the configuration"};
+    DesenseConfig config;
+    for (std::size_t k = 0; k < keyCount; ++k) {
+        const auto value = json.find(keys[k]);
+        if (value == json.end()) return OSAL::Refusal{"the configuration has no " + std::string(keys[k])};
+        config.m_values[k] = TextOf(*value);
+    }
+    const auto checked = config.Check();
+    if (!checked) return checked.Why();
+    return config;
+}
+
+OSAL::Outcome<> DesenseConfig::Check() const {
+    const auto wrong = [&](std::size_t key, const std::string& wanted) {
+        return OSAL::Refusal{std::string(keys[key]) + " " + Shown(m_values[key]) + " must be " + wanted};
+    };
+    if (!IsOneOf(m_values[Width], {"20", "40", "80", "160", "320"})) return wrong(Width, "20, 40, 80, 160 or 320");
+    if (!IsNumber(m_values[Rbw], 1e-3, 1e6)) return wrong(Rbw, "a resolution bandwidth in kHz");
+    if (!IsOneOf(m_values[ChainMode], {"A", "B", "AB", "A->B"})) return wrong(ChainMode, "A, B, AB or A->B");
+    if (!IsNumber(m_values[Iterations], 1, mostIterations)) return wrong(Iterations, "a whole number from 1 to 100");
+    if (!IsFileName(m_values[Bitcfg])) return wrong(Bitcfg, "the plain name of a workload file");
+    if (!IsOneOf(m_values[DisableBit], {"true", "false"})) return wrong(DisableBit, "true or false");
+    bool hasChannel = false;
+    for (std::size_t k = FirstList; k < keyCount; ++k) {
+        if (m_values[k].find_first_not_of("0123456789;") != std::string::npos)
+            return wrong(k, "channel numbers split by ';'");
+        hasChannel |= !m_values[k].empty();
+    }
+    if (!hasChannel) return OSAL::Refusal{"the configuration names no channel"};
+    return {};
+}
+
+std::string DesenseConfig::Text() const {
+    std::string text;
+    for (std::size_t k = 0; k < keyCount; ++k)
+        text += std::string(keys[k]) + "," + (k < FirstList ? m_values[k] : "[" + m_values[k] + "]") + "\n";
+    return text;
+}
+
+Json DesenseConfig::ToJson() const {
+    Json json = Json::object();
+    for (std::size_t k = 0; k < keyCount; ++k)
+        json[std::string(keys[k])] = m_values[k];
+    return json;
+}
+
+bool DesenseConfig::LoadsMachine() const {
+    return m_values[DisableBit] == "false";
+}
+
+int DesenseConfig::Width_mhz() const {
+    return std::atoi(m_values[Width].c_str());
+}
+
+}  // namespace TarnServe

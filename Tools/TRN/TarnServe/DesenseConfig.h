@@ -1,0 +1,36 @@
+// What a burn-in desense test is to do: the nine values of its configuration, checked before anything starts.
+#pragma once
+
+#include <array>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <string_view>
+
+#include "OSAL/Outcome.h"
+
+namespace TarnServe {
+
+/// Thread: const use is safe from several threads.
+class DesenseConfig {
+public:
+    /// @param text  a configuration file: nine lines KEY,VALUE, each key once
+    static OSAL::Outcome<DesenseConfig> FromText(std::string_view text);
+    /// @param json  an object with the nine keys; channels as an array of numbers or as a text split by ";"
+    static OSAL::Outcome<DesenseConfig> FromJson(const nlohmann::json& json);
+
+    /// As a configuration file.
+    std::string Text() const;
+    /// The keys with their values as texts, channels split by ";".
+    nlohmann::json ToJson() const;
+    bool LoadsMachine() const;
+    int Width_mhz() const;
+
+    static constexpr std::size_t keyCount = 9;
+
+private:
+    OSAL::Outcome<> Check() const;
+
+    std::array<std::string, keyCount> m_values;  ///< in the order of the keys; lists without their brackets
+};
+
+}  // namespace TarnServe
