@@ -110,6 +110,41 @@ test('the page finds a simulated tone, holds, averages, saves, and finds it agai
   await server.stop();
 });
 
+test('a desense test goes on without its page, and another page shows its end', { timeout: 90_000 }, async (t) => {
+  const server = await Server.start({ air: 'sim:laptop', samples: 32768, more: ['--workload', 'on'] });
+  t.after(() => server.process.kill('SIGKILL'));
+  const browser = await openBrowser(t);
+  const first = await openPage(browser, server);
+  await textWhere(first, '#connection', (text) => /● connected/.test(text));
+  await first.keyboard.press('t');
+  for (const [band, list] of Object.entries({ LB: '13', HB: '36, 52', UHB: '' }))
+    await first.locator(`#desense_${band}Channels`).fill(list);
+  await first.locator('#desense_iterations').fill('100');
+  await first.locator('#desense_name').fill('short');
+  await first.locator('#desense_load').uncheck(); // the scene hears one all the same
+  await first.locator('#desense_start').click();
+  await textWhere(first, '#desense_status', (text) => /short: /.test(text));
+  await first.close();
+  const test = async () => (await server.json('GET', '/api/desense')).json;
+  while ((await test()).phase !== 'ended') await new Promise((resolve) => setTimeout(resolve, 100));
+
+  const page = await openPage(browser, server);
+  await page.keyboard.press('t');
+  assert.equal(await textWhere(page, '#desense_verdict', Boolean), 'FAIL');
+  await page.locator('[data-desense]').nth(2).waitFor();
+  const rows = await page.locator('[data-desense]').allInnerTexts();
+  const told = rows.map((row) => row.split(/\s+/)).map((cells) => [cells[2], cells.at(-1)]);
+  assert.deepEqual(told, [['52', 'FAIL'], ['13', 'FAIL'], ['36', 'PASS']]); // worst first
+  await page.locator('[data-desense="2.4/13"]').click();
+  await page.locator('canvas[aria-label^="Spectrum of 2.4 GHz channel 13: chain A average -11"]').waitFor();
+  const opens = page.waitForEvent('popup');
+  await page.locator('[data-test="short"] a').first().click();
+  assert.match(await (await opens).locator('h1').innerText(), /FAIL/);
+  assert.deepEqual(page.complaints, []);
+  await browser.close();
+  await server.stop();
+});
+
 test('a lost connection is told, values dim, and the page comes back by itself', { timeout: 90_000 }, async (t) => {
   const server = await Server.start();
   t.after(() => server.process.kill('SIGKILL'));

@@ -59,6 +59,7 @@ const spectrum = new SpectrumView(model);
 const iq = iqView(model);
 const histogram = histogramView(model);
 const files = filesView(model, actions, () => spectrum.canvases());
+const desense = desenseView(model, actions);
 const power = powerPanel(model);
 const markers = markerPanel(model, actions);
 const peaks = peakPanel(model);
@@ -68,7 +69,7 @@ const views: Record<Tab, HTMLElement> = {
   iq: iq.root,
   histogram: histogram.root,
   channels: channelsView(model, actions),
-  desense: desenseView(),
+  desense: desense.root,
   files: files.root,
 };
 const tabList = el(
@@ -153,6 +154,7 @@ const alwaysWanted = [
   'Host Line',
   'Host Progress',
   'Host Channels',
+  'Host Desense',
   'Host Refusal',
   'Trigger Response',
   'Power Per Chain',
@@ -175,7 +177,9 @@ function showTab(tab: Tab): void {
     views[name].hidden = name !== tab;
     document.getElementById(`tab-${name}`)!.setAttribute('aria-selected', String(name === tab));
   }
+  document.body.classList.toggle('wide', tab === 'desense'); // the readouts of the spectrum make room
   if (tab === 'files') files.refresh();
+  if (tab === 'desense') desense.refresh();
   stream.subscribe(wantedTypes());
   model.tell('view');
 }
@@ -231,6 +235,7 @@ function draw(): void {
     spectrum: () => spectrum.draw(now_ms),
     iq: () => iq.draw(now_ms),
     histogram: () => histogram.draw(now_ms),
+    desense: () => desense.draw(),
   };
   painters[model.view.tab]?.();
   power.draw(now_ms);
@@ -249,7 +254,7 @@ function tick(now_ms: number): void {
   if (stale) power.draw(now_ms);
 }
 
-model.on(['frame', 'view', 'markers', 'tuning', 'state'], () => (isDirty = true));
+model.on(['frame', 'view', 'markers', 'tuning', 'state', 'desense'], () => (isDirty = true));
 new ResizeObserver(() => (isDirty = true)).observe(document.body);
 
 // ---- files dropped on the page
@@ -267,6 +272,10 @@ window.addEventListener('drop', (event) => {
 listenToKeys(model, actions, {
   focusCommand: command.focus,
   showTab,
+  desense: () => {
+    showTab('desense');
+    desense.focus();
+  },
   nextTab: () => showTab(tabs[(tabs.indexOf(model.view.tab) + 1) % tabs.length]),
 });
 retheme();

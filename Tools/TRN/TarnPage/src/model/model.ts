@@ -1,5 +1,6 @@
 // Everything that the page knows, and who wants to hear of it. Drawing reads it; nothing here touches the document.
 import { fullRange, Range } from './axis';
+import { DesenseProgress } from './desense';
 import { KeyRow } from './keys';
 import { MarkerSet } from './markers';
 import { BandChannels, ChannelRow, Frame, HostState, LineAnswer, Message } from './protocol';
@@ -8,7 +9,7 @@ import { TraceKind, traceKinds, TraceSet } from './traces';
 import { ViewState } from './view';
 
 export type Topic =
-  'frame' | 'tuning' | 'state' | 'view' | 'markers' | 'messages' | 'channels' | 'connection' | 'vocabulary';
+  'frame' | 'tuning' | 'state' | 'view' | 'markers' | 'messages' | 'channels' | 'connection' | 'vocabulary' | 'desense';
 
 export interface LogEntry {
   utc: string;
@@ -47,6 +48,7 @@ export class Model {
   rings: LevelRing[] = [];
   connection: Connection = { state: 'connecting', retryAt_ms: 0 };
   progress: Progress | undefined;
+  desense: DesenseProgress | undefined;
   lastFrame_ms = 0;
   /** The newest error, until the person has put it away. */
   alarm = '';
@@ -104,6 +106,10 @@ export class Model {
       case 'Host Progress':
         this.progress = message.data as Progress;
         this.tell('state');
+        break;
+      case 'Host Desense':
+        this.desense = message.data as DesenseProgress;
+        this.tell('desense');
         break;
       case 'Host Line':
         this.takeLine(message.data as LineAnswer);

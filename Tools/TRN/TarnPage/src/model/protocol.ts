@@ -1,5 +1,7 @@
 // What the server sends, as the page uses it: one object a message, and the frames made of them.
 
+import type { DesensePhase } from './desense';
+
 /** One object of the stream. `data` is what its `type` says. */
 export interface Message {
   seq: number;
@@ -82,6 +84,11 @@ export interface Adapter {
   antennas: number;
 }
 
+export interface DesenseState {
+  phase: DesensePhase;
+  name: string;
+}
+
 export interface RunState {
   mode: 'run' | 'hold' | 'single' | 'scan';
   line: string;
@@ -94,6 +101,7 @@ export interface HostState {
   adapter: Adapter;
   settings: Record<string, string>;
   run: RunState;
+  desense: DesenseState;
   trouble: string;
   /** `line`: MHz and dBm in one RBW of each point; empty for a limit on the channel's power. */
   limits: { text: string; margin_db: number; line: [number, number][] } | null;

@@ -39,6 +39,8 @@ export interface ViewState {
   presets: Preset[];
   hintSeen: boolean;
   allBandsScan: boolean;
+  /** Values of the desense test's form. */
+  desenseForm: Record<string, string>;
 }
 
 export function defaultView(): ViewState {
@@ -58,6 +60,7 @@ export function defaultView(): ViewState {
     presets: [],
     hintSeen: false,
     allBandsScan: false,
+    desenseForm: {},
   };
 }
 

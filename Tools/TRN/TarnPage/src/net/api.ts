@@ -1,4 +1,5 @@
 // Requests to the server. Every failure is an Error whose message is for a person.
+import type { DesenseGraph, DesenseWhole } from '../model/desense';
 import type { ChannelRow, HostState, LineAnswer } from '../model/protocol';
 import type { KeyRow } from '../model/keys';
 
@@ -32,6 +33,13 @@ async function get<T>(path: string): Promise<T> {
   return (await (await request('GET', path)).json()) as T;
 }
 
+export interface DesenseEntry {
+  name: string;
+  utc: string;
+  verdict: string;
+  files: FileEntry[];
+}
+
 export interface FileEntry {
   name: string;
   bytes: number;
@@ -43,6 +51,7 @@ export const api = {
   keys: () => get<KeyRow[]>('/api/keys'),
   channels: () => get<ChannelRow[]>('/api/channels'),
   files: () => get<FileEntry[]>('/api/files'),
+  fileText: async (name: string) => (await request('GET', `/api/files/${encodeURIComponent(name)}`)).text(),
   line: async (line: string, plain = false) =>
     (await (await request('POST', '/api/lines', { line, plain })).json()) as LineAnswer,
   run: (mode: string, options: object = {}) => request('POST', '/api/run', { mode, ...options }),
@@ -51,4 +60,11 @@ export const api = {
   clearChannels: () => request('DELETE', '/api/channels'),
   upload: (name: string, content: Blob) => request('PUT', `/api/files/${encodeURIComponent(name)}`, content),
   remove: (name: string) => request('DELETE', `/api/files/${encodeURIComponent(name)}`),
+  desense: () => get<DesenseWhole>('/api/desense'),
+  desenseOrder: (action: 'start' | 'pause' | 'resume' | 'stop', order: object = {}) =>
+    request('POST', '/api/desense', { action, ...order }),
+  desenseGraph: (band: string, channel: number) => get<DesenseGraph>(`/api/desense/channels/${band}/${channel}`),
+  desenseTests: () => get<DesenseEntry[]>('/api/desense/tests'),
+  desenseFile: (test: string, file: string) => `/api/desense/tests/${encodeURIComponent(test)}/${file}`,
+  removeDesense: (test: string) => request('DELETE', `/api/desense/tests/${encodeURIComponent(test)}`),
 };

@@ -52,6 +52,7 @@ export interface Palette {
   limit: string;
   marker: string;
   traces: Record<TraceKind, string>;
+  verdicts: Record<'PASS' | 'MARGIN' | 'FAIL' | 'INVALID', string>;
 }
 
 let kept: Palette | undefined;
@@ -85,6 +86,7 @@ function readPalette(): Palette {
       difference: of('difference'),
       minHold: of('min-hold'),
     },
+    verdicts: { PASS: of('pass'), MARGIN: of('margin'), FAIL: of('fail'), INVALID: of('invalid') },
   };
 }
 

@@ -19,7 +19,7 @@ const helpRows: [string, string][] = [
   ['A', 'fit levels once'],
   ['1 … 6', 'show or hide a trace'],
   ['V', 'next view'],
-  ['T', 'desense test'],
+  ['T', 'desense test (Enter: start)'],
   ['/', 'command line'],
   ['Delete', 'remove the marker'],
   ['?', 'this page'],
@@ -55,6 +55,7 @@ export function helpDialog(): HTMLDialogElement {
 export interface KeyTargets {
   focusCommand(): void;
   showTab(tab: Tab): void;
+  desense(): void;
   nextTab(): void;
 }
 
@@ -71,7 +72,7 @@ export function listenToKeys(model: Model, actions: Actions, targets: KeyTargets
     a: () => actions.autoLevels(),
     f: () => model.setZoom(null),
     v: () => targets.nextTab(),
-    t: () => targets.showTab('desense'),
+    t: () => targets.desense(),
     '+': () => model.zoomBy(1.5, focusMhz(model)),
     '=': () => model.zoomBy(1.5, focusMhz(model)),
     '-': () => model.zoomBy(1 / 1.5, focusMhz(model)),

@@ -1,4 +1,5 @@
 // The bar on top: adapter, run and hold, rate, time, connection, theme. Trouble has its place here, in words.
+import { isActive } from '../model/desense';
 import { Model } from '../model/model';
 import { utcTime } from '../model/text';
 import { Actions } from './actions';
@@ -83,8 +84,9 @@ export function topBar(
     const facts = model.traces.frame?.facts;
     const mode = model.host?.run.mode;
     const progress = model.progress;
-    rate.textContent =
-      mode === 'scan' && progress
+    rate.textContent = isActive(model.host?.desense?.phase)
+      ? `desense test ${model.host?.desense.phase}`
+      : mode === 'scan' && progress
         ? `scan ${progress.done}/${progress.total}: ${progress.what}`
         : mode === 'hold'
           ? 'held'
