@@ -156,7 +156,7 @@ test('files are names in one folder, whatever a line or a path says', async (t) 
   assert.equal((await server.request('HEAD', '/api/health')).status, 200);
   await server.stop(true);
   writeFileSync(inside('.tarn-state.json'), '{"mode": 1, "limits": {"text": 5}, "settings": {"-rbw": 1}}');
-  const again = await Server.start({ folder: server.folder });
+  const again = await Server.start({ folder: server.folder, samples: 98304 });
   t.after(() => again.process.kill('SIGKILL'));
   assert.match(again.ready, /^http:/);
   await again.stop();
@@ -396,7 +396,7 @@ test('hold, single, scan and the average are driven by the server, for every cli
   const settings = (await server.json('GET', '/api/state')).json.settings;
   assert.deepEqual([settings['-bandwidth'], settings['-channel']], ['20', '36']);
   assert.equal(await server.stop(true), 0);
-  const again = await Server.start({ folder: server.folder });
+  const again = await Server.start({ folder: server.folder, samples: 98304 });
   const stream = await again.stream();
   stream.send({ subscribe: ['Host State'] });
   const kept = await until(stream, 'Host State', (data) => data.settings['-channel'] === '36');
@@ -472,5 +472,13 @@ test('a desense test rests, goes on, ends and keeps what it measured, and refuse
   assert.equal(await server.stop(true), 0);
   const kept = JSON.parse(readFileSync(join(server.folder, 'data', 'last', 'result.json'), 'utf8'));
   assert.deepEqual([kept.interrupted, kept.channels.length], [true, 15]);
+
+  // a line that doesn't end holds nobody up
+  const busy = await Server.start({ folder: server.folder, samples: 98304 });
+  t.after(() => busy.process.kill('SIGKILL'));
+  const given = busy.line(`-rbw 39.0625 ${'-trigger_now '.repeat(1200)}`);
+  while (!(await busy.json('GET', '/api/state')).json.run.line.includes('trigger'));
+  assert.equal(await busy.stop(true), 0);
+  assert.deepEqual([(await given).status, (await given).json.error], [409, 'the server is ending']);
   rmSync(server.folder, { recursive: true });
 });

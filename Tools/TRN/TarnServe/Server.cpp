@@ -20,6 +20,7 @@ public:
     std::string Address() const;
     void Run();
     void Stop();
+    bool HasAbandoned() const { return m_station->HasAbandoned(); }
 
     void Post(std::function<void()> work) override { asio::post(m_io, std::move(work)); }
     void After(std::chrono::milliseconds delay, std::function<void()> work) override;
@@ -149,6 +150,10 @@ void Server::Run() {
 
 void Server::Stop() {
     m_impl->Stop();
+}
+
+bool Server::HasAbandoned() const {
+    return m_impl->HasAbandoned();
 }
 
 }  // namespace TarnServe

@@ -31,9 +31,11 @@ public:
 
     /// "http://127.0.0.1:8731/"
     std::string Address() const;
-    /// Serves until Stop: then the running line ends, the state is saved and the clients are told.
+    /// Serves until Stop: then the running line ends or is given up, the state is saved and the clients are told.
     void Run();
     void Stop();
+    /// A line was given up and runs on: the process has to end by std::_Exit(). For when Run returned.
+    bool HasAbandoned() const;
 
 private:
     class Impl;

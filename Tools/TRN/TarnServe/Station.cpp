@@ -20,6 +20,8 @@ constexpr std::size_t mostJobs = 64;
 constexpr auto sweepPeriod = 33ms;
 /// Between two tries of a sweep that fails.
 constexpr auto troublePeriod = 1000ms;
+/// At the server's end a sweep has this long, and what keeps a test's results; the wait for a load doesn't end in it.
+constexpr auto lineGrace = 800ms;
 
 struct ModeName {
     Mode mode;
@@ -196,6 +198,7 @@ void Station::Pump() {
 
 void Station::Start(Job job) {
     m_running = std::move(job);
+    ++m_started;
     m_received = {};
     const auto posted = m_session->Post(m_running->placed, m_running->options, [this](TarnSession::Exchange exchange) {
         m_loop.Post([this, exchange = std::move(exchange)] { Finish(exchange); });
@@ -215,10 +218,11 @@ void Station::Refuse(const std::string& reason) {
         if (job.done)
             job.done(OSAL::Refusal{reason});
         else if (job.answer)
-            job.answer({.ok = false, .error = reason, .messages = {}});
+            job.answer({.ok = false, .interrupted = m_hasAbandoned, .error = reason, .messages = {}});
 }
 
 void Station::Finish(const TarnSession::Exchange& exchange) {
+    if (m_hasAbandoned) return;  // too late
     const Job job = std::move(*m_running);
     m_running.reset();
     const bool isFine = exchange.exitCode == 0;
@@ -341,6 +345,17 @@ void Station::End(std::function<void()> done) {
     Refuse("the server is ending");
     m_jobs = std::move(last);
     if (m_desense.IsActive()) static_cast<void>(m_desense.Stop());
+    m_loop.After(lineGrace, [this, started = m_started] {
+        if (m_running && m_started == started) Abandon();
+    });
+    Pump();
+}
+
+void Station::Abandon() {
+    m_session->Abandon();
+    m_hasAbandoned = true;
+    m_jobs.push_front(*std::exchange(m_running, std::nullopt));
+    Refuse("the server is ending");
     Pump();
 }
 

@@ -80,8 +80,10 @@ public:
     bool IsSweeping() const { return m_mode != Mode::Hold && MaySweep(); }
     /// Somebody came or went.
     void AudienceChanged();
-    /// Saves the state and drops what waits; `done` is called once no line runs.
+    /// Saves the state and drops what waits; `done` is called once no line runs. One that goes on for long is given up.
     void End(std::function<void()> done);
+    /// A line runs on in the plug-in: the process has to end by std::_Exit().
+    bool HasAbandoned() const { return m_hasAbandoned; }
 
     static constexpr std::size_t longestLine = 16384;
 
@@ -114,6 +116,7 @@ private:
     void Start(Job job);
     void Refuse(const std::string& reason);
     void Finish(const TarnSession::Exchange& exchange);
+    void Abandon();
     void TakeSettings(const Job& job);
     OSAL::Outcome<> TakeCapture(const Job& job, const TarnSession::Exchange& exchange);
     void RestoreTuning();
@@ -167,9 +170,11 @@ private:
     std::string m_trouble;
     Clock::time_point m_nextSweep{};
     Clock::time_point m_channelsTold{};
-    bool m_isWaiting = false;  ///< a timer will pump
-    bool m_isSaving = false;   ///< a timer will save
+    bool m_isWaiting = false;     ///< a timer will pump
+    bool m_isSaving = false;      ///< a timer will save
+    std::uint64_t m_started = 0;  ///< lines so far
     bool m_isEnding = false;
+    bool m_hasAbandoned = false;
     std::function<void()> m_ended;
 };
 

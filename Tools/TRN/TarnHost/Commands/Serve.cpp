@@ -24,10 +24,11 @@ ExitStatus Execute(const ServeOptions& options, Context& context) {
     const std::jthread stopper([&](const std::stop_token& stop) {
         while (!stop.stop_requested() && !context.watch.IsRequested())
             std::this_thread::sleep_for(20ms);
-        context.watch.Forget();  // the end may take as long as the line that runs; a second signal doesn't wait for it
+        context.watch.Forget();  // what clients still get may take its time; a second signal doesn't wait for it
         opened.Value()->Stop();
     });
     opened.Value()->Run();
+    context.hasAbandoned = opened.Value()->HasAbandoned();
     context.watch.Forget();  // an end that was asked for is a good one
     return Success;
 }
