@@ -93,10 +93,10 @@ const Kelp64f* makeTwiddles(Arena& arena, int order, int rows, int group) {
 }
 
 /// Splits 2^bits into radices of at most 8, as few and as even as can be, the smaller ones first.
-void chooseRadices(KelpsFFTSpec_C_64fc& spec, int bits) {
-    spec.passes = std::max(1, (bits + 2) / 3);
+void chooseRadices(KelpsFFTSpec_C_64fc& spec, unsigned bits) {
+    spec.passes = static_cast<int>(std::max(1U, (bits + 2) / 3));
     for (int pass = 0; pass < spec.passes; pass++) {
-        const int share = bits / (spec.passes - pass);
+        const unsigned share = bits / static_cast<unsigned>(spec.passes - pass);
         spec.radix[pass] = 1 << share;
         bits -= share;
     }
@@ -148,7 +148,7 @@ void plan(KelpsFFTSpec_C_64fc& spec, Arena& arena, const KelpKernel& kernel, int
     const bool isShort = spec.directOrder < 2 * log2Of(kernel.fft.group) + (kernel.fft.isPaired ? 1 : 0);
     spec.fft = isShort ? &kelpSinglePointFft : &kernel.fft;
     const int group = spec.fft->group, tailBits = 2 * log2Of(group);
-    chooseRadices(spec, spec.directOrder - tailBits);
+    chooseRadices(spec, static_cast<unsigned>(spec.directOrder - tailBits));
     int bits = spec.directOrder;
     for (int pass = 0; pass < spec.passes; pass++) {
         spec.twiddle[pass] = makeTwiddles(arena, bits, spec.radix[pass], group);
