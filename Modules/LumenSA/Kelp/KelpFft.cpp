@@ -148,14 +148,15 @@ void plan(KelpsFFTSpec_C_64fc& spec, Arena& arena, const KelpKernel& kernel, int
     const bool isShort = spec.directOrder < 2 * log2Of(kernel.fft.group) + (kernel.fft.isPaired ? 1 : 0);
     spec.fft = isShort ? &kelpSinglePointFft : &kernel.fft;
     const int group = spec.fft->group, tailBits = 2 * log2Of(group);
-    chooseRadices(spec, static_cast<unsigned>(spec.directOrder - tailBits));
+    const auto headBits = static_cast<unsigned>(std::max(spec.directOrder - tailBits, 0));
+    chooseRadices(spec, headBits);
     int bits = spec.directOrder;
     for (int pass = 0; pass < spec.passes; pass++) {
         spec.twiddle[pass] = makeTwiddles(arena, bits, spec.radix[pass], group);
         bits -= log2Of(spec.radix[pass]);
     }
     spec.tailTwiddle = makeTwiddles(arena, tailBits, group, group);
-    spec.rows = std::int32_t{1} << (spec.directOrder - tailBits);
+    spec.rows = std::int32_t{1} << headBits;
     makeRowTable(spec, arena);
     if (order != spec.directOrder) makeHugeTables(spec, arena);
 }
