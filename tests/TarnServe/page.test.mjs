@@ -137,6 +137,7 @@ test('a desense test goes on without its page, and another page shows its end', 
   assert.deepEqual(told, [['52', 'FAIL'], ['13', 'FAIL'], ['36', 'PASS']]); // worst first
   await page.locator('[data-desense="2.4/13"]').click();
   await page.locator('canvas[aria-label^="Spectrum of 2.4 GHz channel 13: chain A average -11"]').waitFor();
+  await textWhere(page, '.desense h2', (text) => /channel 13, no load/.test(text));
   const opens = page.waitForEvent('popup');
   await page.locator('[data-test="short"] a').first().click();
   assert.match(await (await opens).locator('h1').innerText(), /FAIL/);

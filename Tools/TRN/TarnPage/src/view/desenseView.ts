@@ -33,6 +33,10 @@ export function desenseView(model: Model, actions: Actions): DesenseView {
   /** A person chose what is selected; else it is the first, at the end the worst. */
   let isChosen = false;
   let graph: DesenseGraph | undefined;
+  /** What the graph was measured under: a row that hasn't been judged was swept without load. */
+  let graphPass = '';
+  /** The row that the graph was asked for, as text: another figure of it is another graph. */
+  let asked = '';
   let isPainted = false;
 
   // ---- orders
@@ -163,7 +167,6 @@ export function desenseView(model: Model, actions: Actions): DesenseView {
 
   function showWhole(test: DesenseWhole): void {
     const place = selected && test.channels.find((row) => isSame(row, selected!));
-    const wasSelected = selected;
     selected = place;
     empty.hidden = test.channels.length > 0;
     table.hidden = !empty.hidden;
@@ -189,8 +192,8 @@ export function desenseView(model: Model, actions: Actions): DesenseView {
     isChosen &&= selected !== undefined;
     if (!isChosen && test.phase === 'ended') selected = undefined;
     const next = selected ?? test.channels[0];
-    if (next && (next !== selected || wasSelected?.levels.length !== next.levels.length || !isActive(test.phase)))
-      void select(next);
+    if (!next) asked = '';
+    else if (next !== selected || JSON.stringify(next) !== asked) void select(next);
     isPainted = false;
     model.tell('view');
   }
@@ -235,11 +238,13 @@ export function desenseView(model: Model, actions: Actions): DesenseView {
     selected = row;
     for (const element of Array.from(rows.children))
       element.classList.toggle('selected', (element as HTMLElement).dataset.desense === `${row.band}/${row.channel}`);
-    try {
-      graph = await api.desenseGraph(row.band, row.channel);
-    } catch {
-      graph = undefined; // a new test has begun
-    }
+    const key = (asked = JSON.stringify(row));
+    const found = await api.desenseGraph(row.band, row.channel).catch(() => undefined); // none: a new test has begun
+    if (asked !== key) return; // another was chosen meanwhile
+    graph = found;
+    if (!found) asked = '';
+    const isLoadedPass = row.verdict !== '';
+    graphPass = isLoadedPass ? (whole?.order?.config.disableBit === 'true' ? 'no load' : 'loaded') : 'idle';
     isPainted = false;
     model.tell('view');
   }
@@ -257,7 +262,7 @@ export function desenseView(model: Model, actions: Actions): DesenseView {
     const hasGraph = Boolean(graph?.levels.some((level) => level.average.length) && selected);
     canvas.hidden = graphTitle.hidden = !hasGraph;
     if (!hasGraph) return;
-    graphTitle.textContent = `${selected!.band} GHz channel ${selected!.channel}: average bold, maximum thin, B dashed`;
+    graphTitle.textContent = `${selected!.band} GHz channel ${selected!.channel}, ${graphPass}: average bold, maximum thin, B dashed`;
     canvas.setAttribute(
       'aria-label',
       `Spectrum of ${selected!.band} GHz channel ${selected!.channel}: ` +
