@@ -420,7 +420,7 @@ test('a desense test rests, goes on, ends and keeps what it measured, and refuse
     ...{ LBChannels: '13', HBChannels: [36, 52], UHBChannels: [] },
   };
   for (const action of ['pause', 'resume', 'stop']) assert.equal(await order(action), 409, action);
-  for (const wrong of [{ bw: 21 }, { iterations: 0 }, { iterations: '2x' }, { bitcfg: '../x' }, { more: 1 }, { HBChannels: 'x' }, { rbw: 'nan' }])
+  for (const wrong of [{ bw: 21 }, { iterations: 0 }, { iterations: '2x' }, { bitcfg: '../x' }, { more: 1 }, { HBChannels: 'x' }, { HBChannels: ';;' }, { HBChannels: {} }, { UHBChannels: null }, { HBChannels: [36, '52'] }, { HBChannels: [301] }, { rbw: 'nan' }, { rbw: 40 }])
     assert.equal(await order('start', { config: { ...config, ...wrong } }), 400, JSON.stringify(wrong));
   for (const wrong of [{ config: 'none.cfg' }, { config, name: '../up' }, { config, limit: 'none.csv' }, { config, margin_db: -1 }, {}])
     assert.ok([400, 409].includes(await order('start', wrong)), JSON.stringify(wrong));
@@ -444,8 +444,8 @@ test('a desense test rests, goes on, ends and keeps what it measured, and refuse
   // a long one, out of a file, that has the adapter for itself until it is stopped
   const lines = Object.entries({ ...config, iterations: 100, HBChannels: '[36;52]', LBChannels: '[1;2;3;4;5;6;7;8;9;10;11;12;13]', UHBChannels: '[]' });
   const file = lines.map((line) => `${line.join(',')}\n`).join('');
-  writeFileSync(join(server.folder, 'data', 'long.cfg'), file);
-  writeFileSync(join(server.folder, 'data', 'twice.cfg'), `${file}bw,20\n`);
+  writeFileSync(join(server.folder, 'data', 'long.cfg'), `${file.replace('true', 'TRUE')}a tenth line`);
+  writeFileSync(join(server.folder, 'data', 'twice.cfg'), `bw,20\n${file}`);
   assert.equal(await order('start', { config: 'twice.cfg' }), 400);
   assert.equal(await order('start', { name: 'short', config: 'long.cfg' }), 409); // keeps what is there
   assert.equal(await order('start', { name: 'long', config: 'long.cfg' }), 200);

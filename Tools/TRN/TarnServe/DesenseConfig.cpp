@@ -1,9 +1,12 @@
 #include "DesenseConfig.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <cmath>
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <ranges>
 
 #include "Guard.h"
 
@@ -17,6 +20,8 @@ constexpr std::array<std::string_view, DesenseConfig::keyCount> keys = {
     "bw", "rbw", "chainMode", "iterations", "bitcfg", "disableBit", "LBChannels", "HBChannels", "UHBChannels"};
 constexpr std::size_t longestText = 64 << 10;
 constexpr int mostIterations = 100;
+constexpr int highestChannel = 300;
+constexpr std::array<double, 4> resolutions_khz = {39.0625, 78.125, 156.25, 312.5};
 
 std::string Shown(std::string_view text) {
     return "'" + std::string(text.substr(0, 80)) + "'";
@@ -33,16 +38,34 @@ bool IsNumber(const std::string& text, Number low, Number high) {
     return error == std::errc() && end == text.data() + text.size() && value >= low && value <= high;
 }
 
-/// A value of a request as the file writes it; empty for one that has no such form.
-std::string TextOf(const Json& value) {
+bool IsList(std::size_t key) {
+    return key >= FirstList;
+}
+
+/// A value of a request as the file writes it; nothing for one that has no such form.
+std::optional<std::string> TextOf(std::size_t key, const Json& value) {
     if (value.is_string()) return value.get<std::string>();
-    if (value.is_boolean()) return value.get<bool>() ? "true" : "false";
-    if (value.is_number()) return value.dump();
+    if (!IsList(key)) {
+        if (value.is_boolean()) return value.get<bool>() ? "true" : "false";
+        return value.is_number() ? std::optional(value.dump()) : std::nullopt;
+    }
+    if (!value.is_array()) return std::nullopt;
     std::string list;
-    if (value.is_array())
-        for (const Json& item : value)
-            list += (list.empty() ? "" : ";") + (item.is_number_integer() ? item.dump() : std::string("?"));
+    for (const Json& item : value) {
+        if (!item.is_number_integer()) return std::nullopt;
+        list += (list.empty() ? "" : ";") + item.dump();
+    }
     return list;
+}
+
+bool IsChannelList(const std::string& list) {
+    return list.empty() || std::ranges::all_of(std::views::split(list, ';'), [](const auto& number) {
+               return IsNumber(std::string(number.begin(), number.end()), 1, highestChannel);
+           });
+}
+
+bool IsResolution(const std::string& text) {
+    return std::ranges::any_of(resolutions_khz, [&](double rbw_khz) { return IsNumber(text, rbw_khz, rbw_khz); });
 }
 
 }  // namespace
@@ -50,7 +73,7 @@ std::string TextOf(const Json& value) {
 OSAL::Outcome<DesenseConfig> DesenseConfig::FromText(std::string_view text) {
     if (text.size() > longestText) return OSAL::Refusal{"the configuration is too long"};
     Json values = Json::object();
-    while (!text.empty()) {
+    while (!text.empty() && values.size() < keyCount) {
         const std::size_t end = std::min(text.find('\n'), text.size());
         std::string line(text.substr(0, end));
         text.remove_prefix(std::min(end + 1, text.size()));
@@ -59,7 +82,7 @@ OSAL::Outcome<DesenseConfig> DesenseConfig::FromText(std::string_view text) {
         const std::size_t comma = line.find(',');
         if (comma == std::string::npos) return OSAL::Refusal{Shown(line) + " isn't a line KEY,VALUE"};
         const std::string key = line.substr(0, comma);
-        std::string value = line.substr(comma + 1);
+        std::string value = line.substr(comma + 1, line.find(',', comma + 1) - comma - 1);
         if (values.contains(key)) return OSAL::Refusal{"the configuration says " + Shown(key) + " twice"};
         if (key.ends_with("Channels")) {
             if (value.size() < 2 || value.front() != '[' || value.back() != ']')
@@ -80,8 +103,15 @@ OSAL::Outcome<DesenseConfig> DesenseConfig::FromJson(const Json& json) {
     for (std::size_t k = 0; k < keyCount; ++k) {
         const auto value = json.find(keys[k]);
         if (value == json.end()) return OSAL::Refusal{"the configuration has no " + std::string(keys[k])};
-        config.m_values[k] = TextOf(*value);
+        const auto text = TextOf(k, *value);
+        if (!text)
+            return OSAL::Refusal{
+                std::string(keys[k]) + " must be " +
+                (IsList(k) ? "an array of channel numbers or a text such as 1;6;11" : "a text or a number")};
+        config.m_values[k] = *text;
     }
+    for (char& letter : config.m_values[DisableBit])
+        letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
     const auto checked = config.Check();
     if (!checked) return checked.Why();
     return config;
@@ -92,15 +122,14 @@ OSAL::Outcome<> DesenseConfig::Check() const {
         return OSAL::Refusal{std::string(keys[key]) + " " + Shown(m_values[key]) + " must be " + wanted};
     };
     if (!IsOneOf(m_values[Width], {"20", "40", "80", "160", "320"})) return wrong(Width, "20, 40, 80, 160 or 320");
-    if (!IsNumber(m_values[Rbw], 1e-3, 1e6)) return wrong(Rbw, "a resolution bandwidth in kHz");
+    if (!IsResolution(m_values[Rbw])) return wrong(Rbw, "39.0625, 78.125, 156.25 or 312.5");
     if (!IsOneOf(m_values[ChainMode], {"A", "B", "AB", "A->B"})) return wrong(ChainMode, "A, B, AB or A->B");
     if (!IsNumber(m_values[Iterations], 1, mostIterations)) return wrong(Iterations, "a whole number from 1 to 100");
     if (!IsFileName(m_values[Bitcfg])) return wrong(Bitcfg, "the plain name of a workload file");
     if (!IsOneOf(m_values[DisableBit], {"true", "false"})) return wrong(DisableBit, "true or false");
     bool hasChannel = false;
     for (std::size_t k = FirstList; k < keyCount; ++k) {
-        if (m_values[k].find_first_not_of("0123456789;") != std::string::npos)
-            return wrong(k, "channel numbers split by ';'");
+        if (!IsChannelList(m_values[k])) return wrong(k, "channel numbers from 1 to 300 split by ';'");
         hasChannel |= !m_values[k].empty();
     }
     if (!hasChannel) return OSAL::Refusal{"the configuration names no channel"};

@@ -13,7 +13,9 @@ namespace TarnServe {
 /// Thread: const use is safe from several threads.
 class DesenseConfig {
 public:
-    /// @param text  a configuration file: nine lines KEY,VALUE, each key once
+    /// @param text  a configuration file: nine lines KEY,VALUE, each key once; what stands behind them, or behind a
+    /// second
+    ///              comma, is left alone
     static OSAL::Outcome<DesenseConfig> FromText(std::string_view text);
     /// @param json  an object with the nine keys; channels as an array of numbers or as a text split by ";"
     static OSAL::Outcome<DesenseConfig> FromJson(const nlohmann::json& json);
