@@ -213,7 +213,7 @@ void DesenseTest::Hear(const std::string& envelope) {
 }
 
 void DesenseTest::TakeMessage(const std::string& text) {
-    m_messages.push_back(text);
+    m_messages.push_back(m_surroundings.hide(text));
     if (m_messages.size() > mostMessages) m_messages.pop_front();
     ++m_revision;
     TellSoon();
@@ -242,6 +242,7 @@ void DesenseTest::TakeEnd(const DesenseResult& result, const std::vector<std::st
     m_trouble = result.trouble;
     for (const std::string& failure : failures)
         m_trouble += (m_trouble.empty() ? "" : "; ") + failure;
+    m_trouble = m_surroundings.hide(m_trouble);
     m_what = m_isInterrupted ? "stopped; what was measured is kept" : "done";
     m_endedUtc = UtcText(std::chrono::system_clock::now());
     ++m_revision;

@@ -37,6 +37,8 @@ struct DesenseSurroundings {
     /// Runs a line behind those that wait, and calls `done` once, on the loop's thread.
     std::function<void(const std::string& line, std::function<void(TarnMeasure::DesenseAnswer)> done)> run;
     std::function<void(std::string_view type, const nlohmann::json& data)> tell;
+    /// A text without the data folder's own path.
+    std::function<std::string(const std::string& text)> hide;
     /// The phase changed.
     std::function<void()> changed;
 };

@@ -15,6 +15,7 @@ DesenseSurroundings Station::SurroundingsOfTest() {
                     Pump();
                 },
             .tell = [this](std::string_view type, const nlohmann::json& data) { Tell(type, data); },
+            .hide = [this](const std::string& text) { return m_folder.Hide(text); },
             .changed = [this] { DesenseChanged(); }};
 }
 
