@@ -117,7 +117,7 @@ test('a desense test goes on without its page, and another page shows its end', 
   const first = await openPage(browser, server);
   await textWhere(first, '#connection', (text) => /● connected/.test(text));
   await first.keyboard.press('t');
-  for (const [band, list] of Object.entries({ LB: '13', HB: '36, 52', UHB: '' }))
+  for (const [band, list] of Object.entries({ LB: '13', HB: '36, 52, 200', UHB: '' }))
     await first.locator(`#desense_${band}Channels`).fill(list);
   await first.locator('#desense_iterations').fill('100');
   await first.locator('#desense_name').fill('short');
@@ -135,6 +135,7 @@ test('a desense test goes on without its page, and another page shows its end', 
   const rows = await page.locator('[data-desense]').allInnerTexts();
   const told = rows.map((row) => row.split(/\s+/)).map((cells) => [cells[2], cells.at(-1)]);
   assert.deepEqual(told, [['52', 'FAIL'], ['13', 'FAIL'], ['36', 'PASS']]); // worst first
+  assert.match(await page.locator('#desense_left_out').innerText(), /5\.2 GHz channel 200 \(/);
   await page.locator('[data-desense="2.4/13"]').click();
   await page.locator('canvas[aria-label^="Spectrum of 2.4 GHz channel 13: chain A average -11"]').waitFor();
   await textWhere(page, '.desense h2', (text) => /channel 13, no load/.test(text));

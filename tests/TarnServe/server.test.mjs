@@ -417,7 +417,7 @@ test('a desense test rests, goes on, ends and keeps what it measured, and refuse
   };
   const config = {
     ...{ bw: 20, rbw: 39.0625, chainMode: 'A->B', iterations: 2, bitcfg: 'Workload.bitcfg', disableBit: true },
-    ...{ LBChannels: '13', HBChannels: [36, 52], UHBChannels: [] },
+    ...{ LBChannels: '13', HBChannels: [36, 52, 200], UHBChannels: [] },
   };
   for (const action of ['pause', 'resume', 'stop']) assert.equal(await order(action), 409, action);
   for (const wrong of [{ bw: 21 }, { iterations: 0 }, { iterations: '2x' }, { bitcfg: '../x' }, { more: 1 }, { HBChannels: 'x' }, { HBChannels: ';;' }, { HBChannels: {} }, { UHBChannels: null }, { HBChannels: [36, '52'] }, { HBChannels: [301] }, { rbw: 'nan' }, { rbw: 40 }])
@@ -429,6 +429,7 @@ test('a desense test rests, goes on, ends and keeps what it measured, and refuse
   const ended = await until('ended');
   const verdicts = ended.channels.map((row) => [row.channel, row.verdict]);
   assert.deepEqual([ended.verdict, verdicts], ['FAIL', [[52, 'FAIL'], [13, 'FAIL'], [36, 'PASS']]]);
+  assert.deepEqual(ended.leftOut.map((one) => [one.band, one.channel]), [['5.2', 200]]);
   assert.ok(ended.channels.every((row) => Math.abs(row.rise_db) < 1)); // it is as loud without the test's own load
   for (const message of stream.messages)
     assert.equal(misfit(api.components.schemas[message.type], message), '', message.type);

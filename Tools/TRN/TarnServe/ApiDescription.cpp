@@ -170,6 +170,7 @@ Json TestSchema(bool isWhole) {
                                  {"limit", text},
                                  {"margin_db", number},
                                  {"idleBaseline", flag}});
+    const Json leftOut = ObjectOf({{"band", text}, {"channel", whole}, {"reason", text}});
     return ObjectOf({{"phase", phase},
                      {"name", text},
                      {"what", text},
@@ -184,6 +185,7 @@ Json TestSchema(bool isWhole) {
                      {"revision", whole},
                      {"order", Either(order, {{"type", "null"}}), !isWhole},
                      {"channels", ArrayOf(channel), !isWhole},
+                     {"leftOut", ArrayOf(leftOut), !isWhole},
                      {"messages", ArrayOf(text), !isWhole}});
 }
 

@@ -78,6 +78,7 @@ void DesenseTest::Start(DesenseOrder order, const std::string& folder, DesenseOr
     m_isInterrupted = false;
     m_step = {};
     m_rows.clear();
+    m_leftOut = Json::array();
     m_messages.clear();
     ++m_revision;
     SetWish(Wish::GoOn);
@@ -237,6 +238,8 @@ void DesenseTest::TakeEnd(const DesenseResult& result, const std::vector<std::st
     m_rows.clear();
     for (const DesenseChannel& channel : result.channels)
         m_rows.push_back({RowJson(channel), channel});
+    for (const DesenseLeftOut& one : result.leftOut)
+        m_leftOut.push_back({{"band", one.band}, {"channel", one.channel}, {"reason", one.reason}});
     m_verdict = VerdictText(result.Gravest());
     m_isInterrupted = result.interrupted;
     m_trouble = result.trouble;
@@ -304,6 +307,7 @@ Json DesenseTest::Whole() const {
     whole["channels"] = Json::array();
     for (const Row& row : m_rows)
         whole["channels"].push_back(row.json);
+    whole["leftOut"] = m_leftOut;
     whole["messages"] = m_messages;
     return whole;
 }

@@ -69,7 +69,7 @@ public:
     const std::string& Name() const { return m_order.name; }
     /// Phase and progress: what the stream tells.
     nlohmann::json Progress() const;
-    /// The same with order, channels and messages.
+    /// The same with order, channels, those left out and messages.
     nlohmann::json Whole() const;
     /// Average and maximum of every in-band bin of a channel that was measured.
     std::optional<nlohmann::json> Graph(const std::string& band, int channel) const;
@@ -109,6 +109,7 @@ private:
     bool m_isInterrupted = false;
     TarnMeasure::DesenseStep m_step;
     std::vector<Row> m_rows;
+    nlohmann::json m_leftOut = nlohmann::json::array();  ///< channels that weren't tried, known at the end
     std::deque<std::string> m_messages;
     std::uint64_t m_revision = 0;  ///< grows with each row and message
     Clock::time_point m_told{};

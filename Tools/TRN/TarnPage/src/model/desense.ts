@@ -52,6 +52,8 @@ export interface DesenseOrder {
 export interface DesenseWhole extends DesenseProgress {
   order: DesenseOrder | null;
   channels: DesenseRow[];
+  /** Known at the end; a message tells each before. */
+  leftOut: { band: string; channel: number; reason: string }[];
   messages: string[];
 }
 

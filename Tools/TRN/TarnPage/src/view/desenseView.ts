@@ -89,6 +89,7 @@ export function desenseView(model: Model, actions: Actions): DesenseView {
     { class: 'empty' },
     'Nothing tested yet: choose the channels above and press Start. The machine is loaded, then every channel is swept.',
   );
+  const leftOut = el('p', { id: 'desense_left_out' });
   const graphTitle = el('h2');
   const canvas = el('canvas', { class: 'desense_graph', role: 'img' });
   const spurRows = el('tbody');
@@ -115,7 +116,7 @@ export function desenseView(model: Model, actions: Actions): DesenseView {
     el(
       'div',
       { class: 'desense_parts' },
-      el('div', { class: 'desense_rows' }, empty, table),
+      el('div', { class: 'desense_rows' }, empty, table, leftOut),
       el('div', {}, graphTitle, canvas, spurs, el('h2', {}, 'Messages'), messages),
     ),
     files.root,
@@ -171,6 +172,8 @@ export function desenseView(model: Model, actions: Actions): DesenseView {
     empty.hidden = test.channels.length > 0;
     table.hidden = !empty.hidden;
     rows.replaceChildren(...test.channels.map(tableRow));
+    const unseen = test.leftOut.map(({ band, channel, reason }) => `${band} GHz channel ${channel} (${reason})`);
+    leftOut.textContent = unseen.length ? `Left out: ${unseen.join(', ')}` : '';
     const found = test.channels.flatMap((row) => row.spurs.map((spur) => ({ row, spur })));
     spurs.hidden = !found.length;
     spurRows.replaceChildren(
