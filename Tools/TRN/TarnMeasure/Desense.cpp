@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <charconv>
 #include <chrono>
 #include <cmath>
 #include <filesystem>
@@ -10,6 +11,9 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <string_view>
+
+#include "OSAL/WholeFile.h"
 
 namespace TarnMeasure {
 
@@ -18,8 +22,11 @@ namespace {
 using Json = nlohmann::json;
 
 constexpr int ConfigLines = 9;
-constexpr double UsualRoom_db = 3.0;  ///< above the reference, without limits of one's own
+constexpr double UsualRoom_db = 3.0;          ///< above the reference, without limits of one's own
+constexpr double ReferenceRbw_khz = 39.0625;  ///< that the references are for
 constexpr const char* LostLoad = "the workload ended before its time";
+constexpr const char* IdleLoad = "a load was running in the idle pass";
+constexpr const char* IdleAlone = "measured without load alone: its levels are idle ones";
 
 using Clock = std::chrono::steady_clock;
 
@@ -67,24 +74,31 @@ std::string Stamped(const Json& message, const std::string& said) {
     return message["data"].value("timestamp", "") + "  " + said;
 }
 
-/// The summary's desense by band and channel.
-std::map<std::pair<std::string, int>, double> ReadSummary(const std::string& path) {
-    std::map<std::pair<std::string, int>, double> values;
-    std::ifstream file(path);
-    std::string line;
-    std::getline(file, line);
-    while (std::getline(file, line)) {
-        std::array<std::string, 3> fields;
-        std::istringstream stream(line);
-        for (std::string& field : fields) {
-            std::getline(stream, field, ',');
-            field.erase(0, field.find_first_not_of(' '));
-        }
-        const auto band = std::ranges::find_if(Bands, [&](const BandRow& row) { return fields[2] == row.summary; });
-        if (band != Bands.end())
-            values[{band->name, std::atoi(fields[0].c_str())}] = std::strtod(fields[1].c_str(), nullptr);
+/// A line of the summary: whose, and its desense.
+struct SummaryRow {
+    std::string band;  ///< empty: no row of a channel
+    int channel = 0;
+    double desense_db = 0;
+};
+
+SummaryRow RowOf(const std::string& line) {
+    std::array<std::string, 3> fields;
+    std::istringstream stream(line);
+    for (std::string& field : fields) {
+        std::getline(stream, field, ',');
+        field.erase(0, field.find_first_not_of(' '));
     }
-    return values;
+    const auto band = std::ranges::find_if(Bands, [&](const BandRow& row) { return fields[2] == row.summary; });
+    if (band == Bands.end()) return {};
+    return {band->name, std::atoi(fields[0].c_str()), std::strtod(fields[1].c_str(), nullptr)};
+}
+
+/// A channel's number as the plug-in compares it: digits alone. 0 for any other text.
+int ChannelNumber(std::string_view text) {
+    int number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    const bool isWhole = error == std::errc() && end == text.data() + text.size();
+    return isWhole && number > 0 && text.front() != '0' ? number : 0;
 }
 
 /// One test from its configuration to its verdicts.
@@ -94,27 +108,21 @@ public:
 
     DesenseResult Run() {
         const Clock::time_point begin = Clock::now();
-        if (ReadConfig() && RemoveOldFiles()) {
-            bool goesOn = true;
+        if (PathsAreFine() && ReadConfig() && MayMeasureIdle() && RemoveOldFiles()) {
             m_step.total = m_result.channels.size() * Chains().size() * static_cast<std::size_t>(m_result.iterations) *
                            (m_request.idleBaseline ? 2 : 1);
+            bool goesOn = true;
             if (m_request.idleBaseline) {
                 m_isIdle = true;
                 goesOn = Pass("-vesper_disable_bit true -start_vesper_test");
-                if (Export(true)) m_idle = ReadSummary(Summary());
                 m_isIdle = false;
-                if (goesOn) goesOn = ReadConfig();
-                for (DesenseChannel& channel : m_result.channels) {
-                    channel.levels.clear();
-                    channel.spurs.clear();
-                    channel.judgement = {};
-                }
+                goesOn = goesOn && ReadConfig();
             }
-            const bool isLoaded = goesOn;
             if (goesOn) Pass("-start_vesper_test");
-            if (Export(false) && isLoaded) m_loaded = ReadSummary(Summary());
+            KeepMessages();
         }
         Judge();
+        TellSetUp();
         m_result.duration_s = SecondsSince(begin);
         return std::move(m_result);
     }
@@ -133,6 +141,7 @@ private:
             if (message.is_null()) continue;
             if (const auto said = SaidIn(message)) {
                 m_result.messages.push_back(Stamped(message, *said));
+                m_log += '[' + message["data"].value("timestamp", "") + "] >> " + *said + '\n';
                 if (!answer.wereShown) m_io.message(m_result.messages.back());
                 m_hasStartedLoad |= *said == "BurnInTest process started.";
                 TakeSpur(*said);
@@ -153,6 +162,26 @@ private:
         return found == messages.end() ? nullptr : &(*found)["data"];
     }
 
+    /// A command line has no way to write a quotation mark within a value.
+    bool PathsAreFine() {
+        for (const std::string& path : {m_request.config, m_request.folder})
+            if (path.find('"') != std::string::npos)
+                Fail("the path '" + path + "' holds a quotation mark, which no path of a test may");
+        return m_result.trouble.empty();
+    }
+
+    /// What is measured beside a load that runs already is no idle figure.
+    bool MayMeasureIdle() {
+        if (!m_request.idleBaseline || !m_io.isLoaded()) return true;
+        if (m_isLoadDisabled) {
+            m_io.message("a load runs already: the figures without load hold it too");
+            return true;
+        }
+        Fail("a load runs already, so that nothing can be measured without load: end it first");
+        m_result.channels.clear();
+        return false;
+    }
+
     bool ReadConfig() {
         const auto messages = Line("-vesper_set_config_file " + Quoted(m_request.config));
         const Json* settings = messages ? Find(*messages, "Vesper Settings Response") : nullptr;
@@ -162,6 +191,7 @@ private:
         m_result.chainMode = settings->value("chainMode", "");
         m_result.iterations = std::atoi(settings->value("iterations", "").c_str());
         if (!m_result.channels.empty()) return true;
+        if (!m_request.limits) m_limits = UsualLimits();
         for (const Json& band : settings->value("channels", Json::array())) {
             const auto row =
                 std::ranges::find_if(Bands, [&](const BandRow& one) { return band.value("band", "") == one.messages; });
@@ -201,25 +231,36 @@ private:
         std::string line;
         for (int k = 0; k < ConfigLines && std::getline(file, line); ++k) {
             const std::size_t comma = line.find(',');
-            const auto row = std::ranges::find_if(
-                Bands, [&](const BandRow& band) { return line.compare(0, comma, band.list) == 0; });
-            if (row == Bands.end() || comma == std::string::npos) continue;
-            std::istringstream list(line.substr(comma + 1, line.find_first_of(",\r", comma + 1) - comma - 1));
-            // The plug-in drops the first and the last character unseen, so that digits there would change a channel.
-            const std::string text = list.str();
-            if (!text.empty() && (std::isdigit(static_cast<unsigned char>(text.front())) ||
-                                  std::isdigit(static_cast<unsigned char>(text.back()))))
-                Fail(std::string(row->list) + ": the channels must stand in brackets, such as [1;6]");
-            list.ignore();  // the bracket
-            for (int number = 0; list >> number; list.ignore()) {
-                const auto isIt = [&](const auto& one) { return one.channel == number && one.band == row->name; };
-                if (std::ranges::any_of(m_result.channels, isIt) || std::ranges::any_of(m_result.leftOut, isIt))
-                    continue;
-                m_result.leftOut.push_back(
-                    {row->name, number, "the adapter hasn't it at " + m_result.bandwidth + " MHz"});
-                m_io.message("left out: " + std::string(row->name) + " GHz channel " + std::to_string(number) + ", " +
-                             m_result.leftOut.back().reason);
-            }
+            if (comma == std::string::npos) continue;
+            const std::string key = line.substr(0, comma);
+            const std::string value = line.substr(comma + 1, line.find_first_of(",\r", comma + 1) - comma - 1);
+            if (key == "bitcfg") m_loadFile = value;
+            if (key == "disableBit")
+                m_isLoadDisabled = value.size() == 4 && std::tolower(static_cast<unsigned char>(value[0])) == 't';
+            if (const auto row = std::ranges::find(Bands, key, &BandRow::list); row != Bands.end())
+                FindLeftOut(*row, value);
+        }
+    }
+
+    void FindLeftOut(const BandRow& row, const std::string& list) {
+        // The plug-in drops the first and the last character unseen, so that digits there would change a channel.
+        if (!list.empty() && (std::isdigit(static_cast<unsigned char>(list.front())) ||
+                              std::isdigit(static_cast<unsigned char>(list.back()))))
+            Fail(std::string(row.list) + ": the channels must stand in brackets, such as [1;6]");
+        std::istringstream tokens(list.size() < 2 ? "" : list.substr(1, list.size() - 2));
+        for (std::string text; std::getline(tokens, text, ';');) {
+            const int number = ChannelNumber(text);
+            const bool isKnown =
+                std::ranges::any_of(m_result.channels,
+                                    [&](const auto& one) { return one.channel == number && one.band == row.name; }) ||
+                std::ranges::any_of(m_result.leftOut,
+                                    [&](const auto& one) { return one.text == text && one.band == row.name; });
+            if (text.empty() || isKnown) continue;
+            m_result.leftOut.push_back({row.name, number, text,
+                                        number > 0 ? "the adapter hasn't it at " + m_result.bandwidth + " MHz"
+                                                   : "'" + text + "' isn't a channel number, digits alone"});
+            m_io.message("left out: " + std::string(row.name) + " GHz channel " + text + ", " +
+                         m_result.leftOut.back().reason);
         }
     }
 
@@ -230,19 +271,34 @@ private:
 
     std::size_t ChainCount() const { return Chains()[0] == "AB" ? 2 : Chains().size(); }
 
+    bool IsComplete(const DesenseChannel& channel) const { return channel.levels.size() >= ChainCount(); }
+
     /// One sweep of everything. False: the test ends here.
     bool Pass(const std::string& start) {
         bool goesOn = Line(start).has_value();
+        const bool hasBegun = goesOn;
+        if (hasBegun) ForgetLevels();
         for (DesenseChannel& channel : m_result.channels) {
             m_current = &channel;
             for (const std::string& chain : Chains())
                 goesOn = goesOn && SweepChain(channel, chain);
             if (goesOn && !channel.levels.empty()) TakeGraph(channel);
-            if (goesOn && m_io.measured) TellMeasured(channel);
+            if (goesOn) TellMeasured(channel);
         }
         m_current = nullptr;
+        if (hasBegun) Export();  // before the load's end, which may take longer than whoever stops it waits
         if (!m_result.outOfReach) Line("-stop_vesper_test");
         return goesOn && !m_result.outOfReach;
+    }
+
+    /// What a pass measures takes the place of the one before.
+    void ForgetLevels() {
+        m_levelsAreIdle = m_isIdle;
+        for (DesenseChannel& channel : m_result.channels) {
+            channel.levels.clear();
+            channel.spurs.clear();
+            if (channel.judgement.invalid != IdleLoad) channel.judgement = {};
+        }
     }
 
     /// All iterations of a channel with one chain, or up to what makes them worthless. False: the test ends here.
@@ -258,6 +314,7 @@ private:
             m_step.sweeping_s += SecondsSince(sweepBegin);
             if (m_result.outOfReach) return false;
             if (reason.empty() && IsLoadLost()) reason = LostLoad;
+            if (reason.empty() && m_isIdle && !m_isLoadDisabled && m_io.isLoaded()) reason = IdleLoad;
         }
         m_step.done = begin + static_cast<std::size_t>(m_result.iterations);
         if (!reason.empty()) channel.judgement.invalid = reason;
@@ -277,6 +334,7 @@ private:
     bool MaySweep() {
         bool goesOn = true;
         if (m_io.wantsRest && m_io.wantsRest()) {
+            Export();  // an end while the load comes up again leaves no way to
             Line("-stop_vesper_test");
             if (m_result.outOfReach) return false;
             goesOn = m_io.rest();
@@ -288,14 +346,11 @@ private:
     }
 
     /// The summary is written anew behind each channel: it tells the figures, and outlives the process.
-    void TellMeasured(DesenseChannel channel) {
-        if (!Export(true)) return;
-        (m_isIdle ? m_idle : m_loaded) = ReadSummary(Summary());
-        if (!m_isIdle)
-            Judge(channel);
-        else if (const auto idle = m_idle.find({channel.band, channel.channel}); idle != m_idle.end())
-            channel.idle_db = idle->second;
-        m_io.measured(channel);
+    void TellMeasured(const DesenseChannel& channel) {
+        if (!ExportSummary() || !m_io.measured) return;
+        DesenseChannel told = channel;
+        if (!m_isIdle) Judge(told);
+        m_io.measured(told);
     }
 
     void Sweep(DesenseChannel& channel, const std::string& chain, int iteration, std::string& reason) {
@@ -367,37 +422,74 @@ private:
             same->level_dbm = std::max(same->level_dbm, spur.level_dbm);
     }
 
-    std::string Summary() const { return m_request.folder + "/summary.csv"; }
+    std::string InFolder(const char* name) const { return m_request.folder + "/" + name; }
 
-    /// False: the summary is not of this test.
-    bool Export(bool isIdle) {
+    void Export() {
+        if (ExportSummary() && !m_isIdle &&
+            std::ranges::any_of(m_result.channels, [&](const auto& one) { return IsComplete(one); }))
+            Line("-dump_vesper_data " + Quoted(InFolder("bins.csv")));
+    }
+
+    /// Writes the summary of the pass and takes its figures. The plug-in counts a chain that is missing as 0 dBm, so
+    /// that a channel stands in the file only when it is complete, and the file only with a channel. False: it failed.
+    bool ExportSummary() {
         if (m_result.outOfReach) return false;
-        const bool isWritten = Line("-export_vesper_result " + Quoted(Summary())).has_value();
-        if (isIdle) return isWritten;
-        Line("-dump_vesper_data " + Quoted(m_request.folder + "/bins.csv"));
-        Line("-vesper_save_test_messages " + Quoted(m_request.folder + "/messages.log"));
-        return isWritten;
+        const std::string path = InFolder(m_isIdle ? "summary-idle.csv" : "summary.csv");
+        if (!Line("-export_vesper_result " + Quoted(path))) return false;
+        std::ifstream file(path);
+        std::string line, kept;
+        if (!std::getline(file, line)) {
+            Fail("can't read '" + path + "', which holds the desense of each channel");
+            return false;
+        }
+        kept = line + '\n';
+        bool hasLeftOut = false, hasRow = false;
+        while (std::getline(file, line)) {
+            const bool isKept = TakeRow(RowOf(line));
+            (isKept ? hasRow : hasLeftOut) = true;
+            if (isKept) kept += line + '\n';
+        }
+        file.close();
+        if (hasRow && !hasLeftOut) return true;
+        std::error_code error;
+        if (!hasRow) std::filesystem::remove(path, error);
+        if (error) Fail("can't remove '" + path + "': " + error.message());
+        if (const auto written = hasRow ? OSAL::WriteWholeFile(path, kept) : OSAL::Outcome<>(); !written)
+            Fail(written.Reason());
+        return true;
+    }
+
+    /// False: the row is of no channel that was measured whole.
+    bool TakeRow(const SummaryRow& row) {
+        for (DesenseChannel& one : m_result.channels) {
+            if (one.band != row.band || one.channel != row.channel || !IsComplete(one)) continue;
+            if (m_isIdle && one.judgement.invalid == IdleLoad) return false;
+            (m_isIdle ? one.idle_db : one.desense_db) = row.desense_db;
+            return true;
+        }
+        return false;
+    }
+
+    /// The driver's own copy: the plug-in's is out of reach behind a line that was given up.
+    void KeepMessages() {
+        const auto written = OSAL::WriteWholeFile(InFolder("messages.log"), m_log);
+        if (!written) Fail(written.Reason());
     }
 
     void Judge() {
-        for (DesenseChannel& channel : m_result.channels)
+        for (DesenseChannel& channel : m_result.channels) {
+            if (m_levelsAreIdle && !channel.levels.empty() && channel.judgement.invalid.empty())
+                channel.judgement.invalid = IdleAlone;
             Judge(channel);
+        }
         std::ranges::stable_sort(m_result.channels, [](const DesenseChannel& a, const DesenseChannel& b) {
             return a.desense_db.value_or(-1e9) > b.desense_db.value_or(-1e9);
         });
     }
 
     void Judge(DesenseChannel& channel) {
-        const std::pair key{channel.band, channel.channel};
-        if (const auto found = m_loaded.find(key); found != m_loaded.end() && channel.levels.size() >= ChainCount())
-            channel.desense_db = found->second;
-        if (const auto found = m_idle.find(key); found != m_idle.end()) channel.idle_db = found->second;
-        Judge(channel, m_limits);
-    }
-
-    void Judge(DesenseChannel& channel, const Limits& limits) {
         std::string invalid = channel.judgement.invalid;
-        if (invalid.empty() && channel.levels.size() < ChainCount()) invalid = "not measured";
+        if (invalid.empty() && !IsComplete(channel)) invalid = "not measured";
         std::optional<Judgement> worst;
         for (const DesenseLevel& level : channel.levels) {
             Reading reading;
@@ -408,7 +500,7 @@ private:
             reading.graph = level.average;
             reading.step_mhz = std::strtod(m_result.rbw_khz.c_str(), nullptr) / 1000.0;
             reading.first_mhz = channel.centre_mhz - reading.bandwidth_mhz / 2;
-            const auto judged = limits.Judge(reading, m_request.margin_db);
+            const auto judged = m_limits.Judge(reading, m_request.margin_db);
             if (judged && (!worst || !(judged->Excess() <= worst->Excess()))) worst = judged;
         }
         if (worst) channel.judgement = *worst;
@@ -419,23 +511,44 @@ private:
         channel.judgement.invalid = invalid;
     }
 
-    static Limits UsualLimits() {
+    /// The references are levels in one RBW, so that they rise with it.
+    Limits UsualLimits() const {
+        const double rbw_khz = std::strtod(m_result.rbw_khz.c_str(), nullptr);
+        const double wider_db = rbw_khz > 0 ? 10 * std::log10(rbw_khz / ReferenceRbw_khz) : 0;
         std::string csv = "band,limit_dbm\n";
         for (const BandRow& row : Bands)
-            csv += std::string(row.name) + "," + std::to_string(row.reference_dbm + UsualRoom_db) + "\n";
+            csv += std::string(row.name) + "," + std::to_string(row.reference_dbm + UsualRoom_db + wider_db) + "\n";
         return *Limits::Parse(csv);
+    }
+
+    void TellSetUp() {
+        char margin[32];
+        std::snprintf(margin, sizeof margin, "%.1f dB", m_request.margin_db);
+        std::string limit = m_request.limitText;
+        if (limit.empty()) limit = m_request.limits ? "given: each channel's own" : "3 dB above each band's reference";
+        std::string load = m_loadFile + (m_hasLostLoad      ? ": " + std::string(LostLoad)
+                                         : m_hasStartedLoad ? ": it ran"
+                                                            : ": it didn't run");
+        if (m_isLoadDisabled) load = "none (disableBit,true)";
+        m_result.setUp = {{"limit", limit},
+                          {"margin", margin},
+                          {"load", load},
+                          {"without load first", m_request.idleBaseline ? "yes" : "no"}};
     }
 
     const DesenseRequest& m_request;
     const DesenseIo& m_io;
-    const Limits m_limits = m_request.limits ? *m_request.limits : UsualLimits();
+    Limits m_limits = m_request.limits.value_or(Limits());
     DesenseResult m_result;
     DesenseChannel* m_current = nullptr;
     DesenseStep m_step;
+    std::string m_loadFile;
+    std::string m_log;  ///< the messages as the plug-in's own file has them
+    bool m_isLoadDisabled = false;
     bool m_hasStartedLoad = false;
     bool m_hasLostLoad = false;
-    bool m_isIdle = false;  ///< the pass without load
-    std::map<std::pair<std::string, int>, double> m_idle, m_loaded;
+    bool m_isIdle = false;         ///< the pass without load
+    bool m_levelsAreIdle = false;  ///< no pass under load has begun since
 };
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Limits.h"
@@ -16,10 +17,11 @@ namespace TarnMeasure {
 
 struct DesenseRequest {
     std::string config;            ///< file of nine lines KEY,VALUE
-    std::string folder;            ///< gets summary.csv, bins.csv and messages.log
+    std::string folder;            ///< gets the tables and messages.log
     bool idleBaseline = false;     ///< sweep without load first
-    std::optional<Limits> limits;  ///< of levels in one RBW; without it 3 dB above the reference of each band
+    std::optional<Limits> limits;  ///< of levels in one RBW; without it 3 dB above each band's reference in it
     double margin_db = 1.0;
+    std::string limitText = {};  ///< how the limits were given, for the report
 };
 
 /// What a command line of the front-end variant gave.
@@ -90,7 +92,8 @@ struct DesenseChannel {
 /// A channel of the configuration that wasn't tried.
 struct DesenseLeftOut {
     std::string band;
-    int channel = 0;
+    int channel = 0;   ///< 0: the text is no channel number
+    std::string text;  ///< as the configuration has it
     std::string reason;
 };
 
@@ -100,6 +103,7 @@ struct DesenseResult {
     std::vector<DesenseChannel> channels;  ///< worst first
     std::vector<DesenseLeftOut> leftOut;   ///< costs no verdict
     std::vector<std::string> messages;
+    std::vector<std::pair<std::string, std::string>> setUp;  ///< names and values: limit, margin, load, idle pass
     std::string trouble;    ///< why it ended early, or what went wrong besides; empty: nothing
     double duration_s = 0;  ///< waits included, by a clock that never jumps
     bool interrupted = false;
@@ -114,8 +118,8 @@ struct DesenseResult {
 std::optional<double> DesenseReference(const std::string& band);
 
 /// What a test leaves in its folder. The last three are written by who has the result.
-inline constexpr std::array<const char*, 6> DesenseFiles{"summary.csv", "bins.csv",  "messages.log",
-                                                         "result.json", "junit.xml", "report.html"};
+inline constexpr std::array<const char*, 7> DesenseFiles{
+    "summary.csv", "summary-idle.csv", "bins.csv", "messages.log", "result.json", "junit.xml", "report.html"};
 
 /// What a message of the plug-in says to a person, behind its time; nothing when it is no message of the test.
 std::optional<std::string> DesenseSaid(const std::string& message);

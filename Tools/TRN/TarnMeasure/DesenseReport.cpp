@@ -34,9 +34,12 @@ std::string Right(const std::string& text, std::size_t width) {
     return std::string(width - std::min(width, text.size()), ' ') + text;
 }
 
-template <typename Channel>
-std::string Place(const Channel& channel) {
+std::string Place(const DesenseChannel& channel) {
     return channel.band + " GHz channel " + std::to_string(channel.channel);
+}
+
+std::string Place(const DesenseLeftOut& channel) {
+    return channel.band + " GHz channel " + channel.text;
 }
 
 /// The largest of all chains.
@@ -253,7 +256,9 @@ std::string DesenseJson(const DesenseResult& result, const DesenseOrigin& origin
               {"channels", Json::array()},
               {"left_out", Json::array()}};
     for (const DesenseLeftOut& one : result.leftOut)
-        json["left_out"].push_back({{"band", one.band}, {"channel", one.channel}, {"reason", one.reason}});
+        json["left_out"].push_back({{"band", one.band},
+                                    {"channel", one.channel > 0 ? Json(one.channel) : Json(one.text)},
+                                    {"reason", one.reason}});
     for (const DesenseChannel& one : result.channels)
         json["channels"].push_back(ChannelJson(one));
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
@@ -306,17 +311,20 @@ std::string DesenseHtml(const DesenseResult& result, const DesenseOrigin& origin
             "</tr>\n" +
             spurs + "</table>\n";
     html += "<h2>Set-up</h2>\n<table>\n";
-    for (const auto& [name, value] : {std::pair{"begin (UTC)", origin.utc},
-                                      {"took", Figure(result.duration_s, 0) + " s"},
-                                      {"Tarn", origin.version},
-                                      {"adapter", origin.adapter},
-                                      {"air", origin.air},
-                                      {"computer", origin.platform},
-                                      {"command", origin.command},
-                                      {"channel width", result.bandwidth + " MHz"},
-                                      {"resolution bandwidth", result.rbw_khz + " kHz"},
-                                      {"chain mode", result.chainMode},
-                                      {"sweeps a channel and chain", std::to_string(result.iterations)}})
+    std::vector<std::pair<std::string, std::string>> facts{
+        {"begin (UTC)", origin.utc},
+        {"took", Figure(result.duration_s, 0) + " s"},
+        {"Tarn", origin.version},
+        {"adapter", origin.adapter},
+        {"air", origin.air},
+        {"computer", origin.platform},
+        {"command", origin.command},
+        {"channel width", result.bandwidth + " MHz"},
+        {"resolution bandwidth", result.rbw_khz + " kHz"},
+        {"chain mode", result.chainMode},
+        {"sweeps a channel and chain", std::to_string(result.iterations)}};
+    facts.insert(facts.end(), result.setUp.begin(), result.setUp.end());
+    for (const auto& [name, value] : facts)
         html += "<tr>" + Cell(name, " class='t'") + Cell(value, " class='t'") + "</tr>\n";
     html += "</table>\n<h2>Spectra in dBm: average, and the maximum above it</h2>\n";
     const double width_mhz = std::strtod(result.bandwidth.c_str(), nullptr);
