@@ -19,9 +19,10 @@ namespace fs = std::filesystem;
 using namespace TarnMeasure;
 
 /// How long a line that runs may take to end after Ctrl-C before it is given up: the wait for the workload goes on for
-/// longer, a sweep and what keeps its results don't.
+/// longer, a sweep and what keeps its results don't, and a load that doesn't listen is killed after 5 s.
 constexpr auto waitGrace = std::chrono::milliseconds(300);
-constexpr auto lineGrace = std::chrono::seconds(2);
+constexpr auto lineGrace = std::chrono::milliseconds(2000);
+constexpr auto stopGrace = std::chrono::milliseconds(6500);
 
 std::string UtcText() {
     const std::time_t now = std::time(nullptr);
@@ -88,15 +89,16 @@ DesenseAnswer RunKeys(TarnSession::Session& session, SayingSink& sink, const std
     DesenseAnswer answer;
     answer.wereShown = true;
     const bool waits = line.find("-start_vesper_test") != std::string::npos;
+    const auto grace = waits ? waitGrace : line == "-stop_vesper_test" ? stopGrace : lineGrace;
     std::optional<InterruptWatch::Finishing> finishing;  // an end by force comes before a line of 2 s would have ended
     if (!waits) finishing.emplace(context.watch);
-    const auto exchange = PendingLine(session, line).Wait(context.watch, waits ? waitGrace : lineGrace);
+    const auto exchange = PendingLine(session, line).Wait(context.watch, grace);
     keeping.HasBegun();
+    answer.messages = sink.Take();
     if (!exchange) {
         answer.interrupted = true;
         return answer;
     }
-    answer.messages = sink.Take();
     answer.ok = exchange->exitCode == 0;
     if (!answer.ok) answer.error = ErrorSentence(*exchange);
     return answer;
@@ -129,9 +131,9 @@ bool WriteReports(const DesenseResult& result, const VesperOptions& options, con
 }
 
 ExitStatus StatusOf(const DesenseResult& result, const std::string& failOn) {
+    if (!result.trouble.empty() || result.Gravest() == Verdict::Invalid) return Failed;
     const bool isMargin = failOn == "margin" && result.Has(Verdict::Margin);
-    if (failOn != "none" && (result.Has(Verdict::Fail) || isMargin)) return LimitExceeded;
-    return !result.trouble.empty() || result.channels.empty() || result.Has(Verdict::Invalid) ? Failed : Success;
+    return failOn != "none" && (result.Has(Verdict::Fail) || isMargin) ? LimitExceeded : Success;
 }
 
 }  // namespace
@@ -142,6 +144,7 @@ ExitStatus Execute(const VesperOptions& options, Context& context) {
         auto limits = Limits::Read(options.limit);
         if (!limits) return Refuse(limits.Reason(), context, WrongUsage);
         request.limits = std::move(*limits);
+        request.limitText = options.limit;
     }
     std::error_code error;
     fs::create_directories(request.folder, error);
