@@ -32,21 +32,27 @@ export function desenseFiles(actions: Actions): { root: HTMLElement; refresh(): 
                 file.name,
               ),
         ),
-        el(
-          'button',
-          {
-            class: 'small',
-            title: `Remove the files of ${test.name}`,
-            onclick: () =>
-              void actions.guarded(async () => {
-                await api.removeDesense(test.name);
-                refresh();
-              }),
-          },
-          'Remove',
-        ),
+        ...removal(test.name),
       ),
     );
+  }
+  /** A whole test doesn't go at one click: the button gives way to the question. */
+  function removal(name: string): HTMLElement[] {
+    const remove = async () => {
+      await api.removeDesense(name);
+      refresh();
+    };
+    const button = (label: string, onclick: () => void) =>
+      el('button', { class: 'small', title: `${label} the files of ${name}`, onclick }, label);
+    const ask = (asks: boolean) => {
+      first.hidden = asks;
+      question.hidden = !asks;
+      (asks ? keep : first).focus();
+    };
+    const keep = button('Keep', () => ask(false));
+    const first = button('Remove', () => ask(true));
+    const question = el('span', { hidden: true }, 'Remove all of it? ', keep, button('Remove', () => void actions.guarded(remove)));
+    return [first, question];
   }
   return { root, refresh };
 }
