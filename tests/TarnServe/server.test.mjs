@@ -423,7 +423,7 @@ test('a desense test rests, goes on, ends and keeps what it measured, and refuse
   for (const wrong of [{ bw: 21 }, { iterations: 0 }, { iterations: '2x' }, { bitcfg: '../x' }, { more: 1 }, { HBChannels: 'x' }, { HBChannels: ';;' }, { HBChannels: {} }, { UHBChannels: null }, { HBChannels: [36, '52'] }, { HBChannels: [301] }, { rbw: 'nan' }, { rbw: 40 }])
     assert.equal(await order('start', { config: { ...config, ...wrong } }), 400, JSON.stringify(wrong));
   for (const wrong of [{ config: 'none.cfg' }, { config, name: '../up' }, { config, limit: 'none.csv' }, { config, margin_db: -1 }, {}])
-    assert.ok([400, 409].includes(await order('start', wrong)), JSON.stringify(wrong));
+    assert.equal(await order('start', wrong), 400, JSON.stringify(wrong));
 
   assert.equal(await order('start', { name: 'short', config, idleBaseline: true }), 200);
   const ended = await until('ended');
@@ -433,6 +433,7 @@ test('a desense test rests, goes on, ends and keeps what it measured, and refuse
   assert.ok(ended.channels.every((row) => Math.abs(row.rise_db) < 1)); // it is as loud without the test's own load
   for (const message of stream.messages)
     assert.equal(misfit(api.components.schemas[message.type], message), '', message.type);
+  assert.equal((await server.json('GET', '/api/desense/channels/5.2/52x')).status, 404);
   for (const [path, place] of [
     ['/api/desense', '/api/desense'],
     ['/api/desense/tests', '/api/desense/tests'],

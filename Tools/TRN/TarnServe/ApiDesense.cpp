@@ -2,10 +2,12 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 
 #include "Api.h"
 #include "ApiAnswers.h"
+#include "Guard.h"
 
 namespace TarnServe {
 namespace {
@@ -23,11 +25,16 @@ std::pair<std::string, std::string> Split(std::string_view text) {
     return {std::string(text.substr(0, at)), std::string(text.substr(std::min(at + 1, text.size())))};
 }
 
-/// "desense-2026-01-31T140322Z"
-std::string NameByTime() {
+/// "desense-2026-01-31T140322Z", with "-2" and so on behind it while that is taken.
+std::string NameByTime(const DataFolder& folder) {
     std::string text = UtcText(std::chrono::system_clock::now()).substr(0, 19);
     std::erase(text, ':');
-    return "desense-" + text + "Z";
+    const std::string name = "desense-" + text + "Z";
+    std::string free = name;
+    std::error_code error;
+    for (int k = 2; std::filesystem::exists(folder.PathOf(free), error); ++k)
+        free = name + "-" + std::to_string(k);
+    return free;
 }
 
 OSAL::Outcome<DesenseConfig> ConfigOf(const Json& value, const DataFolder& folder) {
@@ -46,6 +53,9 @@ OSAL::Outcome<DesenseOrder> OrderOf(const Json& body, const DataFolder& folder) 
     const Json margin = body.value("margin_db", Json(1.0));
     const Json isIdleFirst = body.value("idleBaseline", Json(false));
     if (!name.is_string() || !limit.is_string()) return OSAL::Refusal{"\"name\" and \"limit\" must be texts"};
+    if (const auto text = name.get<std::string>(); !text.empty() && !IsFileName(text))
+        return OSAL::Refusal{"'" + text.substr(0, 80) +
+                             "' is no name for a test: letters, digits, '-', '_' and '.', 64 at the most"};
     if (!margin.is_number() || !(margin >= 0.0 && margin <= 100.0))
         return OSAL::Refusal{"\"margin_db\" must be a number from 0 to 100"};
     if (!isIdleFirst.is_boolean()) return OSAL::Refusal{"\"idleBaseline\" must be true or false"};
@@ -53,7 +63,7 @@ OSAL::Outcome<DesenseOrder> OrderOf(const Json& body, const DataFolder& folder) 
     if (!config) return config.Why();
     auto limits = ReadLimits(limit.get<std::string>(), folder);
     if (!limits) return limits.Why();
-    return DesenseOrder{.name = name == "" ? NameByTime() : name.get<std::string>(),
+    return DesenseOrder{.name = name == "" ? NameByTime(folder) : name.get<std::string>(),
                         .config = std::move(*config),
                         .limitText = limit.get<std::string>(),
                         .limits = std::move(*limits),
@@ -66,9 +76,10 @@ OSAL::Outcome<DesenseOrder> OrderOf(const Json& body, const DataFolder& folder) 
 ApiResponse Api::TestGraph(const ApiRequest& request) {
     const auto [band, number] = Split(request.path.substr(channelsPath.size()));
     int channel = 0;
-    std::from_chars(number.data(), number.data() + number.size(), channel);
+    const char* end = number.data() + number.size();
+    const bool isNumber = std::from_chars(number.data(), end, channel).ptr == end;
     const auto graph = m_station.Desense().Graph(band, channel);
-    return graph ? JsonResponse(*graph) : ErrorResponse(404, "the test has no such channel yet");
+    return graph && isNumber ? JsonResponse(*graph) : ErrorResponse(404, "the test has no such channel yet");
 }
 
 ApiResponse Api::ListTests() {

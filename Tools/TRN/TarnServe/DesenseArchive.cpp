@@ -38,17 +38,15 @@ std::string VerdictOf(const std::string& json) {
 }  // namespace
 
 OSAL::Outcome<fs::path> DesenseArchive::Begin(const std::string& name, const std::string& config) const {
-    if (!IsFileName(name))
-        return OSAL::Refusal{"'" + name.substr(0, 80) +
-                             "' is no name for a test: letters, digits, '-', '_' and '.', 64 at the most"};
     const fs::path folder = m_folder.PathOf(name);
     std::error_code error;
     if (!fs::create_directory(folder, error))
         return OSAL::Refusal{error ? "can't make the folder '" + name + "': " + error.message()
                                    : "there is a '" + name + "' in the data folder already"};
     const auto written = OSAL::WriteWholeFile(folder / configName, config);
-    if (!written) return OSAL::Refusal{m_folder.Hide(written.Reason())};
-    return folder;
+    if (written) return folder;
+    fs::remove_all(folder, error);  // else nothing could be started under this name, nor removed
+    return OSAL::Refusal{m_folder.Hide(written.Reason())};
 }
 
 std::vector<FileEntry> DesenseArchive::FilesOf(const std::string& test) const {

@@ -23,7 +23,8 @@ public:
     explicit DesenseArchive(const DataFolder& folder) : m_folder(folder) {}
 
     /// Makes the folder of a new test with its configuration. Refused when there is something of that name.
-    /// @return the folder's path
+    /// @param name  as IsFileName wants it
+    /// @return the folder's path; behind a refusal nothing of it is left
     OSAL::Outcome<std::filesystem::path> Begin(const std::string& name, const std::string& config) const;
     /// Newest first.
     std::vector<ArchivedTest> List() const;
