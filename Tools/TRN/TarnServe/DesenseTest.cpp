@@ -37,9 +37,10 @@ Json RowJson(const DesenseChannel& channel) {
     return row;
 }
 
-/// The sweeps' own messages: the progress says them.
-bool SaysSweep(const std::string& message) {
-    return message.find("Sampling channel") != std::string::npos;
+/// "Sampling channel '36' (5180 MHz), chain A" of a sweep's own message; empty for another one.
+std::string SweptIn(const std::string& message) {
+    const std::size_t at = std::min(message.find("Sampling channel"), message.size());
+    return message.substr(at, message.find(", iteration", at) - at);
 }
 
 }  // namespace
@@ -80,6 +81,7 @@ void DesenseTest::Start(DesenseOrder order, const std::string& folder, DesenseOr
     m_rows.clear();
     m_leftOut = Json::array();
     m_messages.clear();
+    m_swept.clear();
     ++m_revision;
     SetWish(Wish::GoOn);
     m_thread = std::thread([this, request = std::move(request), origin = std::move(origin)]() mutable {
@@ -92,8 +94,10 @@ OSAL::Outcome<> DesenseTest::Pause() {
     if (m_phase == DesensePhase::Paused || m_phase == DesensePhase::Pausing)
         return OSAL::Refusal{"the desense test is paused already"};
     if (m_phase != DesensePhase::Running) return OSAL::Refusal{"no desense test is running that could pause"};
-    SetWish(Wish::Rest);
-    SetPhase(DesensePhase::Pausing);
+    if (SetWish(Wish::Rest))
+        TakeRest();
+    else
+        SetPhase(DesensePhase::Pausing);
     return {};
 }
 
@@ -101,6 +105,7 @@ OSAL::Outcome<> DesenseTest::Resume() {
     if (m_phase != DesensePhase::Paused && m_phase != DesensePhase::Pausing)
         return OSAL::Refusal{"no desense test is paused that could go on"};
     SetWish(Wish::GoOn);
+    m_what = "going on";
     SetPhase(DesensePhase::Running);
     return {};
 }
@@ -108,6 +113,7 @@ OSAL::Outcome<> DesenseTest::Resume() {
 OSAL::Outcome<> DesenseTest::Stop() {
     if (!IsActive()) return OSAL::Refusal{"no desense test is running that could stop"};
     SetWish(Wish::Stop);
+    m_what = "stopping";
     SetPhase(DesensePhase::Stopping);
     return {};
 }
@@ -116,12 +122,15 @@ bool DesenseTest::IsActive() const {
     return m_phase != DesensePhase::None && m_phase != DesensePhase::Ended;
 }
 
-void DesenseTest::SetWish(Wish wish) {
+bool DesenseTest::SetWish(Wish wish) {
+    bool isResting = false;
     {
         const std::lock_guard lock(m_mutex);
         m_wish = wish;
+        isResting = m_isResting;
     }
     m_changed.notify_all();
+    return isResting;
 }
 
 // The test's own thread.
@@ -184,13 +193,13 @@ DesenseAnswer DesenseTest::Run(const std::string& line) {
 }
 
 bool DesenseTest::Rest() {
-    m_loop.Post([this] {
-        if (m_phase != DesensePhase::Pausing) return;  // somebody was quicker
-        m_what = "paused, the load is ended";
-        SetPhase(DesensePhase::Paused);
-    });
     std::unique_lock lock(m_mutex);
+    m_isResting = true;
+    m_loop.Post([this] {
+        if (m_phase == DesensePhase::Pausing) TakeRest();  // else somebody was quicker
+    });
     m_changed.wait(lock, [this] { return m_wish != Wish::Rest || m_isGivenUp; });
+    m_isResting = false;
     return m_wish == Wish::GoOn && !m_isGivenUp;
 }
 
@@ -202,6 +211,11 @@ void DesenseTest::SetPhase(DesensePhase phase) {
     m_surroundings.changed();
 }
 
+void DesenseTest::TakeRest() {
+    m_what = "paused, the load is ended";
+    SetPhase(DesensePhase::Paused);
+}
+
 void DesenseTest::TakeStep(const DesenseStep& step) {
     m_step = step;
     m_what = step.what;
@@ -210,7 +224,11 @@ void DesenseTest::TakeStep(const DesenseStep& step) {
 
 void DesenseTest::Hear(const std::string& envelope) {
     if (TypeOf(envelope) != "Add Vesper Test Message Response") return;
-    if (const auto said = DesenseSaid(envelope); said && !SaysSweep(*said)) TakeMessage(*said);
+    const auto said = DesenseSaid(envelope);
+    if (!said) return;
+    const std::string swept = SweptIn(*said);
+    // the first sweep of a channel says what the messages behind it are about; the progress tells the others
+    if (swept.empty() || swept != std::exchange(m_swept, swept)) TakeMessage(*said);
 }
 
 void DesenseTest::TakeMessage(const std::string& text) {

@@ -90,8 +90,10 @@ private:
     bool Rest();
     Wish WishNow();
 
-    void SetWish(Wish wish);
+    /// @return whether the thread rests
+    bool SetWish(Wish wish);
     void SetPhase(DesensePhase phase);
+    void TakeRest();
     void TakeStep(const TarnMeasure::DesenseStep& step);
     void TakeMessage(const std::string& text);
     void TakeChannel(const TarnMeasure::DesenseChannel& channel);
@@ -111,6 +113,7 @@ private:
     std::vector<Row> m_rows;
     nlohmann::json m_leftOut = nlohmann::json::array();  ///< channels that weren't tried, known at the end
     std::deque<std::string> m_messages;
+    std::string m_swept;           ///< what the last sweep's message was about
     std::uint64_t m_revision = 0;  ///< grows with each row and message
     Clock::time_point m_told{};
     bool m_isTelling = false;  ///< a timer will tell
@@ -119,6 +122,7 @@ private:
     std::mutex m_mutex;  ///< of the members below
     std::condition_variable m_changed;
     Wish m_wish = Wish::GoOn;
+    bool m_isResting = false;
     bool m_isGivenUp = false;
     std::optional<TarnMeasure::DesenseAnswer> m_answer;
 };
