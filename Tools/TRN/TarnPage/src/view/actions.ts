@@ -130,5 +130,6 @@ export class Actions {
 
   private refused(error: unknown): void {
     this.model.note('error', error instanceof Error ? error.message : String(error));
+    this.model.tell('state'); // the controls show again what the device has
   }
 }

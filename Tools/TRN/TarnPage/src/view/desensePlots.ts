@@ -7,8 +7,8 @@ const bandOrder = ['2.4', '5.2', '6-7'];
 const left = 40;
 const bottom = 34;
 const top = 18;
-/** Beyond this, bars are too narrow for a number each. */
-const mostNumbered = 34;
+/** A bar's number takes this width in CSS pixels: of narrower bars only every n-th is numbered. */
+const numberWidth = 28;
 
 export interface DesenseChart {
   root: HTMLCanvasElement;
@@ -45,7 +45,8 @@ export function desenseChart(select: (row: DesenseRow) => void): DesenseChart {
     context.strokeStyle = colours.grid;
     context.fillStyle = colours.faint;
     context.textAlign = 'right';
-    for (let value = 0; value <= high; value += high > 12 ? 5 : 2) {
+    const step = [2, 5, 10, 20, 50].find((one) => (high - low) / one <= (base - top) / 14) ?? 100;
+    for (let value = 0; value <= high; value += step) {
       context.strokeRect(left, y(value), canvas.clientWidth - left - 8, 0);
       context.fillText(String(value), left - 6, y(value) + 4);
     }
@@ -61,7 +62,7 @@ export function desenseChart(select: (row: DesenseRow) => void): DesenseChart {
       drawBar(context, row, { x: x + width * 0.1, width: width * 0.8, y, base: y(0) });
       context.fillStyle = colours.text;
       context.textAlign = 'center';
-      if (shown.length <= mostNumbered) {
+      if (k % Math.ceil(numberWidth / width) === 0) {
         if (row.desense_db !== null)
           context.fillText(row.desense_db.toFixed(1), x + width / 2, y(Math.max(0, row.desense_db)) - 4);
         context.fillText(String(row.channel), x + width / 2, base + 13);

@@ -56,8 +56,10 @@ export function topBar(
       ? `${host.adapter.description} · ${host.adapter.air} · ${host.adapter.mac}`
       : 'no adapter yet';
     adapter.title = adapter.textContent;
-    for (const [mode, element] of Object.entries(buttons))
+    for (const [mode, element] of Object.entries(buttons)) {
       element.setAttribute('aria-pressed', String(host?.run.mode === mode));
+      element.disabled = isActive(host?.desense?.phase);
+    }
     theme.textContent = { auto: 'Auto', light: 'Light', dark: 'Dark' }[model.view.theme];
   }
 

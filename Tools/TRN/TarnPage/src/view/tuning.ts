@@ -1,4 +1,5 @@
 // The controls on the left. They show what the device took, not what was asked for.
+import { isActive } from '../model/desense';
 import { lineOf } from '../model/keys';
 import { Model } from '../model/model';
 import { Preset } from '../model/view';
@@ -10,13 +11,11 @@ const rbws = ['39.0625', '78.125', '156.25', '312.5'];
 
 export function tuningPanel(model: Model, actions: Actions): HTMLElement {
   const root = el('aside', { class: 'left', 'aria-label': 'Settings' });
-  root.append(
-    tuningSection(model, actions),
-    sweepSection(model, actions),
-    gainSection(model, actions),
-    limitSection(model, actions),
-    presetSection(model, actions),
-  );
+  const device = [tuningSection, sweepSection, gainSection, presetSection].map((make) => make(model, actions));
+  root.append(...device.slice(0, 3), limitSection(model, actions), device[3]);
+  model.on(['state'], () => {
+    for (const part of device) part.inert = isActive(model.host?.desense?.phase); // the test has the adapter
+  });
   return root;
 }
 
