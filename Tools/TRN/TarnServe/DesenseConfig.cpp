@@ -6,7 +6,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <optional>
-#include <ranges>
+#include <sstream>
 
 #include "Guard.h"
 
@@ -59,9 +59,11 @@ std::optional<std::string> TextOf(std::size_t key, const Json& value) {
 }
 
 bool IsChannelList(const std::string& list) {
-    return list.empty() || std::ranges::all_of(std::views::split(list, ';'), [](const auto& number) {
-               return IsNumber(std::string(number.begin(), number.end()), 1, highestChannel);
-           });
+    if (list.empty()) return true;
+    std::istringstream numbers(list + ";");
+    for (std::string number; std::getline(numbers, number, ';');)
+        if (!IsNumber(number, 1, highestChannel)) return false;
+    return true;
 }
 
 bool IsResolution(const std::string& text) {
