@@ -83,14 +83,14 @@ protected:
         if (script.empty()) return;
         Write(m_tool, "#!/bin/sh\n" + script);
         std::filesystem::permissions(Path(m_tool), std::filesystem::perms::owner_all);
+        ::mkfifo(Path("hold").c_str(), 0600);
     }
-    static constexpr const char* Lasting =
-        "echo \"$PWD|$*\" >started.part; mv started.part started\n"
-        "trap 'kill $!; exit' TERM\nsleep 60 &\nwait\n";
+    /// Waits for a writer that never comes, in a shell without a child: a fork bears the tool's name until its exec.
+    static constexpr const char* Lasting = "echo \"$PWD|$*\" >started\n: <hold\n";
     bool Started() const {
-        for (int k = 0; k < 500 && !std::filesystem::exists(m_folder / "started"); ++k)
+        for (int k = 0; k < 500 && !Read("started").ends_with('\n'); ++k)
             OSAL::SleepMs(10);
-        return std::filesystem::exists(m_folder / "started");
+        return Read("started").ends_with('\n');
     }
 
     std::string m_tool;
@@ -378,7 +378,7 @@ TEST_F(VesperTest, AWorkloadThatCannotStartAbortsTheTest) {
 TEST_F(VesperTest, AWorkloadThatDiesAtOnceOrIgnoresTheEndLeavesTheTestSound) {
     StorePulses();
     StartFlows("");
-    for (const char* script : {"exit 1\n", "trap '' TERM\n: >started\nwhile :; do sleep 0.2; done\n"}) {
+    for (const char* script : {"exit 1\n", "trap '' TERM\necho >started\n: <hold\n"}) {
         PlaceWorkload(script);
         Line("-start_vesper_test", false);
         EXPECT_TRUE(m_web->m_vesperTestInProgress);
