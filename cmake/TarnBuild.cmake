@@ -27,6 +27,12 @@ target_compile_options(tarn_options INTERFACE
   $<$<CXX_COMPILER_ID:GNU>:-Wno-restrict> # g++ 12 sees overlaps in every "literal" + std::string
   $<$<BOOL:${TARN_WERROR}>:-Werror>)
 if(TARN_SANITIZE)
+  # Most of an instrumented build's time goes into headers: some sources of a target at a time make one unit. The other
+  # presets see each source alone.
+  set(CMAKE_UNITY_BUILD ON)
+  set(CMAKE_UNITY_BUILD_BATCH_SIZE 6)
+  # of a neighbour's names; types of an included source
+  target_compile_options(tarn_options INTERFACE -Wno-shadow $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
   target_compile_options(tarn_options INTERFACE
     -fsanitize=${TARN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
     -Wno-null-dereference $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized> # both are wrong in instrumented code

@@ -9,8 +9,9 @@ namespace {
 
 using Support::ThrownText;
 
-struct Tool : Common::Application {
-    explicit Tool(const std::string& configuration = "<P/>") : Application("Tool", "1", "x 2023", configuration) {}
+struct ProfiledTool : Common::Application {
+    explicit ProfiledTool(const std::string& configuration = "<P/>")
+        : Application("Tool", "1", "x 2023", configuration) {}
     using Application::LoadProfile;
     using Application::m_context;
 
@@ -58,7 +59,7 @@ TEST(Profile, GivesVariablesAndCommandsInBothForms) {
     for (const auto& bytes : {profile, PackedXml(profile)}) {
         CapturedStreams captured;
         Telling::told.clear();
-        Tool tool;
+        ProfiledTool tool;
         EXPECT_EQ(tool.Load(bytes), "nothing thrown");
         EXPECT_EQ(tool.m_context.GetGlobal().GetOrEmpty("all2"), "$(who)!");
         EXPECT_EQ(tool.RunLine("-tell x -plain -tell $(who)"), "nothing thrown");
@@ -89,13 +90,13 @@ TEST(Profile, ThatIsDamagedSaysSo) {
         {PackedXml(profile).substr(0, 200), "Could not read profile"},
     };
     for (const auto& [text, failure] : cases)
-        EXPECT_EQ(Tool().Load(text), failure) << text;
+        EXPECT_EQ(ProfiledTool().Load(text), failure) << text;
     for (const char* bad : {"", "<P", "no document"})
-        EXPECT_EQ(ThrownText([&] { Tool{bad}; }), "Configuration is corrupted.");
+        EXPECT_EQ(ThrownText([&] { ProfiledTool{bad}; }), "Configuration is corrupted.");
 }
 
 TEST(Profile, GivenAtConstructionDescribesTheKeysOfTheTool) {
-    Tool tool("<P><a><Command key='-k' name='kay' description='Does k'/></a></P>");
+    ProfiledTool tool("<P><a><Command key='-k' name='kay' description='Does k'/></a></P>");
     EXPECT_EQ(tool.FindConfiguration("P/a/Command")->GetOrEmpty("name"), "kay");
     EXPECT_EQ(tool.FindConfiguration("P/b"), nullptr);
     tool.AddKey(CmdLine::MakeDataKey("-k"), false);

@@ -16,10 +16,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-bool Has(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 /// Channel power that `tarn measure` reads in one sweep; not a number when it doesn't.
 double MeasuredDbm(const std::string& scene, const nlohmann::json& expected) {
     const auto run = Tarn({"measure", "--air", "sim:" + scene, "--band", expected["band"], "--channel",

@@ -24,6 +24,10 @@ struct ProgramRun {
     std::string err;
 };
 
+inline bool Has(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
 class Program {
 public:
     explicit Program(std::vector<std::string> arguments) : m_arguments(std::move(arguments)) {}

@@ -41,10 +41,6 @@ Program OnFake(std::vector<std::string> arguments) {
     return program;
 }
 
-bool Has(const std::string& text, const std::string& part) {
-    return text.find(part) != std::string::npos;
-}
-
 }  // namespace
 
 TEST(Program, TalksOnStandardErrorAndKeepsDataOnStandardOutput) {

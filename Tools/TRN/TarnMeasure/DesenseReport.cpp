@@ -13,7 +13,7 @@ namespace TarnMeasure {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 std::string Figure(double value, int digits = 1) {
     char text[64];
@@ -189,9 +189,11 @@ std::string SpurRows(const DesenseResult& result) {
     return html;
 }
 
-Json ChannelJson(const DesenseChannel& one) {
-    const auto orNull = [](const std::optional<double>& value) { return value ? Json(*value) : Json(nullptr); };
-    Json levels = Json::array(), spurs = Json::array();
+OrderedJson ChannelJson(const DesenseChannel& one) {
+    const auto orNull = [](const std::optional<double>& value) {
+        return value ? OrderedJson(*value) : OrderedJson(nullptr);
+    };
+    OrderedJson levels = OrderedJson::array(), spurs = OrderedJson::array();
     for (const DesenseLevel& level : one.levels)
         levels.push_back({{"chain", level.chain}, {"average_dbm", level.average_dbm}, {"peak_dbm", level.peak_dbm}});
     for (const DesenseSpur& spur : one.spurs)
@@ -235,33 +237,33 @@ std::string DesenseTable(const DesenseResult& result) {
 }
 
 std::string DesenseChannelJson(const DesenseChannel& channel) {
-    return ChannelJson(channel).dump(-1, ' ', false, Json::error_handler_t::replace);
+    return ChannelJson(channel).dump(-1, ' ', false, OrderedJson::error_handler_t::replace);
 }
 
 std::string DesenseJson(const DesenseResult& result, const DesenseOrigin& origin) {
-    Json json{{"verdict", VerdictText(result.Gravest())},
-              {"interrupted", result.interrupted},
-              {"trouble", result.trouble},
-              {"utc", origin.utc},
-              {"version", origin.version},
-              {"adapter", origin.adapter},
-              {"air", origin.air},
-              {"platform", origin.platform},
-              {"command", origin.command},
-              {"bandwidth_mhz", result.bandwidth},
-              {"rbw_khz", result.rbw_khz},
-              {"chain_mode", result.chainMode},
-              {"iterations", result.iterations},
-              {"duration_s", result.duration_s},
-              {"channels", Json::array()},
-              {"left_out", Json::array()}};
+    OrderedJson json{{"verdict", VerdictText(result.Gravest())},
+                     {"interrupted", result.interrupted},
+                     {"trouble", result.trouble},
+                     {"utc", origin.utc},
+                     {"version", origin.version},
+                     {"adapter", origin.adapter},
+                     {"air", origin.air},
+                     {"platform", origin.platform},
+                     {"command", origin.command},
+                     {"bandwidth_mhz", result.bandwidth},
+                     {"rbw_khz", result.rbw_khz},
+                     {"chain_mode", result.chainMode},
+                     {"iterations", result.iterations},
+                     {"duration_s", result.duration_s},
+                     {"channels", OrderedJson::array()},
+                     {"left_out", OrderedJson::array()}};
     for (const DesenseLeftOut& one : result.leftOut)
         json["left_out"].push_back({{"band", one.band},
-                                    {"channel", one.channel > 0 ? Json(one.channel) : Json(one.text)},
+                                    {"channel", one.channel > 0 ? OrderedJson(one.channel) : OrderedJson(one.text)},
                                     {"reason", one.reason}});
     for (const DesenseChannel& one : result.channels)
         json["channels"].push_back(ChannelJson(one));
-    return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
+    return json.dump(2, ' ', false, OrderedJson::error_handler_t::replace) + "\n";
 }
 
 std::string DesenseJunit(const DesenseResult& result, const DesenseOrigin& origin) {

@@ -11,7 +11,7 @@
 namespace TarnMeasure {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using OrderedJson = nlohmann::ordered_json;
 
 std::string Padded(const std::string& text, std::size_t width) {
     return text.size() >= width ? text : std::string(width - text.size(), ' ') + text;
@@ -107,8 +107,8 @@ std::string PeakTable(const Result& result) {
     return "Peaks of the " + PeakSource(result.request) + "\n" + Aligned(rows);
 }
 
-Json Graph(const std::vector<double>& values) {
-    Json array = Json::array();
+OrderedJson Graph(const std::vector<double>& values) {
+    OrderedJson array = OrderedJson::array();
     for (const double value : values) {  // JSON knows no infinity
         if (std::isfinite(value))
             array.push_back(value);
@@ -119,22 +119,22 @@ Json Graph(const std::vector<double>& values) {
 }
 
 /// A level, or null where there is none.
-Json Level(double value) {
-    return std::isfinite(value) ? Json(value) : Json(nullptr);
+OrderedJson Level(double value) {
+    return std::isfinite(value) ? OrderedJson(value) : OrderedJson(nullptr);
 }
 
-Json JudgementJson(const Judgement& judgement) {
-    Json json = {{"verdict", VerdictText(judgement.verdict)},
-                 {"level_dbm", Level(judgement.level_dbm)},
-                 {"limit_dbm", judgement.limit_dbm},
-                 {"excess_db", Level(judgement.Excess())}};
+OrderedJson JudgementJson(const Judgement& judgement) {
+    OrderedJson json = {{"verdict", VerdictText(judgement.verdict)},
+                        {"level_dbm", Level(judgement.level_dbm)},
+                        {"limit_dbm", judgement.limit_dbm},
+                        {"excess_db", Level(judgement.Excess())}};
     if (judgement.frequency_mhz) json["frequency_mhz"] = *judgement.frequency_mhz;
     if (!judgement.invalid.empty()) json["invalid"] = judgement.invalid;
     return json;
 }
 
-Json ChainJson(const ChannelResult& channel, const ChainResult& chain, const Request& request) {
-    Json json = {{"chain", chain.chain}};
+OrderedJson ChainJson(const ChannelResult& channel, const ChainResult& chain, const Request& request) {
+    OrderedJson json = {{"chain", chain.chain}};
     if (IsMeasured(channel)) {
         json.update({{"power_dbm", Level(chain.power_dbm)},
                      {"lowest_dbm", Level(chain.lowest_dbm)},
@@ -142,7 +142,7 @@ Json ChainJson(const ChannelResult& channel, const ChainResult& chain, const Req
                      {"density_dbm_per_mhz", Level(DensityDbm(chain.power_dbm, request))},
                      {"overloaded", chain.overloadedSweeps > 0},
                      {"overloaded_sweeps", chain.overloadedSweeps}});
-        Json peaks = Json::array();
+        OrderedJson peaks = OrderedJson::array();
         for (const Peak& peak : chain.peaks)
             peaks.push_back({{"frequency_mhz", peak.frequency_mhz}, {"power_dbm", peak.power_dbm}});
         json["peaks"] = peaks;
@@ -154,12 +154,12 @@ Json ChainJson(const ChannelResult& channel, const ChainResult& chain, const Req
     return json;
 }
 
-Json ChannelJson(const ChannelResult& channel, const Request& request) {
-    Json json = {{"channel", channel.channel},
-                 {"centre_mhz", channel.centre_mhz},
-                 {"measured", IsMeasured(channel)},
-                 {"sweeps", channel.sweeps},
-                 {"sweeps_asked", request.sweeps}};
+OrderedJson ChannelJson(const ChannelResult& channel, const Request& request) {
+    OrderedJson json = {{"channel", channel.channel},
+                        {"centre_mhz", channel.centre_mhz},
+                        {"measured", IsMeasured(channel)},
+                        {"sweeps", channel.sweeps},
+                        {"sweeps_asked", request.sweeps}};
     if (!channel.invalid.empty()) json["trouble"] = channel.invalid;
     if (IsMeasured(channel)) {
         const std::size_t bins = channel.chains[0].spectrum.size();
@@ -167,7 +167,7 @@ Json ChannelJson(const ChannelResult& channel, const Request& request) {
         json["first_bin_mhz"] = BinMhz(channel, 0, bins);
         json["bin_step_mhz"] = request.rbw_khz / 1000.0;
     }
-    json["chains"] = Json::array();
+    json["chains"] = OrderedJson::array();
     for (const ChainResult& chain : channel.chains)
         json["chains"].push_back(ChainJson(channel, chain, request));
     return json;
@@ -286,40 +286,40 @@ std::string CsvText(const Result& result) {
 std::string JsonText(const Result& result, int indent) {
     const Request& request = result.request;
     const Provenance& source = result.provenance;
-    Json json = {{"utc", source.utc},
-                 {"version", source.version},
-                 {"adapter", source.adapter},
-                 {"air", source.air},
-                 {"gain", source.gain},
-                 {"command", source.command},
-                 {"settings",
-                  {{"band_ghz", request.band},
-                   {"channels", request.channels},
-                   {"bandwidth_mhz", WidthMhz(request.bandwidth)},
-                   {"chain", request.chain},
-                   {"rbw_khz", request.rbw_khz},
-                   {"sweeps", request.sweeps},
-                   {"max_hold", request.maxHold},
-                   {"average", request.average},
-                   {"peaks", request.peaks},
-                   {"peaks_of", PeakSource(request)},
-                   {"peak_excursion_db", request.peakExcursion_db},
-                   {"margin_db", request.margin_db},
-                   {"keys", request.setup}}},
-                 {"units",
-                  {{"power_dbm", "dBm in the channel, linear mean over the sweeps"},
-                   {"graphs", "dBm in one RBW, lowest frequency first; the average is a mean of power"},
-                   {"peaks", "dBm in one RBW"}}},
-                 {"complete", !result.interrupted && !result.trouble && !result.HasInvalid()}};
+    OrderedJson json = {{"utc", source.utc},
+                        {"version", source.version},
+                        {"adapter", source.adapter},
+                        {"air", source.air},
+                        {"gain", source.gain},
+                        {"command", source.command},
+                        {"settings",
+                         {{"band_ghz", request.band},
+                          {"channels", request.channels},
+                          {"bandwidth_mhz", WidthMhz(request.bandwidth)},
+                          {"chain", request.chain},
+                          {"rbw_khz", request.rbw_khz},
+                          {"sweeps", request.sweeps},
+                          {"max_hold", request.maxHold},
+                          {"average", request.average},
+                          {"peaks", request.peaks},
+                          {"peaks_of", PeakSource(request)},
+                          {"peak_excursion_db", request.peakExcursion_db},
+                          {"margin_db", request.margin_db},
+                          {"keys", request.setup}}},
+                        {"units",
+                         {{"power_dbm", "dBm in the channel, linear mean over the sweeps"},
+                          {"graphs", "dBm in one RBW, lowest frequency first; the average is a mean of power"},
+                          {"peaks", "dBm in one RBW"}}},
+                        {"complete", !result.interrupted && !result.trouble && !result.HasInvalid()}};
     if (result.trouble)
         json["trouble"] = *result.trouble;
     else if (result.interrupted)
         json["trouble"] = "interrupted";
     if (const auto worst = result.Worst()) json["verdict"] = VerdictText(*worst);
-    json["channels"] = Json::array();
+    json["channels"] = OrderedJson::array();
     for (const ChannelResult& channel : result.channels)
         json["channels"].push_back(ChannelJson(channel, request));
-    return json.dump(indent, ' ', false, Json::error_handler_t::replace);
+    return json.dump(indent, ' ', false, OrderedJson::error_handler_t::replace);
 }
 
 }  // namespace TarnMeasure

@@ -19,7 +19,7 @@ namespace {
 constexpr const char* StressNgFolder = "/usr/bin";
 constexpr const char* StressNgName = "stress-ng";
 constexpr const char* MemTestName = "MemTest64";
-constexpr std::uint32_t Look_ms = 200;
+constexpr std::uint32_t Check_ms = 200;
 
 constexpr const char* Usage =
     "usage: bit [-T] [-R] -C FILE\n"
@@ -69,7 +69,7 @@ std::string Load(const Plan& plan, const Duty& duty) {
     while (!duty.IsOver()) {
         if (stress && !stress->IsRunning()) return "stress-ng isn't running";
         if (memTest && !memTest->IsRunning()) return std::string(MemTestName) + " isn't running";
-        duty.Wait(Look_ms);
+        duty.Wait(Check_ms);
     }
     return {};
 }

@@ -15,23 +15,22 @@ bool IsWritable(const std::string& path) {
     return file != InvalidFile;
 }
 
-using Guard = SyncObjectsOSAL::Entered<SyncObjectsOSAL::CriticalSectionOSAL>;
 }  // namespace
 
 std::string CFile::GetFullPath() const {
-    const Guard guard(m_lock);
+    const SyncObjectsOSAL::Entered guard(m_lock);
     return m_path;
 }
 
 void CFile::GetFileName(char* out) const {
     constexpr std::size_t bufferSize = 260;
-    const Guard guard(m_lock);
+    const SyncObjectsOSAL::Entered guard(m_lock);
     const auto length = m_name.copy(out, bufferSize - 1);
     out[length] = '\0';
 }
 
 bool CFile::Open() {
-    const Guard guard(m_lock);
+    const SyncObjectsOSAL::Entered guard(m_lock);
     try {
         if (!m_directory.empty() && !CreateDirectory(m_directory)) return false;
         m_stream.close();
@@ -45,31 +44,31 @@ bool CFile::Open() {
 }
 
 bool CFile::Write(const std::vector<std::string>& strings) {
-    const Guard guard(m_lock);
+    const SyncObjectsOSAL::Entered guard(m_lock);
     for (const auto& text : strings)
         m_stream << text;
     return true;
 }
 
 bool CFile::Write(const std::string& text) {
-    const Guard guard(m_lock);
+    const SyncObjectsOSAL::Entered guard(m_lock);
     m_stream << text;
     return true;
 }
 
 bool CFile::WriteLine(const std::string& text) {
-    const Guard guard(m_lock);
+    const SyncObjectsOSAL::Entered guard(m_lock);
     m_stream << text << "\r\n";
     return true;
 }
 
 void CFile::Close() {
-    const Guard guard(m_lock);
+    const SyncObjectsOSAL::Entered guard(m_lock);
     m_stream.close();
 }
 
 void CFile::SetPath(const std::string& path) {
-    const Guard guard(m_lock);
+    const SyncObjectsOSAL::Entered guard(m_lock);
     m_path = path;
     m_directory = DirectoryOf(path);
     const auto file = FileNameOf(path);
@@ -78,7 +77,7 @@ void CFile::SetPath(const std::string& path) {
 }
 
 void CFile::Rename(const std::string& newName) {
-    const Guard guard(m_lock);
+    const SyncObjectsOSAL::Entered guard(m_lock);
     m_name = newName;
     m_path = m_directory + m_name + m_extension;
     m_stream.close();

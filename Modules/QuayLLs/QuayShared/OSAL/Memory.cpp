@@ -12,8 +12,6 @@ namespace OSAL {
 
 namespace {
 
-using Guard = SyncObjectsOSAL::Entered<NamedLock>;
-
 std::string Narrow(const wchar_t* name) {
     return name ? std::filesystem::path(name).string() : std::string();
 }
@@ -47,7 +45,7 @@ void SharedMemory::Open() {
 
 bool SharedMemory::IsOpen() {
     if (!m_lock || !m_dataReady) return false;
-    const Guard guard(*m_lock);
+    const SyncObjectsOSAL::Entered guard(*m_lock);
     if (m_block || m_closed) return m_block != nullptr;
     if (m_size > 0) m_block = SharedBlock::Open(m_name, m_size);
     if (!m_block) OutputDebugString("Could not create\\open file mapping object");
@@ -59,7 +57,7 @@ std::int32_t SharedMemory::Read(std::vector<std::byte>& buffer, std::uint64_t& s
     if (size > m_size) return Refused;
     if (size == 0) size = m_size;
     buffer.assign(size, std::byte{0});
-    const Guard guard(*m_lock);
+    const SyncObjectsOSAL::Entered guard(*m_lock);
     if (!m_block) return Refused;
     std::memcpy(buffer.data(), m_block->Data(), size);
     return Done;
@@ -68,7 +66,7 @@ std::int32_t SharedMemory::Read(std::vector<std::byte>& buffer, std::uint64_t& s
 std::int32_t SharedMemory::Read(std::string& text) {
     if (!IsOpen()) return NotOpen;
     text.clear();
-    const Guard guard(*m_lock);
+    const SyncObjectsOSAL::Entered guard(*m_lock);
     if (!m_block) return Refused;
     const auto* begin = reinterpret_cast<const char*>(m_block->Data());
     text.assign(begin, std::find(begin, begin + m_size, '\0'));
@@ -79,7 +77,7 @@ std::int32_t SharedMemory::Write(const void* data, std::uint64_t size) {
     if (!IsOpen()) return NotOpen;
     if (size > m_size) return TooLarge;
     {
-        const Guard guard(*m_lock);
+        const SyncObjectsOSAL::Entered guard(*m_lock);
         if (!m_block) return Refused;
         if (data)
             std::memcpy(m_block->Data(), data, size);
@@ -97,7 +95,7 @@ bool SharedMemory::WaitForData(std::uint32_t timeoutMs) {
 
 void SharedMemory::Close() {
     if (!m_lock || !m_dataReady) return;
-    const Guard guard(*m_lock);
+    const SyncObjectsOSAL::Entered guard(*m_lock);
     if (std::exchange(m_closed, true)) return;
     m_dataReady->Set();
     m_block.reset();

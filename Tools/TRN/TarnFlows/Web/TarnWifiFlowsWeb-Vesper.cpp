@@ -14,8 +14,6 @@ using Streams::TraceInfo;
 
 namespace {
 
-constexpr const char* Saved = "Saved";
-
 /// Members split by a comma and a blank, unlike those of most messages.
 std::string SpacedMembers(std::initializer_list<std::pair<std::string_view, std::string_view>> members) {
     std::string text;
@@ -86,7 +84,8 @@ void TarnWifiFlowsWeb::ClearVesperTestMessages() {
 void TarnWifiFlowsWeb::SaveVesperTestMessages(std::string path) {
     TRACE_SCOPE("TarnWifiFlowsWeb::SaveVesperTestMessages");
     TarnWifiFlows::SaveVesperTestMessages(path);
-    if (!m_plainOutput) Send(traceFunctionName, "Save Vesper Test Messages Response", JsonText::Status(Saved));
+    if (!m_plainOutput)
+        Send(traceFunctionName, "Save Vesper Test Messages Response", JsonText::Status(JsonText::Saved));
 }
 
 // The test.
@@ -185,13 +184,13 @@ void TarnWifiFlowsWeb::ReadSamplesVesper() {
 void TarnWifiFlowsWeb::ExportVesperResult(std::string path) {
     TRACE_SCOPE("TarnWifiFlowsWeb::ExportVesperResult");
     TarnWifiFlows::ExportVesperResult(path);
-    if (!m_plainOutput) Send(traceFunctionName, "Export Vesper Result Response", JsonText::Status(Saved));
+    if (!m_plainOutput) Send(traceFunctionName, "Export Vesper Result Response", JsonText::Status(JsonText::Saved));
 }
 
 void TarnWifiFlowsWeb::DumpVesperData(std::string path) {
     TRACE_SCOPE("TarnWifiFlowsWeb::DumpVesperData");
     TarnWifiFlows::DumpVesperData(path);
-    if (!m_plainOutput) Send(traceFunctionName, "Dump Vesper Data Response", JsonText::Status(Saved));
+    if (!m_plainOutput) Send(traceFunctionName, "Dump Vesper Data Response", JsonText::Status(JsonText::Saved));
 }
 
 void TarnWifiFlowsWeb::GetChannelGraphDataForVesper(std::string text) {

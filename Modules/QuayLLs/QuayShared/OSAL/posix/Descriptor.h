@@ -3,9 +3,15 @@
 
 #include <unistd.h>
 
+#include <cstdint>
 #include <utility>
 
 namespace OSAL {
+
+/// The descriptor in a handle that the headers keep.
+inline int Handle(std::intptr_t handle) {
+    return static_cast<int>(handle);
+}
 
 class Descriptor {
 public:

@@ -27,10 +27,6 @@ namespace {
 constexpr int bufferBytes = 4096;
 constexpr std::uint32_t stepMs = 5;
 
-int Handle(std::intptr_t file) {
-    return static_cast<int>(file);
-}
-
 /// Empty when the folder can't be had or belongs to another.
 std::string PipePath(const std::string& name) {
     std::error_code error;

@@ -27,10 +27,6 @@ constexpr std::pair<std::uint32_t, speed_t> rates[] = {
     {57600, B57600}, {115200, B115200}, {230400, B230400}, {460800, B460800}, {921600, B921600},
 };
 
-int Handle(std::intptr_t port) {
-    return static_cast<int>(port);
-}
-
 }  // namespace
 
 int SerialPort::Open(const std::string& device, const SerialOptions& options) {

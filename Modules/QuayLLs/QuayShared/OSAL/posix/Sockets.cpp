@@ -15,15 +15,13 @@
 #include <cstdio>
 #include <utility>
 
+#include "OSAL/posix/Descriptor.h"
+
 namespace OSAL {
 
 namespace {
 
 constexpr std::size_t pieceBytes = 8192, formattedBytes = 780;
-
-int Handle(std::intptr_t socket) {
-    return static_cast<int>(socket);
-}
 
 /// 0 or the error of a call that gives -1.
 template <typename Answer>
