@@ -327,7 +327,7 @@ private:
     bool IsLoadLost() {
         if (!m_hasLostLoad && m_hasStartedLoad && !m_io.isLoaded()) {
             m_hasLostLoad = true;
-            Fail(LostLoad);
+            Fail(std::string(LostLoad) + "; tarn-workload.log in the folder for temporary files may say why");
         }
         return m_hasLostLoad;
     }

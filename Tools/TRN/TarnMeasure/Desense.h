@@ -117,9 +117,10 @@ struct DesenseResult {
 /// dBm in one RBW that the test's desense is counted from; nothing for a text that is no band.
 std::optional<double> DesenseReference(const std::string& band);
 
-/// What a test leaves in its folder. The last three are written by who has the result.
+/// What a test leaves in its folder: the report and what programs read of the result, written by who has the result,
+/// and the tables and messages of the run.
 inline constexpr std::array<const char*, 7> DesenseFiles{
-    "summary.csv", "summary-idle.csv", "bins.csv", "messages.log", "result.json", "junit.xml", "report.html"};
+    "report.html", "summary.csv", "bins.csv", "messages.log", "result.json", "junit.xml", "summary-idle.csv"};
 
 /// What a message of the plug-in says to a person, behind its time; nothing when it is no message of the test.
 std::optional<std::string> DesenseSaid(const std::string& message);

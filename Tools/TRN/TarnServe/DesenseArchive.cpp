@@ -1,11 +1,13 @@
 #include "DesenseArchive.h"
 
 #include <algorithm>
-#include <array>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <string_view>
+#include <vector>
 
+#include "Desense.h"
 #include "Guard.h"
 #include "Messages.h"
 #include "OSAL/WholeFile.h"
@@ -16,8 +18,11 @@ namespace {
 namespace fs = std::filesystem;
 
 /// What a test may leave; nothing else of its folder is shown or removed.
-constexpr auto fileNames = std::to_array<std::string_view>(
-    {"report.html", "summary.csv", "bins.csv", "messages.log", "result.json", "junit.xml", DesenseArchive::configName});
+std::vector<std::string_view> FileNames() {
+    std::vector<std::string_view> names(TarnMeasure::DesenseFiles.begin(), TarnMeasure::DesenseFiles.end());
+    names.emplace_back(DesenseArchive::configName);
+    return names;
+}
 
 bool IsPlainFile(const fs::path& path) {
     std::error_code error;
@@ -53,7 +58,7 @@ std::vector<FileEntry> DesenseArchive::FilesOf(const std::string& test) const {
     std::vector<FileEntry> files;
     const fs::path folder = m_folder.PathOf(test);
     if (!IsFileName(test) || !IsPlainFolder(folder) || !IsPlainFile(folder / configName)) return files;
-    for (const std::string_view name : fileNames) {
+    for (const std::string_view name : FileNames()) {
         std::error_code error;
         const fs::path path = folder / name;
         if (!IsPlainFile(path)) continue;

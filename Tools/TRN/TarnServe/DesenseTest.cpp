@@ -71,7 +71,8 @@ void DesenseTest::Start(DesenseOrder order, const std::string& folder, DesenseOr
                            .folder = folder,
                            .idleBaseline = order.idleBaseline,
                            .limits = order.limits,
-                           .margin_db = order.margin_db};
+                           .margin_db = order.margin_db,
+                           .limitText = order.limitText};
     m_order = std::move(order);
     m_what = "starting";
     m_startedUtc = UtcText(std::chrono::system_clock::now());
