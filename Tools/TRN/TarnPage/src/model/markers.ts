@@ -1,5 +1,6 @@
 // Markers: where they stand and what they read. A marker stands on the centre of a bin of one trace of one chain.
 import { Axis, bandPower, binMhz, findPeaks, nearestBin, noiseDensity } from './axis';
+import { fixed } from './text';
 import { TraceKind, TraceSet } from './traces';
 
 export const markerKinds = ['normal', 'delta', 'noise', 'channel'] as const;
@@ -31,7 +32,7 @@ export interface Reading {
 
 /** A level with two decimals, or "no data" for what doesn't exist. */
 export function levelText(level: number, unit: string): string {
-  return Number.isFinite(level) ? `${level.toFixed(2)} ${unit}` : 'no data';
+  return Number.isFinite(level) ? `${fixed(level, 2)} ${unit}` : 'no data';
 }
 
 export class MarkerSet {

@@ -1,7 +1,13 @@
 // Numbers as a person reads them: every one with its unit.
 
+/** A number with so many decimals, and no sign before a zero. */
+export function fixed(value: number, decimals: number): string {
+  const text = value.toFixed(decimals);
+  return Number(text) === 0 ? text.replace('-', '') : text;
+}
+
 export function dbm(level: number | null | undefined, decimals = 2): string {
-  return level !== null && level !== undefined && Number.isFinite(level) ? level.toFixed(decimals) : '---';
+  return level !== null && level !== undefined && Number.isFinite(level) ? fixed(level, decimals) : '---';
 }
 
 /** "14:03:22" in UTC. */

@@ -15,11 +15,12 @@ export class Actions {
     if (this.model.sent.length > 500) this.model.sent.shift();
     this.model.tell('messages');
     try {
-      return (await api.line(line)).exitCode === 0;
+      if ((await api.line(line)).exitCode === 0) return true;
+      this.showDevice();
     } catch (error) {
       this.refused(error);
-      return false;
     }
+    return false;
   }
 
   /** "-key value" pairs as one line. */
@@ -130,6 +131,11 @@ export class Actions {
 
   private refused(error: unknown): void {
     this.model.note('error', error instanceof Error ? error.message : String(error));
-    this.model.tell('state'); // the controls show again what the device has
+    this.showDevice();
+  }
+
+  /** Takes back from the controls what the device didn't take. */
+  private showDevice(): void {
+    this.model.tell('state');
   }
 }

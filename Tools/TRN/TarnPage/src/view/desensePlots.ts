@@ -1,5 +1,6 @@
 // The pictures of a desense test: a bar for each channel, and the spectrum of one of them.
 import { DesenseGraph, DesenseRow } from '../model/desense';
+import { fixed } from '../model/text';
 import { el, palette } from './dom';
 import { drawAxes, fitCanvas } from './plots';
 
@@ -64,7 +65,7 @@ export function desenseChart(select: (row: DesenseRow) => void): DesenseChart {
       context.textAlign = 'center';
       if (k % Math.ceil(numberWidth / width) === 0) {
         if (row.desense_db !== null)
-          context.fillText(row.desense_db.toFixed(1), x + width / 2, y(Math.max(0, row.desense_db)) - 4);
+          context.fillText(fixed(row.desense_db, 1), x + width / 2, y(Math.max(0, row.desense_db)) - 4);
         context.fillText(String(row.channel), x + width / 2, base + 13);
       }
       if (k === 0 || shown[k - 1].band !== row.band) {
@@ -117,8 +118,8 @@ function drawBar(context: CanvasRenderingContext2D, row: DesenseRow, place: BarP
 }
 
 export function rowText(row: DesenseRow): string {
-  const value = row.desense_db === null ? 'no desense yet' : `${row.desense_db.toFixed(1)} dB`;
-  const idle = row.idle_desense_db === null ? '' : `, idle ${row.idle_desense_db.toFixed(1)} dB`;
+  const value = row.desense_db === null ? 'no desense yet' : `${fixed(row.desense_db, 1)} dB`;
+  const idle = row.idle_desense_db === null ? '' : `, idle ${fixed(row.idle_desense_db, 1)} dB`;
   return `${row.band} GHz channel ${row.channel}: ${value}${idle}${row.verdict ? `, ${row.verdict}` : ''}`;
 }
 

@@ -10,7 +10,7 @@ import {
   worst,
 } from '../model/desense';
 import { Model } from '../model/model';
-import { dbm } from '../model/text';
+import { dbm, fixed } from '../model/text';
 import { api } from '../net/api';
 import { Actions } from './actions';
 import { desenseForm } from './desenseForm';
@@ -184,7 +184,7 @@ export function desenseView(model: Model, actions: Actions): DesenseView {
           el('td', {}, `${row.band} GHz ${row.channel}`),
           el('td', {}, spur.chain),
           el('td', { class: 'number' }, spur.frequency_mhz.toFixed(4)),
-          el('td', { class: 'number' }, spur.baseband_mhz.toFixed(4)),
+          el('td', { class: 'number' }, fixed(spur.baseband_mhz, 4)),
           el('td', { class: 'number' }, spur.level_dbm.toFixed(1)),
         ),
       ),

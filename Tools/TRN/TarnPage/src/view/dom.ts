@@ -30,6 +30,16 @@ export function labelled(label: string, control: HTMLElement): HTMLElement {
   return el('label', { class: 'row' }, el('span', {}, label), control);
 }
 
+const typing = new WeakSet<EventTarget>();
+document.addEventListener('input', (event) => event.target && typing.add(event.target), true);
+for (const end of ['change', 'focusout'])
+  document.addEventListener(end, (event) => event.target && typing.delete(event.target), true);
+
+/** Shows a value in a field, unless somebody is typing there. */
+export function show(input: HTMLInputElement, value: string): void {
+  if (!typing.has(input)) input.value = value;
+}
+
 /** Fills a select, keeping what it shows when that is still offered. */
 export function offer(select: HTMLSelectElement, options: { value: string; label?: string }[], value: string): void {
   const wanted = options.map((option) => `${option.value}\n${option.label ?? option.value}`).join('\n');
@@ -39,7 +49,7 @@ export function offer(select: HTMLSelectElement, options: { value: string; label
       ...options.map((option) => el('option', { value: option.value }, option.label ?? option.value)),
     );
   }
-  if (document.activeElement !== select || select.value !== value) select.value = value;
+  if (select.value !== value) select.value = value;
 }
 
 export interface Palette {

@@ -5,7 +5,7 @@ import { Model } from '../model/model';
 import { Preset } from '../model/view';
 import { api } from '../net/api';
 import { Actions } from './actions';
-import { el, labelled, offer, section } from './dom';
+import { el, labelled, offer, section, show } from './dom';
 
 const rbws = ['39.0625', '78.125', '156.25', '312.5'];
 
@@ -56,7 +56,7 @@ function keyText(model: Model, actions: Actions, key: string, hint: string): HTM
     onchange: () => void actions.set([key, input.value.trim()]),
   });
   model.on(['state'], () => {
-    if (document.activeElement !== input) input.value = setting(model, key);
+    show(input, setting(model, key));
   });
   return input;
 }
@@ -165,7 +165,7 @@ function sweepSection(model: Model, actions: Actions): HTMLElement {
     onchange: () => void actions.set(['-channel_average_sweep_val', count.value]),
   });
   model.on(['state'], () => {
-    if (document.activeElement !== count) count.value = setting(model, '-channel_average_sweep_val') || '25';
+    show(count, setting(model, '-channel_average_sweep_val') || '25');
   });
   const reference = el('input', {
     type: 'number',
@@ -182,7 +182,7 @@ function sweepSection(model: Model, actions: Actions): HTMLElement {
     model.tell('view');
   }
   const showLevels = () => {
-    if (document.activeElement !== reference) reference.value = String(model.view.reference_dbm);
+    show(reference, String(model.view.reference_dbm));
     offer(
       scale,
       [1, 2, 5, 10, 15, 20].map((value) => ({ value: String(value), label: `${value} dB` })),
@@ -274,8 +274,8 @@ function limitSection(model: Model, actions: Actions): HTMLElement {
   const send = () => void actions.guarded(() => api.limits(limit.value.trim(), Number(margin.value)));
   model.on(['state'], () => {
     const limits = model.host?.limits;
-    if (document.activeElement !== limit) limit.value = limits?.text ?? '';
-    if (document.activeElement !== margin && limits) margin.value = String(limits.margin_db);
+    show(limit, limits?.text ?? '');
+    if (limits) show(margin, String(limits.margin_db));
   });
   return section(
     'Limits',
