@@ -23,22 +23,24 @@ std::uint64_t DigitsToNumber(std::uint64_t digits) {
     return ((digits & Pairs) * Outer + ((digits >> 16) & Pairs) * Inner) >> 32;
 }
 
-/// A plain whole number of up to 7 digits; answers its end, or null when the text is anything else. All digits are
-/// taken at once: their number differs from line to line, and a wrong guess costs more than the number itself.
+/// A plain whole number of up to 7 bytes; answers its end, or null when the text is anything else. All digits are taken
+/// at once: their number differs from line to line, and a wrong guess costs more than the number itself. The next
+/// number waits for this one's end alone, so that is found without a look at the sign.
 /// @param end  behind the text's last byte
-const char* PlainInteger(const char* at, const char* end, double& value) {
-    if (std::endian::native != std::endian::little || end - at <= 8) return nullptr;
-    const std::uint64_t isNegative = *at == '-' ? 1 : 0;
-    at += isNegative;
+inline const char* PlainInteger(const char* at, const char* end, double& value) {
+    if (std::endian::native != std::endian::little || end - at < 8) return nullptr;
     std::uint64_t text = 0;
     std::memcpy(&text, at, sizeof text);
-    text ^= 0x3030303030303030;                                                              // digits become 0 to 9
+    text ^= 0x3030303030303030;  // digits become 0 to 9
+    constexpr std::uint64_t First = 0x80;
     const std::uint64_t others = ((text + 0x7676767676767676) | text) & 0x8080808080808080;  // true up to the first
-    const int digits = std::countr_zero(others) / 8;
-    if (digits == 0 || digits == 8) return nullptr;
-    const auto magnitude = static_cast<double>(DigitsToNumber(text << (64 - 8 * digits)));
+    const int bytes = std::countr_zero(others & ~First) / 8;
+    const std::uint64_t isNegative = *at == '-' ? 1 : 0;
+    const int digits = bytes - static_cast<int>(isNegative);
+    if (bytes == 8 || digits == 0 || (others & First) != isNegative * First) return nullptr;
+    const auto magnitude = static_cast<double>(DigitsToNumber((text >> 8 * isNegative) << (64 - 8 * digits)));
     value = std::bit_cast<double>(std::bit_cast<std::uint64_t>(magnitude) | isNegative << 63);  // "-0" keeps its sign
-    return at + digits;
+    return at + bytes;
 }
 
 /// The usual line, such as "-12 ,34", without a search for its end. No step passes the line feed, so text that ends in
@@ -51,8 +53,8 @@ const char* PlainLine(const char* at, const char* end, double& i, double& q) {
         ++at;
     if (*at == '\n') return nullptr;
     at = PlainInteger(at + 1, end, q);
-    if (at && *at == '\r') ++at;
-    return at && *at == '\n' ? at + 1 : nullptr;
+    if (!at || *at == '\n') return at ? at + 1 : nullptr;
+    return *at == '\r' && at[1] == '\n' ? at + 2 : nullptr;
 }
 
 }  // namespace
