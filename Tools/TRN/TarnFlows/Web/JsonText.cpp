@@ -36,6 +36,10 @@ std::string Status(std::string_view text) {
     return Object({{"status", text}});
 }
 
+std::string SavedStatus() {
+    return Status("Saved");
+}
+
 std::string Quoted(std::string_view text) {
     std::string quoted = "\"";
     for (const char c : text) {

@@ -16,8 +16,8 @@ namespace JsonText {
 std::string Object(std::initializer_list<std::pair<std::string_view, std::string_view>> members);
 /// {"status": "TEXT"}
 std::string Status(std::string_view text);
-/// The status of every save.
-inline constexpr const char* Saved = "Saved";
+/// Of every save.
+std::string SavedStatus();
 /// The text between double quotes, with backslash sequences for line feed, carriage return, tab, quote and backslash.
 std::string Quoted(std::string_view text);
 /// The text as printf's "%f" writes it.

@@ -16,35 +16,35 @@ void TarnWifiFlowsWeb::SaveSpectrum(std::string path) {
     TRACE_SCOPE("TarnWifiFlowsWeb::SaveSpectrum");
     if (m_plainOutput) return TarnWifiFlows::SaveSpectrum(path);
     Engine().DumpSpectrum(path);
-    Send(traceFunctionName, "Save Spectrum Response", JsonText::Status(JsonText::Saved));
+    Send(traceFunctionName, "Save Spectrum Response", JsonText::SavedStatus());
 }
 
 void TarnWifiFlowsWeb::SaveMaxHold(std::string path) {
     TRACE_SCOPE("TarnWifiFlowsWeb::SaveMaxHold");
     if (m_plainOutput) return TarnWifiFlows::SaveMaxHold(path);
     Engine().DumpMaxHold(path);
-    Send(traceFunctionName, "Save MaxHold Response", JsonText::Status(JsonText::Saved));
+    Send(traceFunctionName, "Save MaxHold Response", JsonText::SavedStatus());
 }
 
 void TarnWifiFlowsWeb::SaveIQ(std::string path) {
     TRACE_SCOPE("TarnWifiFlowsWeb::SaveIQ");
     if (m_plainOutput) return TarnWifiFlows::SaveIQ(path);
     Engine().DumpIQ(path);
-    Send(traceFunctionName, "Save IQ Response", JsonText::Status(JsonText::Saved));
+    Send(traceFunctionName, "Save IQ Response", JsonText::SavedStatus());
 }
 
 void TarnWifiFlowsWeb::SaveSpectrumByRBW(std::string path) {
     TRACE_SCOPE("TarnWifiFlowsWeb::SaveSpectrumByRBW");
     if (m_plainOutput) return TarnWifiFlows::SaveSpectrumByRBW(path);
     Engine().DumpSpectrumByRBW(path);
-    Send(traceFunctionName, "Save Spectrum by RBW-Power Response", JsonText::Status(JsonText::Saved));
+    Send(traceFunctionName, "Save Spectrum by RBW-Power Response", JsonText::SavedStatus());
 }
 
 void TarnWifiFlowsWeb::ExportAllFreqPowerData(std::string path) {
     TRACE_SCOPE("TarnWifiFlowsWeb::ExportAllFreqPowerData");
     if (m_plainOutput) return TarnWifiFlows::ExportAllFreqPowerData(path);
     m_freqPowerStore.Write(path);
-    Send(traceFunctionName, "Export Spectrum by Frequency-Power Response", JsonText::Status(JsonText::Saved));
+    Send(traceFunctionName, "Export Spectrum by Frequency-Power Response", JsonText::SavedStatus());
 }
 
 void TarnWifiFlowsWeb::ReadADCSamplesFromFile(std::string folder) {

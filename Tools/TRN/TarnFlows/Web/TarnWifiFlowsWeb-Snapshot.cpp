@@ -57,7 +57,7 @@ void TarnWifiFlowsWeb::SaveAll(std::string argument) {
     LoadDataFromWifiFlows();
     SerializeData(path);
     DeleteSavedParams();
-    Send(traceFunctionName, "Save All Response", JsonText::Status(JsonText::Saved));
+    Send(traceFunctionName, "Save All Response", JsonText::SavedStatus());
 }
 
 void TarnWifiFlowsWeb::PrepareSavedParamsNonArrays() {

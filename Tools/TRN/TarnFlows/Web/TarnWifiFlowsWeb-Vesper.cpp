@@ -84,8 +84,7 @@ void TarnWifiFlowsWeb::ClearVesperTestMessages() {
 void TarnWifiFlowsWeb::SaveVesperTestMessages(std::string path) {
     TRACE_SCOPE("TarnWifiFlowsWeb::SaveVesperTestMessages");
     TarnWifiFlows::SaveVesperTestMessages(path);
-    if (!m_plainOutput)
-        Send(traceFunctionName, "Save Vesper Test Messages Response", JsonText::Status(JsonText::Saved));
+    if (!m_plainOutput) Send(traceFunctionName, "Save Vesper Test Messages Response", JsonText::SavedStatus());
 }
 
 // The test.
@@ -184,13 +183,13 @@ void TarnWifiFlowsWeb::ReadSamplesVesper() {
 void TarnWifiFlowsWeb::ExportVesperResult(std::string path) {
     TRACE_SCOPE("TarnWifiFlowsWeb::ExportVesperResult");
     TarnWifiFlows::ExportVesperResult(path);
-    if (!m_plainOutput) Send(traceFunctionName, "Export Vesper Result Response", JsonText::Status(JsonText::Saved));
+    if (!m_plainOutput) Send(traceFunctionName, "Export Vesper Result Response", JsonText::SavedStatus());
 }
 
 void TarnWifiFlowsWeb::DumpVesperData(std::string path) {
     TRACE_SCOPE("TarnWifiFlowsWeb::DumpVesperData");
     TarnWifiFlows::DumpVesperData(path);
-    if (!m_plainOutput) Send(traceFunctionName, "Dump Vesper Data Response", JsonText::Status(JsonText::Saved));
+    if (!m_plainOutput) Send(traceFunctionName, "Dump Vesper Data Response", JsonText::SavedStatus());
 }
 
 void TarnWifiFlowsWeb::GetChannelGraphDataForVesper(std::string text) {
