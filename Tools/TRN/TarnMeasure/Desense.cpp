@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "OSAL/WholeFile.h"
+#include "TestConfigKeys.h"
 
 namespace TarnMeasure {
 
@@ -21,7 +22,6 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr int ConfigLines = 9;
 constexpr double UsualRoom_db = 3.0;          ///< above the reference, without limits of one's own
 constexpr double ReferenceRbw_khz = 39.0625;  ///< that the references are for
 constexpr const char* LostLoad = "the workload ended before its time";
@@ -38,12 +38,12 @@ struct BandRow {
     const char* name;      ///< of the key
     const char* messages;  ///< as messages write it
     const char* summary;   ///< as the summary writes it
-    const char* list;      ///< key of its channels in the configuration
+    VesperParam list;      ///< its channels in the configuration
     double reference_dbm;
 };
-constexpr std::array<BandRow, 3> Bands{{{"2.4", "2.4", "2.4 GHz", "LBChannels", -121.0},
-                                        {"5.2", "5", "5 GHz", "HBChannels", -122.0},
-                                        {"6-7", "6-7", "6-7 GHz", "UHBChannels", -122.0}}};
+constexpr std::array<BandRow, 3> Bands{{{"2.4", "2.4", "2.4 GHz", VesperParamLowBand, -121.0},
+                                        {"5.2", "5", "5 GHz", VesperParamHighBand, -122.0},
+                                        {"6-7", "6-7", "6-7 GHz", VesperParamUltraHighBand, -122.0}}};
 
 std::size_t BandNumber(const std::string& band) {
     return static_cast<std::size_t>(std::ranges::find(Bands, band, &BandRow::name) - Bands.begin());
@@ -231,16 +231,16 @@ private:
     void FindLeftOut() {
         std::ifstream file(m_request.config);
         std::string line;
-        for (int k = 0; k < ConfigLines && std::getline(file, line); ++k) {
+        for (std::size_t k = 0; k < VesperParamCount && std::getline(file, line); ++k) {
             const std::size_t comma = line.find(',');
             if (comma == std::string::npos) continue;
             const std::string key = line.substr(0, comma);
             const std::string value = line.substr(comma + 1, line.find_first_of(",\r", comma + 1) - comma - 1);
-            if (key == "bitcfg") m_loadFile = value;
-            if (key == "disableBit")
+            if (key == TarnKeys::TestConfigKeys[VesperParamBitcfg]) m_loadFile = value;
+            if (key == TarnKeys::TestConfigKeys[VesperParamDisableBit])
                 m_isLoadDisabled = value.size() == 4 && std::tolower(static_cast<unsigned char>(value[0])) == 't';
-            if (const auto row = std::ranges::find(Bands, key, &BandRow::list); row != Bands.end())
-                FindLeftOut(*row, value);
+            for (const BandRow& row : Bands)
+                if (key == TarnKeys::TestConfigKeys[row.list]) FindLeftOut(row, value);
         }
     }
 
@@ -248,7 +248,8 @@ private:
         // The plug-in drops the first and the last character unseen, so that digits there would change a channel.
         if (!list.empty() && (std::isdigit(static_cast<unsigned char>(list.front())) ||
                               std::isdigit(static_cast<unsigned char>(list.back()))))
-            Fail(std::string(row.list) + ": the channels must stand in brackets, such as [1;6]");
+            Fail(std::string(TarnKeys::TestConfigKeys[row.list]) +
+                 ": the channels must stand in brackets, such as [1;6]");
         std::istringstream tokens(list.size() < 2 ? "" : list.substr(1, list.size() - 2));
         for (std::string text; std::getline(tokens, text, ';');) {
             const int number = ChannelNumber(text);
@@ -526,8 +527,7 @@ private:
     void TellSetUp() {
         char margin[32];
         std::snprintf(margin, sizeof margin, "%.1f dB", m_request.margin_db);
-        std::string limit = m_request.limitText;
-        if (limit.empty()) limit = m_request.limits ? "given: each channel's own" : "3 dB above each band's reference";
+        const std::string limit = m_request.limits ? m_request.limitText : "3 dB above each band's reference";
         std::string load = m_loadFile + (m_hasLostLoad      ? ": " + std::string(LostLoad)
                                          : m_hasStartedLoad ? ": it ran"
                                                             : ": it didn't run");

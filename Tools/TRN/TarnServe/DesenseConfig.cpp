@@ -15,9 +15,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-enum Key : std::size_t { Width, Rbw, ChainMode, Iterations, Bitcfg, DisableBit, FirstList };
-constexpr std::array<std::string_view, DesenseConfig::keyCount> keys = {
-    "bw", "rbw", "chainMode", "iterations", "bitcfg", "disableBit", "LBChannels", "HBChannels", "UHBChannels"};
+constexpr auto& keys = TarnKeys::TestConfigKeys;
 constexpr std::size_t longestText = 64 << 10;
 constexpr int mostIterations = 100;
 constexpr int highestChannel = 300;
@@ -39,7 +37,7 @@ bool IsNumber(const std::string& text, Number low, Number high) {
 }
 
 bool IsList(std::size_t key) {
-    return key >= FirstList;
+    return key >= VesperParamLowBand;
 }
 
 /// A value of a request as the file writes it; nothing for one that has no such form.
@@ -75,7 +73,7 @@ bool IsResolution(const std::string& text) {
 OSAL::Outcome<DesenseConfig> DesenseConfig::FromText(std::string_view text) {
     if (text.size() > longestText) return OSAL::Refusal{"the configuration is too long"};
     Json values = Json::object();
-    while (!text.empty() && values.size() < keyCount) {
+    while (!text.empty() && values.size() < VesperParamCount) {
         const std::size_t end = std::min(text.find('\n'), text.size());
         std::string line(text.substr(0, end));
         text.remove_prefix(std::min(end + 1, text.size()));
@@ -102,7 +100,7 @@ OSAL::Outcome<DesenseConfig> DesenseConfig::FromJson(const Json& json) {
         if (std::ranges::find(keys, key) == keys.end())
             return OSAL::Refusal{Shown(key) + " is no key of the configuration"};
     DesenseConfig config;
-    for (std::size_t k = 0; k < keyCount; ++k) {
+    for (std::size_t k = 0; k < VesperParamCount; ++k) {
         const auto value = json.find(keys[k]);
         if (value == json.end()) return OSAL::Refusal{"the configuration has no " + std::string(keys[k])};
         const auto text = TextOf(k, *value);
@@ -112,7 +110,7 @@ OSAL::Outcome<DesenseConfig> DesenseConfig::FromJson(const Json& json) {
                 (IsList(k) ? "an array of channel numbers or a text such as 1;6;11" : "a text or a number")};
         config.m_values[k] = *text;
     }
-    for (char& letter : config.m_values[DisableBit])
+    for (char& letter : config.m_values[VesperParamDisableBit])
         letter = static_cast<char>(std::tolower(static_cast<unsigned char>(letter)));
     const auto checked = config.Check();
     if (!checked) return checked.Why();
@@ -123,14 +121,18 @@ OSAL::Outcome<> DesenseConfig::Check() const {
     const auto wrong = [&](std::size_t key, const std::string& wanted) {
         return OSAL::Refusal{std::string(keys[key]) + " " + Shown(m_values[key]) + " must be " + wanted};
     };
-    if (!IsOneOf(m_values[Width], {"20", "40", "80", "160", "320"})) return wrong(Width, "20, 40, 80, 160 or 320");
-    if (!IsResolution(m_values[Rbw])) return wrong(Rbw, "39.0625, 78.125, 156.25 or 312.5");
-    if (!IsOneOf(m_values[ChainMode], {"A", "B", "AB", "A->B"})) return wrong(ChainMode, "A, B, AB or A->B");
-    if (!IsNumber(m_values[Iterations], 1, mostIterations)) return wrong(Iterations, "a whole number from 1 to 100");
-    if (!IsFileName(m_values[Bitcfg])) return wrong(Bitcfg, "the plain name of a workload file");
-    if (!IsOneOf(m_values[DisableBit], {"true", "false"})) return wrong(DisableBit, "true or false");
+    if (!IsOneOf(m_values[VesperParamBandwidth], {"20", "40", "80", "160", "320"}))
+        return wrong(VesperParamBandwidth, "20, 40, 80, 160 or 320");
+    if (!IsResolution(m_values[VesperParamRbw])) return wrong(VesperParamRbw, "39.0625, 78.125, 156.25 or 312.5");
+    if (!IsOneOf(m_values[VesperParamChainMode], {"A", "B", "AB", "A->B"}))
+        return wrong(VesperParamChainMode, "A, B, AB or A->B");
+    if (!IsNumber(m_values[VesperParamIterations], 1, mostIterations))
+        return wrong(VesperParamIterations, "a whole number from 1 to 100");
+    if (!IsFileName(m_values[VesperParamBitcfg])) return wrong(VesperParamBitcfg, "the plain name of a workload file");
+    if (!IsOneOf(m_values[VesperParamDisableBit], {"true", "false"}))
+        return wrong(VesperParamDisableBit, "true or false");
     bool hasChannel = false;
-    for (std::size_t k = FirstList; k < keyCount; ++k) {
+    for (std::size_t k = VesperParamLowBand; k < VesperParamCount; ++k) {
         if (!IsChannelList(m_values[k])) return wrong(k, "channel numbers from 1 to 300 split by ';'");
         hasChannel |= !m_values[k].empty();
     }
@@ -140,24 +142,24 @@ OSAL::Outcome<> DesenseConfig::Check() const {
 
 std::string DesenseConfig::Text() const {
     std::string text;
-    for (std::size_t k = 0; k < keyCount; ++k)
-        text += std::string(keys[k]) + "," + (k < FirstList ? m_values[k] : "[" + m_values[k] + "]") + "\n";
+    for (std::size_t k = 0; k < VesperParamCount; ++k)
+        text += std::string(keys[k]) + "," + (k < VesperParamLowBand ? m_values[k] : "[" + m_values[k] + "]") + "\n";
     return text;
 }
 
 Json DesenseConfig::ToJson() const {
     Json json = Json::object();
-    for (std::size_t k = 0; k < keyCount; ++k)
+    for (std::size_t k = 0; k < VesperParamCount; ++k)
         json[std::string(keys[k])] = m_values[k];
     return json;
 }
 
 bool DesenseConfig::LoadsMachine() const {
-    return m_values[DisableBit] == "false";
+    return m_values[VesperParamDisableBit] == "false";
 }
 
 int DesenseConfig::Width_mhz() const {
-    return std::atoi(m_values[Width].c_str());
+    return std::atoi(m_values[VesperParamBandwidth].c_str());
 }
 
 }  // namespace TarnServe

@@ -7,15 +7,15 @@
 #include <string_view>
 
 #include "OSAL/Outcome.h"
+#include "TestConfigKeys.h"
 
 namespace TarnServe {
 
 /// Thread: const use is safe from several threads.
 class DesenseConfig {
 public:
-    /// @param text  a configuration file: nine lines KEY,VALUE, each key once; what stands behind them, or behind a
-    /// second
-    ///              comma, is left alone
+    /// @param text  a configuration file: nine lines KEY,VALUE, each key once; what stands behind them, or behind
+    ///              a second comma, is left alone
     static OSAL::Outcome<DesenseConfig> FromText(std::string_view text);
     /// @param json  an object with the nine keys; channels as an array of numbers or as a text split by ";"
     static OSAL::Outcome<DesenseConfig> FromJson(const nlohmann::json& json);
@@ -27,12 +27,10 @@ public:
     bool LoadsMachine() const;
     int Width_mhz() const;
 
-    static constexpr std::size_t keyCount = 9;
-
 private:
     OSAL::Outcome<> Check() const;
 
-    std::array<std::string, keyCount> m_values;  ///< in the order of the keys; lists without their brackets
+    std::array<std::string, VesperParamCount> m_values;  ///< in the order of the keys; lists without their brackets
 };
 
 }  // namespace TarnServe

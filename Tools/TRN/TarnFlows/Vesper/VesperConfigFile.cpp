@@ -1,7 +1,6 @@
 #include "Vesper/VesperConfigFile.h"
 
 #include <algorithm>
-#include <array>
 
 #include "OSAL/Files.h"
 #include "Streams/Trace.h"
@@ -11,8 +10,6 @@ using Streams::ThrowLogged;
 
 namespace {
 
-constexpr std::array<std::string_view, VesperParamCount> Keys{
-    "bw", "rbw", "chainMode", "iterations", "bitcfg", "disableBit", "LBChannels", "HBChannels", "UHBChannels"};
 /// More than nine lines of any sense hold.
 constexpr std::size_t LongestFile = 1 << 20;
 constexpr const char* Unparsed = "Failed to parse file";
@@ -40,9 +37,10 @@ std::vector<std::string> ReadLines(const std::string& path, const char* function
 }  // namespace
 
 VesperParam StringToVesperParam(std::string_view key) {
-    const auto found = std::ranges::find(Keys, key);
-    if (found == Keys.end()) ThrowLogged("StringToVesperParam", "Invalid parameter name");
-    return static_cast<VesperParam>(found - Keys.begin());
+    const auto& keys = TarnKeys::TestConfigKeys;
+    const auto found = std::ranges::find(keys, key);
+    if (found == keys.end()) ThrowLogged("StringToVesperParam", "Invalid parameter name");
+    return static_cast<VesperParam>(found - keys.begin());
 }
 
 std::vector<std::string> ParseVesperConfigFile(const std::string& path) {

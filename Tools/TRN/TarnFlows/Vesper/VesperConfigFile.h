@@ -1,24 +1,11 @@
 // The test's configuration file: nine lines "key,value" in any order.
 #pragma once
 
-#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
 
-/// Places of the values in the list.
-enum VesperParam : std::size_t {
-    VesperParamBandwidth,
-    VesperParamRbw,
-    VesperParamChainMode,
-    VesperParamIterations,
-    VesperParamBitcfg,
-    VesperParamDisableBit,
-    VesperParamLowBand,  ///< channels joined by ";", here and in the next two
-    VesperParamHighBand,
-    VesperParamUltraHighBand,
-    VesperParamCount
-};
+#include "TestConfigKeys.h"
 
 /// @throws Common::Exception "Invalid parameter name" for a text that is no key
 VesperParam StringToVesperParam(std::string_view key);
