@@ -105,6 +105,17 @@ test('the page finds a simulated tone, holds, averages, saves, and finds it agai
   const again = await textWhere(page, '[data-marker="1"] .reading', (text) => /2440\.\d+ MHz/.test(text));
   assert.ok(Math.abs(Number(again.match(/(-\d+\.\d+) dBm/)[1]) - level) <= 1.5, again);
   assert.match(await page.locator('#reference_note').innerText(), /Average of/);
+
+  const capture = await page.evaluateHandle(() => {
+    const tone = Array.from({ length: 32768 }, (_, n) => `${[200, 0, -200, 0][n % 4]} ,${[0, 200, 0, -200][n % 4]}`);
+    const transfer = new DataTransfer();
+    transfer.items.add(new File([tone.join('\n') + '\n'], 'BAND_2.4_CHANNEL_11_BW_20_CHAIN_A_desk.txt'));
+    return transfer;
+  });
+  await page.dispatchEvent('body', 'drop', { dataTransfer: capture });
+  await textWhere(page, '.power h2', (text) => /channel 11, 2462 mhz/i.test(text));
+  await page.keyboard.press('Shift+P');
+  await textWhere(page, '[data-marker="1"] .reading', (text) => /2472\.0\d+ MHz/.test(text)); // a quarter of the rate up
   assert.deepEqual(page.complaints, []);
   await browser.close();
   await server.stop();

@@ -82,7 +82,8 @@ Json TestSchemas() {
 
 /// Data of the plug-in's messages, by type.
 Json PluginSchemas() {
-    const Json levels = ArrayOf(number);
+    const Json levels = ArrayOf(numberOrNull);
+    const Json codes = ArrayOf(number);
     const Json channel = ObjectOf({{"value", text}, {"frequency", text}});
     const Json width = ObjectOf({{"bandwidth", text}, {"channels", ArrayOf(channel)}});
     const Json power = ObjectOf({{"channel", text},
@@ -101,10 +102,10 @@ Json PluginSchemas() {
              ObjectOf({{"chain", text}, {"data", levels}, {"averageData", levels, true}, {"maxData", levels, true}}))},
         {"Spectrum Data Average",
          ObjectOf({{"chain", text}, {"data0", levels}, {"data1", levels, true}, {"data2", levels, true}})},
-        {"IQ Amplitude Data", ArrayOf(ObjectOf({{"chain", text}, {"IData", levels}, {"QData", levels}}))},
+        {"IQ Amplitude Data", ArrayOf(ObjectOf({{"chain", text}, {"IData", codes}, {"QData", codes}}))},
         {"Histogram Data",
-         ArrayOf(ObjectOf(
-             {{"chain", text}, {"IQData", levels}, {"IData", levels}, {"QData", levels}, {"IQMinMax", levels}}))},
+         ArrayOf(
+             ObjectOf({{"chain", text}, {"IQData", codes}, {"IData", codes}, {"QData", codes}, {"IQMinMax", codes}}))},
         {"Maximum Peaks Data",
          ArrayOf(ObjectOf({{"chain", text}, {"data", ArrayOf(ObjectOf({{"frequency", number}, {"power", number}}))}}))},
         {"Supported Channels Data", ArrayOf(ObjectOf({{"band", text}, {"bandwidths", ArrayOf(width)}}))},

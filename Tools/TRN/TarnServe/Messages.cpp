@@ -14,6 +14,24 @@ using Json = nlohmann::json;
 constexpr std::string_view opening = R"({"type": ")";
 constexpr std::string_view middle = R"(", "data": )";
 
+/// Numbers that printf writes as a word become null; words in quotes stay.
+std::string NullForNonFinite(std::string_view text) {
+    std::string result;
+    std::size_t begin = 0;
+    for (std::size_t at = 0; (at = text.find_first_of("in", at)) != std::string_view::npos; ++at) {
+        const std::string_view word = text.substr(at, 3);
+        if (word != "inf" && word != "nan") continue;
+        const std::size_t first = at > 0 && text[at - 1] == '-' ? at - 1 : at;
+        const std::size_t end = at + word.size();
+        const bool isNumber = first > 0 && std::string_view(" ,[").find(text[first - 1]) != std::string_view::npos &&
+                              end < text.size() && std::string_view(",]}").find(text[end]) != std::string_view::npos;
+        if (!isNumber) continue;
+        result.append(text, begin, first - begin).append("null");
+        begin = end;
+    }
+    return result.append(text.substr(begin));
+}
+
 }  // namespace
 
 std::string Message::Head(std::uint64_t dropped) const {
@@ -39,9 +57,12 @@ std::string Envelope(std::string_view type, std::string_view data) {
 }
 
 std::string AsJson(std::string envelope) {
-    // the numbers of a sweep, a megabyte or more, break JSON only where they aren't finite
-    const bool isFinite = envelope.find("nan") == std::string::npos && envelope.find("inf") == std::string::npos;
-    if ((isFinite && IsOfSweep(TypeOf(envelope))) || Json::accept(envelope)) return envelope;
+    if (IsOfSweep(TypeOf(envelope))) {
+        // the numbers of a sweep, a megabyte or more, break JSON only where they aren't finite
+        if (envelope.find("nan") == std::string::npos && envelope.find("inf") == std::string::npos) return envelope;
+        envelope = NullForNonFinite(envelope);
+    }
+    if (Json::accept(envelope)) return envelope;
     const Json whole = {{"type", TypeOf(envelope)}, {"data", nullptr}, {"text", envelope}};
     return whole.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

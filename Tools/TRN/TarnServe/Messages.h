@@ -46,8 +46,9 @@ std::string_view DataOf(std::string_view envelope);
 /// An envelope out of a JSON text.
 std::string Envelope(std::string_view type, std::string_view data);
 
-/// The envelope when it is JSON, else one of the same type with "text": what the plug-in said, as a JSON string. Texts
-/// that the plug-in copies unescaped can break its JSON; a reader of the stream never sees that.
+/// The envelope when it is JSON, with null for a level that is no number. Else one of the same type with "text": what
+/// the plug-in said, as a JSON string. Texts that the plug-in copies unescaped can break its JSON; a reader of the
+/// stream never sees that.
 std::string AsJson(std::string envelope);
 
 /// True for the types that each sweep brings anew, so that only the newest ones count.

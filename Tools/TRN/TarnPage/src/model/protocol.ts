@@ -132,11 +132,14 @@ export interface BandChannels {
   bandwidths: { bandwidth: string; channels: { value: string; frequency: string }[] }[];
 }
 
+/** null where a bin has no power at all, or a gain file made no number of it. */
+type Level = number | null;
+
 interface SpectrumObject {
   chain: string;
-  data: number[];
-  averageData?: number[];
-  maxData?: number[];
+  data: Level[];
+  averageData?: Level[];
+  maxData?: Level[];
 }
 
 /** Puts the messages of one sweep together. A sweep's last message is "Host Frame". */
@@ -179,8 +182,12 @@ function assemble(parts: Message[], end: Message): Frame {
   return frame;
 }
 
+function levels(data: Level[]): Float32Array {
+  return Float32Array.from(data, (level) => level ?? -Infinity);
+}
+
 function addPart(frame: Frame, part: Message): void {
-  if (part.data === null) return; // levels that are no numbers
+  if (part.data === null) return; // not JSON
   switch (part.type) {
     case 'Trigger Response':
       frame.samples = (part.data as { numOfSamples: number }).numOfSamples;
@@ -192,9 +199,9 @@ function addPart(frame: Frame, part: Message): void {
     }
     case 'Spectrum Data':
       for (const chain of part.data as SpectrumObject[]) {
-        frame.live.push(Float32Array.from(chain.data));
-        if (chain.averageData) frame.average.push(Float32Array.from(chain.averageData));
-        if (chain.maxData) frame.maxHold.push(Float32Array.from(chain.maxData));
+        frame.live.push(levels(chain.data));
+        if (chain.averageData) frame.average.push(levels(chain.averageData));
+        if (chain.maxData) frame.maxHold.push(levels(chain.maxData));
       }
       break;
     case 'IQ Amplitude Data':

@@ -208,7 +208,7 @@ export class SpectrumPlot {
   }
 }
 
-/** A polyline through the points as they are; a level that isn't a number leaves a gap. */
+/** A polyline through the points as they are; NaN leaves a gap, and no power at all lies under the plot. */
 function tracePath(plot: uPlot, index: number, first: number, last: number): uPlot.Series.Paths | null {
   const path = new Path2D();
   const xs = plot.data[0] as unknown as Float64Array;
@@ -217,7 +217,7 @@ function tracePath(plot: uPlot, index: number, first: number, last: number): uPl
   let isOpen = false;
   for (let k = first; k <= last; ++k) {
     const level = ys[k];
-    if (!Number.isFinite(level)) {
+    if (Number.isNaN(level)) {
       isOpen = false;
       continue;
     }
