@@ -58,7 +58,8 @@ struct LineEditor::Terminal {
         ::el_set(editor, EL_HIST, ::history, past);
         ::el_set(editor, EL_PROMPT, &Terminal::Prompt);
         ::el_set(editor, EL_GETCFN, &Terminal::GetCharacter);
-        ::el_set(editor, EL_ADDFN, "tarn-complete", "Complete keys, values and files", &Terminal::Complete);
+        // the narrow call would copy both texts and never free them
+        ::el_wset(editor, EL_ADDFN, L"tarn-complete", L"Complete keys, values and files", &Terminal::Complete);
         ::el_set(editor, EL_BIND, "^I", "tarn-complete", nullptr);
     }
     ~Terminal() {
