@@ -30,7 +30,7 @@ struct HostAndPort {
     std::uint16_t port = 80;
 };
 
-std::optional<HostAndPort> Split(std::string_view host) {
+std::optional<HostAndPort> SplitPort(std::string_view host) {
     const std::size_t colon = host.rfind(':');
     const bool hasPort = colon != std::string_view::npos && host.find(']', colon) == std::string_view::npos;
     if (!hasPort) return HostAndPort{host};
@@ -74,7 +74,7 @@ Guard::Guard(std::string address, std::uint16_t port, std::string token, std::st
     : m_address(std::move(address)), m_port(port), m_token(std::move(token)), m_machineName(std::move(machineName)) {}
 
 bool Guard::IsOwnHost(std::string_view host) const {
-    const auto split = Split(host);
+    const auto split = SplitPort(host);
     if (!split || split->port != m_port) return false;
     const std::string name = ShortestName(split->name);
     if (SameLetters(name, m_address) || name == "[" + m_address + "]") return true;

@@ -5,7 +5,7 @@
 namespace TarnHost {
 namespace {
 
-constexpr std::size_t longest = 800, longestWord = 200;
+constexpr std::size_t longest = 800, mostGivenUp = 200;
 constexpr const char* blanks = " \t\r\n";
 
 std::size_t CountWords(const std::string& text, std::size_t start) {
@@ -22,7 +22,7 @@ std::size_t CountWords(const std::string& text, std::size_t start) {
 std::string Shortened(const std::string& text) {
     if (text.size() <= longest) return text;
     const std::size_t blank = text.find_last_of(blanks, longest);
-    const bool cutsWord = blank == std::string::npos || longest - blank > longestWord;
+    const bool cutsWord = blank == std::string::npos || longest - blank > mostGivenUp;
     std::size_t end = cutsWord ? longest : blank;
     while (cutsWord && end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80)
         --end;  // not within a character

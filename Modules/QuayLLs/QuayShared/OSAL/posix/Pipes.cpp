@@ -25,7 +25,7 @@ namespace OSAL {
 namespace {
 
 constexpr int bufferBytes = 4096;
-constexpr std::uint32_t stepMs = 5;
+constexpr std::uint32_t serverStepMs = 5;
 
 /// Empty when the folder can't be had or belongs to another.
 std::string PipePath(const std::string& name) {
@@ -103,7 +103,7 @@ bool NamedPipe::Wait(const std::string& name, std::uint32_t timeoutMs) {
     const Stopwatch watch;
     do {
         if (IsServed(path)) return true;
-        SleepMs(std::min(stepMs, timeoutMs));
+        SleepMs(std::min(serverStepMs, timeoutMs));
     } while (watch.ElapsedMs() < timeoutMs);
     return false;
 }
@@ -124,7 +124,7 @@ int NamedPipe::Open(const std::string& name) {
             Disconnect();
             return error == EAGAIN ? EBUSY : error;
         }
-        SleepMs(stepMs);
+        SleepMs(serverStepMs);
     }
     return SetHandleState(true);
 }
