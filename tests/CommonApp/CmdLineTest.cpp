@@ -87,6 +87,7 @@ TEST(Wildcards, MatchAndGiveWhatTheyTook) {
         {"*/Command", "./Root/Command", true, "./Root"},
         {"n#x&", "n123xF", true, "123|F"},
         {"n#", "n", false, ""},
+        {"n#", "nx", false, ""},
         {"a b", "a\tb", true, "\t"},
         {"a**", "a", true, ""},
         {"", "", true, ""},

@@ -143,6 +143,19 @@ TEST(Ofdm, ANetworkStandsAtItsPlaceInAWiderReceiver) {
     EXPECT_LT(ChannelPowerDb(x, 35.0, 80.0) - gain, -70.0) << "the rest of the span has but the sidelobes";
 }
 
+TEST(Ofdm, ANetworkBetweenTheReceiversSubcarriersKeepsItsOwn) {
+    UseScene(R"({"noise_figure_db": 0, "accessPoints": [{"band": "2.4", "channel": 14, "width_mhz": 20,
+        "level_dbm": -50, "legacy": true, "duty": 0.5, "frames": [{"length_us": 60}]}]})");
+    const Tuning tuning{0, 0, 13};  // channel 14 lies 12 MHz above, 38.4 subcarriers, its highest at the span's end
+    const double rate = RateMhz(tuning.bandwidth);
+    const auto x = Retuned(Capture(tuning).at(0), 12.0, rate);
+    const auto start = FirstFrame(x, tuning, 0.1, 24);
+    ASSERT_LT(start, x.size());
+    const auto heard = HeardSubcarriers(x, start, rate);
+    EXPECT_TRUE(heard.size() == 48 && !heard.contains(0)) << "those from -26 to 22 and no other";
+    EXPECT_TRUE(*heard.begin() == -26 && *heard.rbegin() == 22);
+}
+
 TEST(Ofdm, FramesFillTheirShareOfTheTime) {
     for (const double duty : {0.3, 0.6, 1.0}) {
         const auto x = OneNetwork({0, 0, 6}, ", \"duty\": " + std::to_string(duty) +

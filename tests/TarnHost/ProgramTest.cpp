@@ -99,6 +99,7 @@ TEST(Program, AFullDeviceIsAFailureAndAClosedPipeIsNot) {
 TEST(Program, InfoNamesPluginAdapterAirKernelAndLog) {
     const auto run = Program({"info", "--adapter", "bands=0"}).With("TARN_KERNEL=portable").Run();
     EXPECT_EQ(run.status, 0) << run.err;
+    EXPECT_TRUE(run.out.starts_with("tarn ")) << run.out;
     for (const char* part : {"libTarnFlows.so", "bands=0", "air", "portable", "--log FILE", "2.4 GHz: 14 at 20 MHz"})
         EXPECT_TRUE(Has(run.out, part)) << part << "\n" << run.out;
     EXPECT_FALSE(Has(run.out, "6-7 GHz")) << run.out;

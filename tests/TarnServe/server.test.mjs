@@ -142,8 +142,14 @@ test('files are names in one folder, whatever a line or a path says', async (t) 
   for (const key of ['-load_all', '-save_spectrum'])
     assert.equal((await server.line(`${key} link.csv`)).status, 409, key);
   rmSync(outside);
-  // the front-end's part of a snapshot may pretend to be entries of the plug-in's: none becomes a line, none is fatal
+  const settings = async () => (await server.json('GET', '/api/state')).json.settings;
+  await server.line('-channel 11 -channel_average true -maxhold false -internal_gain 1 -preLNA_resistor true');
   await server.line(`-save_all snap.csv${',0'.repeat(14)}`);
+  const before = await settings();
+  await server.line('-band 5.2 -bandwidth 40 -channel 38 -rbw 78.125 -channel_average false -maxhold true -internal_gain 2');
+  await server.line('-load_all snap.csv');
+  assert.deepEqual(await settings(), before);
+  // the front-end's part of a snapshot may pretend to be entries of the plug-in's: none becomes a line, none is fatal
   const entries = `0"},5,{"parameter": "m_RBW","value": "1\\" -save_spectrum ${outside} -rbw \\"1 z`;
   const snapshot = readFileSync(inside('snap.csv'), 'utf8').replace('is_scan=0', `is_scan=${entries}`);
   writeFileSync(inside('snap.csv'), snapshot);
