@@ -194,6 +194,7 @@ TEST_F(SnapshotTest, CutFlippedAndOversizedFilesNeitherCrashNorHang) {
 
 TEST_F(SnapshotTest, ChannelsBeyondTheLastLineAreLeftOutWithOneWarning) {
     Start("samples=1024,bands=0+1+2");
+    Run("-save_all " + Path("a.csv"));  // nothing is left out yet
     Run("-band 6-7 -bandwidth 320 -rbw 312.5");
     for (const char* channel : {"31", "63"})
         Run(std::string("-channel ") + channel + " -trigger_now");
@@ -203,7 +204,7 @@ TEST_F(SnapshotTest, ChannelsBeyondTheLastLineAreLeftOutWithOneWarning) {
     const std::string log = Read("log.txt");
     const std::string warning = "3 channels of the power table have no line in a snapshot";
     EXPECT_NE(log.find(warning), std::string::npos);
-    EXPECT_EQ(log.find(warning), log.rfind(warning));
+    EXPECT_EQ(log.find(warning.substr(2)), log.rfind(warning.substr(2)));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "Axes.h"
 #include "Inputs.h"
 #include "Peaks.h"
 #include "Picture.h"
@@ -301,6 +302,16 @@ TEST(PlainText, NothingSteersATerminal) {
     EXPECT_EQ(Printable("\xE2\x80\xAEx\x9B\xC0\xAF\xED\xA0\x80\xC3"), "?x???????")
         << "direction, stray and overlong bytes";
     EXPECT_EQ(PrintableLines("a\n\tb\r"), "a\n\tb?");
+}
+
+TEST(Picture, AxesPlaceFrequenciesAndLevelsInTheirBox) {
+    const Axes axes({100, 50, 300, 250}, {2412, 2432}, {-120, -20});
+    EXPECT_DOUBLE_EQ(axes.X(2427), 250);
+    EXPECT_DOUBLE_EQ(axes.Y(-20), 50);
+    EXPECT_DOUBLE_EQ(axes.Y(-95), 200);
+    EXPECT_DOUBLE_EQ(axes.Y(std::nan("")), 250);
+    EXPECT_DOUBLE_EQ(axes.Y(-1e300), 450) << "outside, yet a number that a file can hold";
+    EXPECT_EQ(Ticks({-118, -20}, 5), (std::vector<double>{-100, -80, -60, -40, -20}));
 }
 
 TEST(Measurement, APictureIsWrittenWholeOrNotAtAll) {
