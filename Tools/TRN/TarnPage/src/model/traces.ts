@@ -120,7 +120,8 @@ export class TraceSet {
     const chains: number[][] = [];
     for (let chain = 0; chain < this.chainCount(); ++chain) {
       const levels = this.levels(kind, chain);
-      if (levels) chains.push(Array.from(levels, (level) => Math.round(level * 1000) / 1000));
+      // finite, as the view is kept as JSON, where no power at all would come back as 0 dBm
+      if (levels) chains.push(Array.from(levels, (level) => Math.round(Math.max(level, -1000) * 1000) / 1000));
     }
     if (!chains.length || !this.tuning || !this.frame) return false;
     const source = kind === 'reference' || kind === 'difference' ? 'live' : kind;
